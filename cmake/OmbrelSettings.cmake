@@ -1,0 +1,35 @@
+# Language, sanitizers and the Windows settings that hold for every target.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+find_package(Threads REQUIRED)
+
+if(OMBREL_SANITIZE)
+  add_compile_options(-fsanitize=${OMBREL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${OMBREL_SANITIZE})
+endif()
+
+if(WIN32)
+  enable_language(RC)
+  # Windows 10 interfaces; narrow character functions; no min and max macros.
+  add_compile_definitions(_WIN32_WINNT=0x0A00 WINVER=0x0A00 WIN32_LEAN_AND_MEAN NOMINMAX)
+endif()
+
+if(MSVC)
+  set(CMAKE_MSVC_RUNTIME_LIBRARY "MultiThreaded$<$<CONFIG:Debug>:Debug>")
+  add_compile_options(/utf-8 /permissive- /Zc:__cplusplus)
+endif()
+# MSVC has its own definition of _CRT_SECURE_NO_WARNINGS; MinGW's printf must follow the C standard.
+if(MINGW)
+  add_compile_definitions(__USE_MINGW_ANSI_STDIO=1)
+  add_link_options(-static)
+endif()
+
+# What stands before an absolute path of the build machine when a Windows program is told of it.
+if(WIN32 AND CMAKE_CROSSCOMPILING)
+  set(OMBREL_PATH_PREFIX "Z:")
+else()
+  set(OMBREL_PATH_PREFIX "")
+endif()

@@ -1,0 +1,23 @@
+# Warnings, and the function that a folder of the driver declares its library with.
+
+add_library(ombrel_warnings INTERFACE)
+if(MSVC)
+  target_compile_options(ombrel_warnings INTERFACE /W4 /WX /external:W0)
+else()
+  # No -Wnon-virtual-dtor: the driver interface's abstract classes have no virtual destructor.
+  target_compile_options(ombrel_warnings INTERFACE
+    -Wall -Wextra -Wpedantic -Werror
+    -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wcast-qual
+    -Woverloaded-virtual -Wsuggest-override -Wextra-semi -Wundef -Wformat=2)
+endif()
+
+# ombrel_add_library(NAME SOURCES file... [DEPENDS target...] [PRIVATE_DEPENDS target...])
+# A static library whose public headers lie in its folder's include/.
+function(ombrel_add_library name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;DEPENDS;PRIVATE_DEPENDS")
+  add_library(${name} STATIC ${arg_SOURCES})
+  target_include_directories(${name} PUBLIC "${CMAKE_CURRENT_SOURCE_DIR}/include")
+  target_link_libraries(${name}
+    PUBLIC ${arg_DEPENDS} Threads::Threads
+    PRIVATE ombrel_warnings ${arg_PRIVATE_DEPENDS})
+endfunction()

@@ -1,0 +1,17 @@
+// The library's only export.
+#include <openvr_driver.h>
+
+#include <string_view>
+
+#include "server_driver_ombrel.h"
+
+// Answers for the device provider alone; there is no watchdog. The name is compared letter by letter, and the return
+// code is touched only to say that it was another.
+extern "C" void* HmdDriverFactory(const char* interfaceName, int* returnCode) {
+  static ombrel::CServerDriver_Ombrel provider;
+  if (interfaceName != nullptr && std::string_view(interfaceName) == vr::IServerTrackedDeviceProvider_Version) {
+    return static_cast<vr::IServerTrackedDeviceProvider*>(&provider);
+  }
+  if (returnCode != nullptr) *returnCode = vr::VRInitError_Init_InterfaceNotFound;
+  return nullptr;
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <openvr_driver.h>
+
+#include <memory>
+#include <vector>
+
+#include "devices/fake_sensor_device.h"
+#include "hmd/hmd_driver.h"
+#include "link/listeners.h"
+
+namespace ombrel {
+
+// The provider that the runtime loads the library for: one object, as old as the library. It makes the devices, keeps
+// them, and ticks them. The runtime calls it on its server thread, the link's reader thread reports controllers.
+class CServerDriver_Ombrel final : public vr::IServerTrackedDeviceProvider, public IControllerUpdatedListener {
+ public:
+  CServerDriver_Ombrel() = default;
+  ~CServerDriver_Ombrel();
+  CServerDriver_Ombrel(const CServerDriver_Ombrel&) = delete;
+  CServerDriver_Ombrel& operator=(const CServerDriver_Ombrel&) = delete;
+
+  // 0, or VRInitError_Init_InterfaceNotFound, or VRInitError_Init_HmdNotFound when the companion program is not
+  // running. May be called again after a failure and after Cleanup; does nothing while there is a headset.
+  vr::EVRInitError Init(vr::IVRDriverContext* pDriverContext) override;
+  // Takes 0.4 seconds, and up to two more while a frame under way waits for a keyed mutex. The library may be unloaded
+  // when it has returned.
+  void Cleanup() override;
+  const char* const* GetInterfaceVersions() override;
+  void RunFrame() override;
+  bool ShouldBlockStandbyMode() override;
+  void EnterStandby() override;
+  void LeaveStandby() override;
+
+  void OnControllerUpdated(const ControllerUpdate* record) override;
+
+ private:
+  vr::EVRInitError InitDevices();
+  void AddHeadset();
+  void AddFakeSensor();
+  void DrainEvents();
+
+  bool firstFrameSeen_ = false;
+  bool fakeSensorEnabled_ = false;
+  std::unique_ptr<HMDDriver> headset_;
+  std::unique_ptr<FakeSensorDevice> fakeSensor_;
+  std::vector<vr::ITrackedDeviceServerDriver*> devices_;  // all that the runtime got from Init
+};
+
+}  // namespace ombrel

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <openvr_driver.h>
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "hmd/display_geometry.h"
+#include "hmd/head_pose.h"
+#include "link/listeners.h"
+#include "link/ombrel_core.h"
+#include "platform/runtime_abi.h"
+#include "platform/seqlock.h"
+
+namespace ombrel {
+
+// The headset as the runtime sees it: a display with both eyes side by side, whose orientation comes from the companion
+// and whose frames go back to it. Never built alone: a derived class adds the way of its frames.
+//
+// The runtime's server thread constructs, activates and asks; the link's reader thread calls the listeners. No call
+// waits for anything but a frame under way (destruction), the making of textures (Activate), or the runtime.
+class HMDDriver : public vr::ITrackedDeviceServerDriver,
+                  public vr::IVRDisplayComponent,
+                  public ITrackingUpdatedListener,
+                  public IFramerateUpdatedListener {
+ public:
+  virtual ~HMDDriver() = default;
+  HMDDriver(const HMDDriver&) = delete;
+  HMDDriver& operator=(const HMDDriver&) = delete;
+
+  vr::EVRInitError Activate(std::uint32_t unObjectId) override;
+  void Deactivate() override;
+  void EnterStandby() override {}
+  // The derived classes answer for their own components first.
+  void* GetComponent(const char* pchComponentNameAndVersion) override;
+  void DebugRequest(const char* pchRequest, char* pchResponseBuffer, std::uint32_t unResponseBufferSize) override;
+  OMBREL_RETURNS_STRUCT(vr::DriverPose_t, GetPose, pose_.Load())
+
+  void GetWindowBounds(std::int32_t* pnX, std::int32_t* pnY, std::uint32_t* pnWidth, std::uint32_t* pnHeight) override;
+  bool IsDisplayOnDesktop() override { return false; }
+  bool IsDisplayRealDisplay() override { return false; }
+  void GetRecommendedRenderTargetSize(std::uint32_t* pnWidth, std::uint32_t* pnHeight) override;
+  void GetEyeOutputViewport(vr::EVREye eEye, std::uint32_t* pnX, std::uint32_t* pnY, std::uint32_t* pnWidth,
+                            std::uint32_t* pnHeight) override;
+  void GetProjectionRaw(vr::EVREye eEye, float* pfLeft, float* pfRight, float* pfTop, float* pfBottom) override;
+  OMBREL_RETURNS_STRUCT(vr::DistortionCoordinates_t, ComputeDistortion, Undistorted(fU, fV), vr::EVREye /*eEye*/,
+                        float fU, float fV)
+
+  void OnTrackingUpdated() override;
+  void OnFramerateUpdated(std::uint32_t framesPerSecond) override;
+
+  // Once per frame, on the server thread: an active headset reports itself worn.
+  void ReportWorn();
+  [[nodiscard]] OmbrelCore& Core() { return core_; }
+
+ protected:
+  explicit HMDDriver(std::unique_ptr<IFrameRenderer> renderer);
+
+ private:
+  void ApplySettings();
+  void LogConfiguration() const;
+  void WriteHeadsetProperties();
+  void CreateProximityInput();
+  void PublishPose();
+  [[nodiscard]] bool IsActivated() const { return deviceIndex_ != vr::k_unTrackedDeviceIndexInvalid; }
+  [[nodiscard]] static vr::DistortionCoordinates_t Undistorted(float u, float v);
+
+  const std::string serialNumber_ = "0.8";
+  const std::string modelNumber_ = "Ombrel";
+  const std::int32_t windowX_ = -1;
+  const std::int32_t windowY_ = -1;
+  DisplayGeometry geometry_;
+  const float secondsFromVsyncToPhotons_ = 0.005F;
+  std::atomic<float> displayFrequency_{60.0F};
+  const float ipdMeters_ = 0.065F;
+  SeqLock<vr::DriverPose_t> pose_;
+  RotationOffsets rotationOffsets_;
+  vr::VRInputComponentHandle_t proximityComponent_ = vr::k_ulInvalidInputComponentHandle;
+  bool hasProximityInput_ = false;
+  std::atomic<vr::PropertyContainerHandle_t> propertyContainer_{vr::k_ulInvalidPropertyContainer};
+  vr::IVRServerDriverHost* const host_;
+  std::atomic<std::uint32_t> deviceIndex_{vr::k_unTrackedDeviceIndexInvalid};
+  OmbrelCore core_;  // last: its threads call this headset until it is gone
+};
+
+}  // namespace ombrel

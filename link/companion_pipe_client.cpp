@@ -1,0 +1,117 @@
+#include "link/companion_pipe_client.h"
+
+#include "platform/clock.h"
+
+namespace ombrel {
+namespace {
+
+constexpr std::uint32_t kRetryMs = 100;
+// Between the first pipe and the second: time for the companion to see the one before it gets the other.
+constexpr std::uint32_t kSecondPipeDelayMs = 150;
+constexpr std::uint32_t kCancelAgainMs = 2;
+
+LinkPoseRecord InitialPose() {
+  LinkPoseRecord pose;
+  pose.timestamp = TickMilliseconds();
+  return pose;
+}
+
+}  // namespace
+
+CompanionPipeClient::CompanionPipeClient() : headPose_(TickMilliseconds()), publishedPose_(InitialPose()) {}
+
+void CompanionPipeClient::Start() {
+  running_.store(true, std::memory_order_release);
+  if (!connectThread_.Start([this] { RunConnectThread(); })) running_.store(false, std::memory_order_release);
+}
+
+void CompanionPipeClient::Stop() {
+  running_.store(false, std::memory_order_release);
+  wake_.WakeAll();
+  connectThread_.Join();
+  trackingListeners_.Clear();
+  framerateListeners_.Clear();
+  controllerListeners_.Clear();
+  connectionListeners_.Clear();
+}
+
+OutgoingPipe::Result CompanionPipeClient::Send(LinkMessageType type, std::span<const std::byte> payload) {
+  if (!IsConnected()) return OutgoingPipe::Result::kSent;
+  const OutgoingPipe::Result result = writePipe_.Write(type, payload);
+  if (result == OutgoingPipe::Result::kBroken) {
+    // Half a message is out: only a new connection puts the stream in step again.
+    connected_.store(false, std::memory_order_release);
+    wake_.WakeAll();
+  }
+  return result;
+}
+
+void CompanionPipeClient::RunConnectThread() {
+  bool reported = false;
+  while (IsRunning()) {
+    const std::uint32_t seen = wake_.Generation();
+    if (reported && !IsConnected()) {
+      EndConnection();
+      reported = false;
+      ReportConnectionState();
+    }
+    if (!reported && TryConnect()) {
+      reported = true;
+      ReportConnectionState();
+    }
+    writePipe_.CancelStalledWrite();
+    wake_.WaitFor(seen, kRetryMs);
+  }
+  EndConnection();
+}
+
+bool CompanionPipeClient::TryConnect() {
+  if (!OpenPipes()) return false;
+  // Marked up before the reader starts: one that ends at once must find it so, to mark it down again.
+  newConnection_.store(true, std::memory_order_release);
+  connected_.store(true, std::memory_order_release);
+  framer_.Reset();
+  if (readerThread_.Start([this] { RunReaderThread(); })) return true;
+  EndConnection();
+  return false;
+}
+
+// A companion may make its second pipe late and offer each of them once: the first is kept while the second is missing,
+// but not when the companion has gone meanwhile, since that would keep the next one from offering it again.
+bool CompanionPipeClient::OpenPipes() {
+  if (writePipe_.IsOpen() && writePipe_.IsPeerGone()) writePipe_.Close();
+  if (!writePipe_.IsOpen()) {
+    const std::uint32_t seen = wake_.Generation();
+    if (!writePipe_.Open()) return false;
+    wake_.WaitFor(seen, kSecondPipeDelayMs);
+    if (!IsRunning()) return false;
+  }
+  if (!readPipe_.Open(kPipeFromCompanion, PipeClient::Direction::kRead)) return false;
+  if (!writePipe_.IsPeerGone()) return true;
+  readPipe_.Close();
+  writePipe_.Close();
+  return false;
+}
+
+void CompanionPipeClient::EndConnection() {
+  connected_.store(false, std::memory_order_release);
+  writePipe_.Close();
+  // A cancel that comes while the reader is between two reads cancels nothing, so it is repeated until it is out.
+  do {
+    readPipe_.CancelIo();
+  } while (!readerThread_.JoinFor(kCancelAgainMs));
+  readPipe_.Close();
+}
+
+void CompanionPipeClient::ReportConnectionState() {
+  connectionListeners_.ForEach([](IConnectionStateChangedListener* listener) { listener->OnConnectionStateChanged(); });
+}
+
+void CompanionPipeClient::RunReaderThread() {
+  while (IsRunning() && IsConnected() && ReadAndDispatch()) {
+  }
+  connected_.store(false, std::memory_order_release);
+  wake_.WakeAll();
+}
+
+}  // namespace ombrel

@@ -1,0 +1,65 @@
+// What the reader thread does with the bytes that come in.
+#include "link/companion_pipe_client.h"
+#include "link/session_shutdown.h"
+#include "platform/clock.h"
+
+namespace ombrel {
+
+bool CompanionPipeClient::ReadAndDispatch() {
+  const std::span<std::byte> space = framer_.FreeSpace();
+  const std::size_t got = readPipe_.ReadSome(space.data(), space.size());
+  if (got == 0) return false;
+  framer_.Filled(got);
+  MessageFramer::Message message;
+  MessageFramer::Result result = framer_.Next(message);
+  while (result == MessageFramer::Result::kMessage && IsRunning()) {
+    Dispatch(message);
+    result = framer_.Next(message);
+  }
+  return result == MessageFramer::Result::kNeedMore;
+}
+
+void CompanionPipeClient::Dispatch(const MessageFramer::Message& message) try {
+  switch (static_cast<LinkMessageType>(message.type)) {
+    case LinkMessageType::kTrackingUpdate:
+      return OnTrackingUpdate(message.payload);
+    case LinkMessageType::kRecenterRequest:
+      return headPose_.Recenter();
+    case LinkMessageType::kFramerateUpdate:
+      return OnFramerateUpdate(message.payload);
+    case LinkMessageType::kControllerUpdate:
+      return OnControllerUpdate(message.payload);
+    case LinkMessageType::kShutdownRequest:
+      return EndRuntimeSession();
+    case LinkMessageType::kFrameSharingInfo:
+    case LinkMessageType::kHapticPulse:
+      break;  // these go the other way
+  }
+} catch (...) {
+  // Out of memory, most likely: this message is lost, the next one may do.
+}
+
+void CompanionPipeClient::OnTrackingUpdate(std::span<const std::byte> payload) {
+  const HeadPoseTracker::Outcome outcome = headPose_.Apply(payload, TickMilliseconds());
+  if (outcome == HeadPoseTracker::Outcome::kTooShort) return;
+  if (outcome == HeadPoseTracker::Outcome::kPublished) publishedPose_.Store(headPose_.Record());
+  hasTrackingData_.store(true, std::memory_order_release);
+  trackingListeners_.ForEach([](ITrackingUpdatedListener* listener) { listener->OnTrackingUpdated(); });
+}
+
+void CompanionPipeClient::OnFramerateUpdate(std::span<const std::byte> payload) {
+  if (payload.size() < sizeof(std::uint32_t)) return;
+  const auto framesPerSecond = ReadRecord<std::uint32_t>(payload);
+  framerateListeners_.ForEach(
+      [=](IFramerateUpdatedListener* listener) { listener->OnFramerateUpdated(framesPerSecond); });
+}
+
+void CompanionPipeClient::OnControllerUpdate(std::span<const std::byte> payload) {
+  if (payload.size() < sizeof(ControllerUpdate)) return;
+  controllerListeners_.ForEach([=](IControllerUpdatedListener* listener) {
+    const auto record = ReadRecord<ControllerUpdate>(payload);
+    listener->OnControllerUpdated(&record);
+  });
+}
+
+}  // namespace ombrel

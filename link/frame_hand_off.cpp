@@ -1,0 +1,76 @@
+// How frames pass through the link core, on the runtime's threads.
+#include <mutex>
+
+#include "link/frame_pacing.h"
+#include "link/ombrel_core.h"
+#include "platform/clock.h"
+#include "platform/process.h"
+
+namespace ombrel {
+
+void OmbrelCore::HandOffLayers(std::uint64_t syncTexture, std::vector<LayerRecord>& layers, const FramePose& pose) {
+  const SubmissionGate::Pass pass(streamingActive_);
+  if (!pass) return;
+  SendFrameSharingInfo();
+  if (syncTexture != 0 && !renderer_->AcquireSyncTexture(syncTexture, AcquireTimeoutMs())) {
+    layers.clear();
+    return;
+  }
+  renderer_->BeginLayers();
+  for (const LayerRecord& layer : layers) renderer_->ComposeLayer(currentTexture_, layer);
+  layers.clear();
+  sharing_.WriteSlot(currentTexture_, pose);
+  ++submittedFrames_;
+  renderer_->ReleaseOutput(currentTexture_);
+  AcquireNextTexture();
+  renderer_->ClearOutput(currentTexture_);
+  renderer_->ReleaseSyncTexture();
+}
+
+void OmbrelCore::HandOffTexture(std::uint64_t texture) {
+  const SubmissionGate::Pass pass(streamingActive_);
+  if (!pass) return;
+  std::unique_lock lock(stateMutex_);
+  SendFrameSharingInfo();
+  if (!renderer_->CopyToOutput(texture, currentTexture_, lastAcquireSucceeded_, AcquireTimeoutMs())) return;
+  ++submittedFrames_;
+  renderer_->ReleaseOutput(currentTexture_);
+  AcquireNextTexture();
+  stateChanged_.Wait(lock, [this] { return !streamingActive_.IsOpen() || submittedFrames_ < trackingUpdates_; });
+}
+
+// Once per connection, ahead of its first frame.
+void OmbrelCore::SendFrameSharingInfo() {
+  if (!client_.TakeNewConnection()) return;
+  const FrameSharingInfo info = MakeFrameSharingInfo(CurrentProcessId(), renderer_->Sharing(), sharing_.Name());
+  const auto result = client_.Send(LinkMessageType::kFrameSharingInfo, RecordBytes(info));
+  // Without it the companion would not see a frame, so a later one brings it again.
+  if (result == OutgoingPipe::Result::kStalled) client_.PutBackNewConnection();
+}
+
+bool OmbrelCore::AcquireNextTexture() {
+  currentTexture_ = (currentTexture_ + 1) % 2;
+  lastAcquireSucceeded_ = renderer_->AcquireOutput(currentTexture_, AcquireTimeoutMs());
+  return lastAcquireSucceeded_;
+}
+
+std::uint32_t OmbrelCore::AcquireTimeoutMs() const { return KeyedMutexTimeoutMs(framePeriodMs_); }
+
+void OmbrelCore::WaitForNextFrame() {
+  const SubmissionGate::Pass pass(pacing_);
+  if (!pass) return;
+  const std::uint32_t seen = linkDropped_.Generation();
+  const std::int64_t begin = PerformanceCounter();
+  const double remaining = RemainingMs(framePeriodMs_, begin - lastPacingEnd_, counterFrequency_);
+  const std::uint32_t sleepMs = SleepPartMs(remaining);
+  const bool released = sleepMs > 0 && linkDropped_.WaitFor(seen, sleepMs);
+  if (!released) {
+    const double left = RemainingMs(remaining, PerformanceCounter() - begin, counterFrequency_);
+    const std::int64_t spinBegin = PerformanceCounter();
+    while (left > 0.0 && !IsSpinOver(PerformanceCounter() - spinBegin, counterFrequency_, left)) {
+    }
+  }
+  lastPacingEnd_ = PerformanceCounter();
+}
+
+}  // namespace ombrel

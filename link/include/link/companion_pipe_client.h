@@ -1,0 +1,90 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "link/head_pose_tracker.h"
+#include "link/listeners.h"
+#include "link/message_framer.h"
+#include "link/outgoing_pipe.h"
+#include "link/wire.h"
+#include "platform/append_only_list.h"
+#include "platform/pipe.h"
+#include "platform/seqlock.h"
+#include "platform/sync.h"
+#include "platform/thread.h"
+
+namespace ombrel {
+
+// The driver's end of the two pipes. Its connect thread opens them, every 100 ms while they are down, and reports
+// changes of the connection; one reader thread per connection decodes what comes in and calls the listeners. Failures
+// are silent and retried.
+class CompanionPipeClient {
+ public:
+  CompanionPipeClient();
+  ~CompanionPipeClient() { Stop(); }
+  CompanionPipeClient(const CompanionPipeClient&) = delete;
+  CompanionPipeClient& operator=(const CompanionPipeClient&) = delete;
+
+  void Start();
+  // Ends both threads and waits for them, closes the pipes and empties the listener lists. Not to be called from a
+  // listener. Bounded by what the listeners do plus a few milliseconds.
+  void Stop();
+
+  // Any thread. A listener added while the link runs is called from the next event on.
+  void AddListener(ITrackingUpdatedListener* listener) { trackingListeners_.Add(listener); }
+  void AddListener(IFramerateUpdatedListener* listener) { framerateListeners_.Add(listener); }
+  void AddListener(IControllerUpdatedListener* listener) { controllerListeners_.Add(listener); }
+  void AddListener(IConnectionStateChangedListener* listener) { connectionListeners_.Add(listener); }
+
+  // Any thread.
+  [[nodiscard]] bool IsConnected() const { return connected_.load(std::memory_order_acquire); }
+  // True once per connection, for the one who announces the output textures; Put it back when that failed.
+  [[nodiscard]] bool TakeNewConnection() { return newConnection_.exchange(false, std::memory_order_acq_rel); }
+  void PutBackNewConnection() { newConnection_.store(true, std::memory_order_release); }
+  // Writes nothing unless connected. May block as OutgoingPipe says.
+  OutgoingPipe::Result Send(LinkMessageType type, std::span<const std::byte> payload);
+  [[nodiscard]] LinkPoseRecord PublishedPose() const { return publishedPose_.Load(); }
+  [[nodiscard]] bool HasTrackingData() const { return hasTrackingData_.load(std::memory_order_acquire); }
+
+ private:
+  // Connect thread.
+  void RunConnectThread();
+  [[nodiscard]] bool TryConnect();
+  [[nodiscard]] bool OpenPipes();
+  void EndConnection();
+  void ReportConnectionState();
+  [[nodiscard]] bool IsRunning() const { return running_.load(std::memory_order_acquire); }
+
+  // Reader thread.
+  void RunReaderThread();
+  [[nodiscard]] bool ReadAndDispatch();
+  void Dispatch(const MessageFramer::Message& message);
+  void OnTrackingUpdate(std::span<const std::byte> payload);
+  void OnFramerateUpdate(std::span<const std::byte> payload);
+  void OnControllerUpdate(std::span<const std::byte> payload);
+
+  std::atomic<bool> running_{false};
+  std::atomic<bool> connected_{false};
+  std::atomic<bool> newConnection_{false};
+  std::atomic<bool> hasTrackingData_{false};
+
+  AppendOnlyList<ITrackingUpdatedListener*> trackingListeners_;
+  AppendOnlyList<IFramerateUpdatedListener*> framerateListeners_;
+  AppendOnlyList<IControllerUpdatedListener*> controllerListeners_;
+  AppendOnlyList<IConnectionStateChangedListener*> connectionListeners_;
+
+  OutgoingPipe writePipe_;
+  PipeClient readPipe_;
+  MessageFramer framer_;
+  HeadPoseTracker headPose_;
+  SeqLock<LinkPoseRecord> publishedPose_;
+
+  WakeSignal wake_;  // ends the connect thread's sleeps
+  Thread readerThread_;
+  Thread connectThread_;
+};
+
+}  // namespace ombrel

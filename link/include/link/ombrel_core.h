@@ -1,0 +1,91 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "link/companion_pipe_client.h"
+#include "link/frame_renderer.h"
+#include "link/frame_sharing.h"
+#include "link/listeners.h"
+#include "link/submission_gate.h"
+#include "platform/sync.h"
+
+namespace ombrel {
+
+// The headset's end of the link: the pipes, what is shared with the companion, and the hand-off of frames between the
+// runtime's threads, the renderer and the companion. One per headset.
+class OmbrelCore final : public IFramerateUpdatedListener,
+                         public IConnectionStateChangedListener,
+                         public ITrackingUpdatedListener {
+ public:
+  explicit OmbrelCore(std::unique_ptr<IFrameRenderer> renderer);
+  ~OmbrelCore() { StopLink(); }
+  OmbrelCore(const OmbrelCore&) = delete;
+  OmbrelCore& operator=(const OmbrelCore&) = delete;
+
+  // Server thread. Makes the shared objects and starts the link; once, whatever the number of calls.
+  void SetUp();
+  // Server thread. Ends the link's threads, releases threads that are blocked in a hand-off or a pacing wait and waits
+  // for them: when it returns, nobody is in here. At most about two seconds, when a keyed mutex is waited for.
+  void StopLink();
+
+  [[nodiscard]] CompanionPipeClient& Client() { return client_; }
+  [[nodiscard]] IFrameRenderer& Renderer() { return *renderer_; }
+  [[nodiscard]] std::int64_t CounterFrequency() const { return counterFrequency_; }
+
+  // Server thread. Gives the renderer its output, unless it has one, and lets a companion that is connected already
+  // have frames.
+  void PrepareOutput(std::uint32_t format, std::uint32_t width, std::uint32_t height);
+
+  // Direct mode, on the runtime's threads: composes the layers into the current output and passes it to the companion.
+  // Empties the list, unless the link is down. Returns within two frame periods.
+  void HandOffLayers(std::uint64_t syncTexture, std::vector<LayerRecord>& layers, const FramePose& pose);
+  // Virtual display, likewise: copies one finished texture, then waits until a pose has come that no frame answers yet,
+  // or the link goes down.
+  void HandOffTexture(std::uint64_t texture);
+  // Sleeps, then spins, to the end of the frame period that began when the last wait ended. At most one second; ends
+  // early when the link goes down.
+  void WaitForNextFrame();
+
+  void OnFramerateUpdated(std::uint32_t framesPerSecond) override;
+  void OnConnectionStateChanged() override;
+  void OnTrackingUpdated() override;
+
+ private:
+  void SetUpConnection();
+  void EndStreaming();
+  void SendFrameSharingInfo();
+  bool AcquireNextTexture();
+  [[nodiscard]] std::uint32_t AcquireTimeoutMs() const;
+
+  const std::int64_t counterFrequency_;
+  std::unique_ptr<IFrameRenderer> renderer_;
+  FrameSharing sharing_;
+
+  std::atomic<std::int32_t> currentTexture_{0};  // the output that the driver holds
+  std::atomic<std::uint32_t> framesPerSecond_{60};
+  std::atomic<double> framePeriodMs_;
+  std::atomic<bool> lastAcquireSucceeded_{false};
+  std::atomic<std::int64_t> lastPacingEnd_{0};  // performance counter
+
+  // Open while streaming is active: from a completed connection set-up until the link drops.
+  SubmissionGate streamingActive_;
+  // Open until the link stops.
+  SubmissionGate pacing_;
+  WakeSignal linkDropped_;
+
+  Mutex stateMutex_;
+  Condition stateChanged_;
+  std::atomic<std::int32_t> submittedFrames_{0};
+  std::atomic<std::int32_t> trackingUpdates_{0};
+
+  Mutex setUpMutex_;  // one set-up, or its undoing, at a time; taken before stateMutex_
+  bool setUpPending_ = false;
+  bool initialised_ = false;
+
+  CompanionPipeClient client_;  // last, so that its threads never meet a core half made or half gone
+};
+
+}  // namespace ombrel

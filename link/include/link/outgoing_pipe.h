@@ -1,0 +1,45 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "link/wire.h"
+#include "platform/pipe.h"
+#include "platform/sync.h"
+
+namespace ombrel {
+
+// The pipe to the companion: whole messages, one at a time, from any thread. A companion that does not read can block a
+// writer for kStallMs and the connect thread's next round, no longer.
+class OutgoingPipe {
+ public:
+  enum class Result {
+    kSent,     // or lost in a pipe that has broken
+    kStalled,  // the companion did not take the first byte: nothing was sent, the stream is in step
+    kBroken,   // the companion stopped in the middle of a message: the connection cannot be used any more
+  };
+
+  static constexpr std::uint32_t kStallMs = 500;
+
+  // Connect thread only.
+  bool Open() { return pipe_.Open(kPipeToCompanion, PipeClient::Direction::kWrite); }
+  [[nodiscard]] bool IsOpen() const { return pipe_.IsOpen(); }
+  [[nodiscard]] bool IsPeerGone() const { return pipe_.IsPeerGone(); }
+  void CancelStalledWrite();
+  // Frees a writer that is blocked and waits for it.
+  void Close();
+
+  [[nodiscard]] Result Write(LinkMessageType type, std::span<const std::byte> payload);
+
+ private:
+  [[nodiscard]] Result WriteParts(LinkMessageType type, std::span<const std::byte> payload);
+
+  Mutex mutex_;  // one message at a time; also held to close
+  PipeClient pipe_;
+  std::atomic<std::int64_t> writingSince_{0};  // performance counter, 0 while nobody writes
+  std::atomic<bool> cancelled_{false};         // the write under way was cancelled because it stalled
+};
+
+}  // namespace ombrel

@@ -1,0 +1,97 @@
+#include "link/ombrel_core.h"
+
+#include <mutex>
+#include <utility>
+
+#include "link/frame_pacing.h"
+#include "platform/clock.h"
+
+namespace ombrel {
+
+OmbrelCore::OmbrelCore(std::unique_ptr<IFrameRenderer> renderer)
+    : counterFrequency_(PerformanceFrequency()),
+      renderer_(std::move(renderer)),
+      framePeriodMs_(FramePeriodMs(framesPerSecond_.load())) {
+  pacing_.Open();
+}
+
+void OmbrelCore::SetUp() {
+  if (initialised_) return;
+  sharing_.CreateBlock();
+  client_.AddListener(static_cast<IConnectionStateChangedListener*>(this));
+  client_.AddListener(static_cast<IFramerateUpdatedListener*>(this));
+  client_.Start();
+  sharing_.CreateMutexes();
+  initialised_ = true;
+}
+
+void OmbrelCore::StopLink() {
+  pacing_.Close();
+  linkDropped_.WakeAll();
+  client_.Stop();
+  {
+    const std::lock_guard setUp(setUpMutex_);
+    EndStreaming();
+  }
+  pacing_.Drain();
+}
+
+void OmbrelCore::PrepareOutput(std::uint32_t format, std::uint32_t width, std::uint32_t height) {
+  const std::lock_guard setUp(setUpMutex_);
+  if (!renderer_->IsReady()) {
+    renderer_->Configure(format, width, height);
+    renderer_->CreateOutputTextures();
+  }
+  SetUpConnection();
+}
+
+void OmbrelCore::OnConnectionStateChanged() {
+  const std::lock_guard setUp(setUpMutex_);
+  if (!client_.IsConnected()) {
+    EndStreaming();
+    return;
+  }
+  setUpPending_ = true;
+  SetUpConnection();
+}
+
+// On the connect thread, or, when the companion was there before the output, on the server thread. setUpMutex_ is held,
+// stateMutex_ is not: poses go on while textures are made.
+void OmbrelCore::SetUpConnection() {
+  if (!setUpPending_ || !renderer_->IsReady()) return;
+  if (!renderer_->CreateOutputTextures()) return;
+  setUpPending_ = false;
+  currentTexture_ = 1;
+  AcquireNextTexture();
+  const std::lock_guard lock(stateMutex_);
+  submittedFrames_ = -1;
+  trackingUpdates_ = 0;
+  // A link that dropped meanwhile is reported next, and its frames are not to be taken for those of another.
+  if (client_.IsConnected()) streamingActive_.Open();
+  stateChanged_.NotifyAll();
+}
+
+// Waits for the hand-offs under way, so that none of them ever meets the next connection. setUpMutex_ is held.
+void OmbrelCore::EndStreaming() {
+  setUpPending_ = false;
+  {
+    const std::lock_guard lock(stateMutex_);
+    streamingActive_.Close();
+    stateChanged_.NotifyAll();
+  }
+  linkDropped_.WakeAll();
+  streamingActive_.Drain();
+}
+
+void OmbrelCore::OnFramerateUpdated(std::uint32_t framesPerSecond) {
+  framesPerSecond_ = framesPerSecond;
+  framePeriodMs_ = FramePeriodMs(framesPerSecond);
+}
+
+void OmbrelCore::OnTrackingUpdated() {
+  const std::lock_guard lock(stateMutex_);
+  ++trackingUpdates_;
+  stateChanged_.NotifyAll();
+}
+
+}  // namespace ombrel

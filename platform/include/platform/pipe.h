@@ -1,0 +1,41 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+
+namespace ombrel {
+
+// The client end of a named pipe, opened for one direction, blocking. One thread opens, reads or writes, and closes;
+// CancelIo may be called from any thread meanwhile.
+class PipeClient {
+ public:
+  enum class Direction { kRead, kWrite };
+
+  PipeClient() = default;
+  ~PipeClient() { Close(); }
+  PipeClient(const PipeClient&) = delete;
+  PipeClient& operator=(const PipeClient&) = delete;
+
+  // Opens the pipe's other end if somebody offers it; closes what was open before. Never waits.
+  bool Open(const char* name, Direction direction);
+  [[nodiscard]] bool IsOpen() const { return native_.load(std::memory_order_acquire) != kClosed; }
+  // True when the far end has gone: such a pipe never comes back to life and is best closed.
+  [[nodiscard]] bool IsPeerGone() const;
+
+  // Waits for at least one byte and takes at most `capacity`. 0 when the pipe has ended or the call was cancelled.
+  [[nodiscard]] std::size_t ReadSome(void* buffer, std::size_t capacity);
+  // Waits until the far end has taken every byte (or the pipe's buffer has room for them). False when the pipe has
+  // ended or the call was cancelled; how much was written is then unknown.
+  [[nodiscard]] bool WriteAll(const void* bytes, std::size_t size);
+
+  // Ends a read or write that another thread is blocked in. Does nothing to one that has not begun yet.
+  void CancelIo();
+  void Close();
+
+ private:
+  static constexpr std::intptr_t kClosed = -1;
+  std::atomic<std::intptr_t> native_{kClosed};
+};
+
+}  // namespace ombrel

@@ -1,0 +1,75 @@
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "platform/pipe.h"
+
+namespace ombrel {
+namespace {
+
+// A pipe \\.\pipe\Name is a local socket "Name" in the folder that OMBREL_PIPE_DIR names. Cancelling shuts the socket
+// down, which also ends reads and writes to come: callers only cancel what they are about to close.
+std::string SocketPath(const char* name) {
+  const char* folder = std::getenv("OMBREL_PIPE_DIR");
+  const char* last = std::strrchr(name, '\\');
+  return std::string(folder != nullptr ? folder : ".") + "/" + (last != nullptr ? last + 1 : name);
+}
+
+int AsSocket(std::intptr_t native) { return static_cast<int>(native); }
+
+}  // namespace
+
+bool PipeClient::Open(const char* name, Direction /*direction*/) {
+  Close();
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  const std::string path = SocketPath(name);
+  if (path.size() >= sizeof(address.sun_path)) return false;
+  std::memcpy(address.sun_path, path.c_str(), path.size());
+  const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  if (socket < 0) return false;
+  if (connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
+    close(socket);
+    return false;
+  }
+  native_.store(socket, std::memory_order_release);
+  return true;
+}
+
+bool PipeClient::IsPeerGone() const {
+  pollfd state{AsSocket(native_.load(std::memory_order_acquire)), POLLIN | POLLOUT, 0};
+  return poll(&state, 1, 0) > 0 && (state.revents & (POLLHUP | POLLERR)) != 0;
+}
+
+std::size_t PipeClient::ReadSome(void* buffer, std::size_t capacity) {
+  const ssize_t got = recv(AsSocket(native_.load(std::memory_order_acquire)), buffer, capacity, 0);
+  return got > 0 ? static_cast<std::size_t>(got) : 0;
+}
+
+bool PipeClient::WriteAll(const void* bytes, std::size_t size) {
+  const auto* next = static_cast<const char*>(bytes);
+  while (size > 0) {
+    const ssize_t written = send(AsSocket(native_.load(std::memory_order_acquire)), next, size, MSG_NOSIGNAL);
+    if (written <= 0) return false;
+    next += written;
+    size -= static_cast<std::size_t>(written);
+  }
+  return true;
+}
+
+void PipeClient::CancelIo() {
+  const std::intptr_t native = native_.load(std::memory_order_acquire);
+  if (native != kClosed) shutdown(AsSocket(native), SHUT_RDWR);
+}
+
+void PipeClient::Close() {
+  const std::intptr_t native = native_.exchange(kClosed, std::memory_order_acq_rel);
+  if (native != kClosed) close(AsSocket(native));
+}
+
+}  // namespace ombrel

@@ -1,0 +1,117 @@
+#include "frame_renderer_d3d11.h"
+
+#include "render/format_rule.h"
+
+namespace ombrel {
+
+std::unique_ptr<IHeadsetRenderer> MakeHeadsetRenderer() { return std::make_unique<FrameRenderer>(); }
+
+void FrameRenderer::CreateDevice() {
+  device_ = CreateRenderDevice();
+  if (device_.device) pipeline_.CreateShaders(*device_.device.Get());
+}
+
+void FrameRenderer::Configure(std::uint32_t format, std::uint32_t width, std::uint32_t height) {
+  outputFormat_ = format;
+  outputWidth_ = width;
+  outputHeight_ = height;
+}
+
+bool FrameRenderer::CreateOutputTextures() {
+  ready_.store(false, std::memory_order_release);
+  outputs_.Release();
+  if (!device_.device || !device_.context) return false;
+  outputFormat_ = ViewFormat(outputFormat_);
+  const auto format = static_cast<DXGI_FORMAT>(outputFormat_);
+  if (!outputs_.Create(*device_.device.Get(), outputWidth_, outputHeight_, format)) return false;
+  device_.context->Flush();
+  ready_.store(true, std::memory_order_release);
+  D3D11_TEXTURE2D_DESC made{};
+  outputs_.Texture(0)->GetDesc(&made);
+  outputs_.CreateViews(*device_.device.Get(), made.Format);
+  pipeline_.CreateState(*device_.device.Get(), *device_.context.Get(), outputWidth_, outputHeight_);
+  return true;
+}
+
+OutputSharing FrameRenderer::Sharing() {
+  return {.handles = {outputs_.SharedHandle(0), outputs_.SharedHandle(1)}, .invertY = invertY_};
+}
+
+bool FrameRenderer::AcquireSyncTexture(std::uint64_t handle, std::uint32_t timeoutMs) {
+  return syncHold_.Acquire(OpenRuntimeTexture(device_.device.Get(), handle), timeoutMs);
+}
+
+void FrameRenderer::BeginLayers() {
+  if (device_.context) pipeline_.BindOpaqueBlend(*device_.context.Get());
+}
+
+void FrameRenderer::ComposeLayer(std::int32_t outputIndex, const LayerRecord& layer) {
+  if (!device_.context) return;
+  pipeline_.Draw(*device_.context.Get(), outputs_.View(outputIndex),
+                 {FindView(layer.leftTexture), FindView(layer.rightTexture)}, *layer.bounds, invertY_);
+}
+
+void FrameRenderer::ClearOutput(std::int32_t index) {
+  ID3D11RenderTargetView* view = outputs_.View(index);
+  if (!device_.context || view == nullptr) return;
+  constexpr std::array<float, 4> kBlack{0.0F, 0.0F, 0.0F, 1.0F};
+  device_.context->OMSetRenderTargets(1, &view, nullptr);
+  device_.context->ClearRenderTargetView(view, kBlack.data());
+}
+
+bool FrameRenderer::CopyToOutput(std::uint64_t handle, std::int32_t outputIndex, bool outputAcquired,
+                                 std::uint32_t timeoutMs) {
+  const ComPtr<ID3D11Texture2D> texture = OpenRuntimeTexture(device_.device.Get(), handle);
+  RuntimeTextureHold hold;
+  if (!hold.Acquire(texture, timeoutMs)) return false;
+  ID3D11Texture2D* output = outputs_.Texture(outputIndex);
+  if (texture && outputAcquired && output != nullptr) device_.context->CopyResource(output, texture.Get());
+  return true;
+}
+
+SwapTexture FrameRenderer::CreateSwapTexture(const SwapTextureDesc& swap) {
+  if (!device_.device) return {};
+  const D3D11_TEXTURE2D_DESC desc{
+      .Width = swap.width,
+      .Height = swap.height,
+      .MipLevels = 1,
+      .ArraySize = 1,
+      .Format = static_cast<DXGI_FORMAT>(swap.format),
+      .SampleDesc = {.Count = swap.sampleCount, .Quality = 0},
+      .Usage = D3D11_USAGE_DEFAULT,
+      .BindFlags = D3D11_BIND_SHADER_RESOURCE | D3D11_BIND_RENDER_TARGET,
+      .CPUAccessFlags = 0,
+      .MiscFlags = D3D11_RESOURCE_MISC_SHARED,
+  };
+  ComPtr<ID3D11Texture2D> texture;
+  ComPtr<IDXGIResource> resource;
+  HANDLE handle = nullptr;
+  if (FAILED(device_.device->CreateTexture2D(&desc, nullptr, texture.GetAddressOf())) ||
+      FAILED(texture.As(&resource)) || FAILED(resource->GetSharedHandle(&handle))) {
+    return {};
+  }
+  return {.handle = reinterpret_cast<std::uintptr_t>(handle),
+          .texture = {texture.Detach(), [](void* held) { static_cast<ID3D11Texture2D*>(held)->Release(); }}};
+}
+
+void FrameRenderer::RegisterTexture(std::uint64_t handle) {
+  const ComPtr<ID3D11Texture2D> texture = OpenRuntimeTexture(device_.device.Get(), handle);
+  if (!texture) return;
+  D3D11_TEXTURE2D_DESC desc{};
+  texture->GetDesc(&desc);
+  const D3D11_SHADER_RESOURCE_VIEW_DESC viewDesc{
+      .Format = static_cast<DXGI_FORMAT>(ViewFormat(static_cast<std::uint32_t>(desc.Format))),
+      .ViewDimension = D3D11_SRV_DIMENSION_TEXTURE2D,
+      .Texture2D = {.MostDetailedMip = 0, .MipLevels = 1},
+  };
+  ComPtr<ID3D11ShaderResourceView> view;
+  if (FAILED(device_.device->CreateShaderResourceView(texture.Get(), &viewDesc, view.GetAddressOf()))) return;
+  textureViews_.try_emplace(handle, view);
+}
+
+ID3D11ShaderResourceView* FrameRenderer::FindView(std::uint64_t handle) const {
+  const auto found = textureViews_.find(handle);
+  return found != textureViews_.end() ? found->second.Get() : nullptr;
+}
+
+}  // namespace ombrel

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <unordered_map>
+
+#include "device_d3d11.h"
+#include "layer_pipeline_d3d11.h"
+#include "output_pair_d3d11.h"
+#include "render/headset_renderer.h"
+#include "runtime_texture_d3d11.h"
+
+namespace ombrel {
+
+// Composes the runtime's textures into the output pair with Direct3D 11. Without a device it does nothing.
+class FrameRenderer final : public IHeadsetRenderer {
+ public:
+  void CreateDevice() override;
+
+  void Configure(std::uint32_t format, std::uint32_t width, std::uint32_t height) override;
+  bool CreateOutputTextures() override;
+  [[nodiscard]] bool IsReady() const override { return ready_.load(std::memory_order_acquire); }
+
+  [[nodiscard]] OutputSharing Sharing() override;
+  bool AcquireOutput(std::int32_t index, std::uint32_t timeoutMs) override {
+    return outputs_.Acquire(index, timeoutMs);
+  }
+  bool ReleaseOutput(std::int32_t index) override { return outputs_.ReleaseToCompanion(index); }
+  bool AcquireSyncTexture(std::uint64_t handle, std::uint32_t timeoutMs) override;
+  void ReleaseSyncTexture() override { syncHold_.Release(); }
+  void BeginLayers() override;
+  void ComposeLayer(std::int32_t outputIndex, const LayerRecord& layer) override;
+  void ClearOutput(std::int32_t index) override;
+  bool CopyToOutput(std::uint64_t handle, std::int32_t outputIndex, bool outputAcquired,
+                    std::uint32_t timeoutMs) override;
+
+  [[nodiscard]] SwapTexture CreateSwapTexture(const SwapTextureDesc& desc) override;
+  void RegisterTexture(std::uint64_t handle) override;
+  void UnregisterTexture(std::uint64_t handle) override { textureViews_.erase(handle); }
+
+ private:
+  [[nodiscard]] ID3D11ShaderResourceView* FindView(std::uint64_t handle) const;
+
+  RenderDevice device_;
+  LayerPipeline pipeline_;
+  OutputPair outputs_;
+  std::unordered_map<std::uint64_t, ComPtr<ID3D11ShaderResourceView>> textureViews_;
+  RuntimeTextureHold syncHold_;
+  std::uint32_t outputWidth_ = 0;
+  std::uint32_t outputHeight_ = 0;
+  std::uint32_t outputFormat_ = 0;
+  std::uint8_t invertY_ = 0;
+  std::atomic<bool> ready_{false};
+};
+
+}  // namespace ombrel

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+
+#include "device_d3d11.h"
+
+namespace ombrel {
+
+// A texture of the runtime's, opened by its shared handle. Empty when it is not to be had.
+[[nodiscard]] ComPtr<ID3D11Texture2D> OpenRuntimeTexture(ID3D11Device* device, std::uint64_t handle);
+
+// The hold on a runtime texture's keyed mutex, key 0; given back at the end of its life. A texture without a keyed mutex
+// needs no hold.
+class RuntimeTextureHold {
+ public:
+  ~RuntimeTextureHold() { Release(); }
+
+  // False when the texture has a keyed mutex that could not be had in time.
+  [[nodiscard]] bool Acquire(const ComPtr<ID3D11Texture2D>& texture, std::uint32_t timeoutMs);
+  void Release();
+
+ private:
+  ComPtr<ID3D11Texture2D> texture_;  // kept open as long as it is held
+  ComPtr<IDXGIKeyedMutex> keyedMutex_;
+};
+
+}  // namespace ombrel

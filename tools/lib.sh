@@ -1,0 +1,88 @@
+# Shared by the scripts of this folder, which source it: set-up, building, and what Wine needs.
+# shellcheck shell=bash disable=SC2034
+
+cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit
+
+build_packages=(cmake ninja-build g++-mingw-w64-x86-64-posix wine64
+  nlohmann-json3-dev libcli11-dev libstb-dev googletest)
+display_packages=(xvfb libgl1 libgl1-mesa-dri libglx-mesa0)
+test_packages=(g++ clang)
+
+say() {
+  printf '\n== %s\n' "$*"
+}
+
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then
+    "$@"
+  else
+    sudo "$@"
+  fi
+}
+
+is_installed() {
+  [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
+}
+
+# need PACKAGE...: installs what is missing of Debian's packages, and asks nothing of the network if nothing is.
+need() {
+  local missing=() package
+  for package in "$@"; do
+    is_installed "$package" || missing+=("$package")
+  done
+  if [ ${#missing[@]} -eq 0 ]; then
+    return
+  fi
+  say "installing ${missing[*]}"
+  as_root apt-get update -qq
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "${missing[@]}" |
+    sed -nu 's/^Setting up \([^ ]*\).*/  \1/p'
+}
+
+# The driver interface header; its tools are needed only while it is not here.
+need_header() {
+  if [ ! -e third_party/openvr/openvr_driver.h ]; then
+    command -v npm >/dev/null || need npm ca-certificates
+    command -v unzip >/dev/null || need unzip
+  fi
+  tools/fetch_openvr.sh
+}
+
+# build PRESET [TARGET...]
+build() {
+  local preset=$1
+  shift
+  say "building $preset ${*:-everything}"
+  cmake --preset "$preset" -Wno-dev --log-level=WARNING
+  cmake --build --preset "$preset" ${1:+--target "$@"}
+}
+
+wine_prefix=$PWD/build/mingw-release/wine
+display_pid=
+
+# One X server for the whole run of a script; Wine's Direct3D draws through its OpenGL.
+start_display() {
+  local pipe number
+  pipe=$(mktemp -u)
+  mkfifo "$pipe"
+  Xvfb -displayfd 3 -screen 0 1280x720x24 -nolisten tcp 3>"$pipe" >/dev/null 2>&1 &
+  display_pid=$!
+  read -r number <"$pipe" || true
+  rm "$pipe"
+  if [ -z "$number" ]; then
+    echo "no display: Xvfb did not start" >&2
+    exit 1
+  fi
+  export DISPLAY=:$number
+}
+
+stop_what_was_started() {
+  if [ -d "$wine_prefix" ]; then
+    WINEPREFIX=$wine_prefix /usr/lib/wine/wineserver -k || true
+  fi
+  if [ -n "$display_pid" ]; then
+    kill "$display_pid" || true
+  fi
+}
+trap stop_what_was_started EXIT
+trap 'exit 130' INT TERM

@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# Builds everything and runs all tests: natively under sanitizers, and under Wine what needs Windows.
+# Outputs of all tests are kept in build/<preset>/tests.log. The last line counts passed and failed tests.
+set -euo pipefail
+# shellcheck source=tools/lib.sh
+. "$(dirname "$0")/lib.sh"
+
+passed=0 failed=0 skipped=0
+
+# run_tests PRESET [ctest option...]: shows results as they come, and the output of what failed.
+run_tests() {
+  local preset=$1 code counts=()
+  shift
+  say "testing $preset"
+  {
+    ctest --preset "$preset" --verbose "$@" 2>&1 && code=0 || code=$?
+    echo "ctest ended with $code"
+  } | tee "build/$preset/tests.log" |
+    awk -f tools/test_results.awk -v counts="build/$preset/tests.counts"
+  read -r -a counts <"build/$preset/tests.counts"
+  passed=$((passed + counts[0]))
+  failed=$((failed + counts[1]))
+  skipped=$((skipped + counts[2]))
+}
+
+need "${build_packages[@]}" "${display_packages[@]}" "${test_packages[@]}"
+need_header
+start_display
+
+build host-asan
+run_tests host-asan -j "$(nproc)"
+build host-tsan
+run_tests host-tsan -L native
+build mingw-release
+run_tests mingw-release
+
+say "all tests have run"
+echo "$passed passed, $failed failed, $skipped skipped"
+[ "$failed" -eq 0 ] && [ "$passed" -gt 0 ]

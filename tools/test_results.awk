@@ -1,0 +1,38 @@
+# Reads ctest's verbose output. Shows each result as it comes, after a failure the program's own output, and
+# writes "passed failed skipped" to the file named by counts. A GoogleTest program counts as its single tests,
+# any other test as one; a program that fails without naming a failed test (a crash, say) is one failure.
+
+/^[0-9]+: / {
+  number = $1 + 0
+  output[number] = output[number] $0 "\n"
+  if ($0 ~ /^[0-9]+: \[       OK \] /) ok[number]++
+  # The list of failures at a program's end names them again, without a time.
+  if ($0 ~ /^[0-9]+: \[  FAILED  \] .* \([0-9]+ ms\)/) bad[number]++
+  if ($0 ~ /^[0-9]+: \[  SKIPPED \] .* \([0-9]+ ms\)/) skipped++
+  next
+}
+
+/^ *[0-9]+\/[0-9]+ Test +#[0-9]+: / {
+  match($0, /#[0-9]+/)
+  number = substr($0, RSTART + 1, RLENGTH - 1) + 0
+  passed += ok[number]
+  if ($0 ~ / Passed /) {
+    if (!ok[number]) passed++
+    print
+  } else {
+    failed += bad[number] ? bad[number] : 1
+    printf "%s%s\n", output[number], $0
+  }
+  delete output[number]
+  fflush()
+  next
+}
+
+/^ctest ended with / && $4 != 0 && !failed {
+  print
+  failed = 1
+}
+
+END {
+  printf "%d %d %d\n", passed, failed, skipped > counts
+}

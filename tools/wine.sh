@@ -1,0 +1,38 @@
+#!/bin/sh
+# Runs a Windows program under Wine, in a prefix that is made when it is first needed:
+#   tools/wine.sh [--prefix FOLDER] PROGRAM [ARGUMENT...]
+# Without --prefix, WINEPREFIX names the prefix.
+set -eu
+
+if [ "$1" = --prefix ]; then
+  WINEPREFIX=$2
+  shift 2
+fi
+: "${WINEPREFIX:?name a Wine prefix with --prefix or WINEPREFIX}"
+mkdir -p "$WINEPREFIX"
+WINEPREFIX=$(cd "$WINEPREFIX" && pwd)
+export WINEPREFIX
+export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=}"  # asks for no downloads
+export WINEDEBUG="${WINEDEBUG:--all}"
+wine=/usr/lib/wine/wine64
+
+# Wine's services keep the output of whatever starts them open for two seconds after the last program ended,
+# and with it a caller that reads that output to its end. So something silent starts them.
+boot() {
+  "$wine" wineboot.exe "$@" </dev/null >/dev/null 2>&1 9>&- || {
+    echo "Wine does not start in $WINEPREFIX" >&2
+    exit 1
+  }
+}
+
+{
+  flock 9
+  if [ ! -e "$WINEPREFIX/.made" ]; then
+    echo "making a Wine prefix in $WINEPREFIX (about 10 s)" >&2
+    boot -i
+    touch "$WINEPREFIX/.made"
+  fi
+  boot
+} 9>"$WINEPREFIX/.lock"
+
+exec "$wine" "$@"
