@@ -4,7 +4,9 @@
 #include "context/driver_context.h"
 #include "context/driver_log.h"
 #include "context/settings.h"
+#include "devices/haptic_pulse.h"
 #include "hmd/hmd_driver_direct.h"
+#include "hmd/hmd_driver_virtual.h"
 #include "platform/clock.h"
 #include "platform/guarded.h"
 #include "platform/process.h"
@@ -16,6 +18,17 @@ namespace {
 constexpr std::uint32_t kLinkStopMs = 100;
 constexpr std::uint32_t kBeforeReleaseMs = 300;
 static_assert(sizeof(vr::VREvent_t) == 48);
+
+std::unique_ptr<HMDDriver> MakeHeadset(std::int32_t mode) {
+  switch (mode) {
+    case 1:
+      return std::make_unique<HMDDriverVirtual>(MakeHeadsetRenderer());
+    case 2:  // a mode of its own, which so far is the direct one
+      return std::make_unique<HMDDriverDirect>(MakeHeadsetRenderer());
+    default:
+      return std::make_unique<HMDDriverDirect>(MakeHeadsetRenderer());
+  }
+}
 
 }  // namespace
 
@@ -41,6 +54,10 @@ vr::EVRInitError CServerDriver_Ombrel::InitDevices() {
     return vr::VRInitError_Init_HmdNotFound;
   }
   Log("Ombrel process is running\n");
+  // What an earlier session left: this one's runtime has not heard of it.
+  devices_.clear();
+  controllers_.Clear();
+  fakeSensor_.reset();
   AddHeadset();
   if (fakeSensorEnabled_) AddFakeSensor();
   return vr::VRInitError_None;
@@ -49,7 +66,7 @@ vr::EVRInitError CServerDriver_Ombrel::InitDevices() {
 void CServerDriver_Ombrel::AddHeadset() {
   const std::int32_t mode = ReadInt32Setting("hmdMode");
   Log("Preparing HMD, mode %d\n", mode);
-  headset_ = std::make_unique<HMDDriverDirect>(MakeHeadsetRenderer());
+  headset_ = MakeHeadset(mode);
   headset_->Core().Client().AddListener(static_cast<IControllerUpdatedListener*>(this));
   devices_.push_back(headset_.get());
   // Announced under this very text, not under the serial number that it has as a property.
@@ -72,6 +89,7 @@ void CServerDriver_Ombrel::Cleanup() {
     headset_->Core().StopLink();
     SleepMs(kLinkStopMs);
     SleepMs(kBeforeReleaseMs);
+    controllers_.ForgetLinks();
     std::erase(devices_, headset_.get());
     headset_.reset();
   });
@@ -95,7 +113,19 @@ void CServerDriver_Ombrel::DrainEvents() {
   if (host == nullptr) return;
   vr::VREvent_t event{};
   while (host->PollNextEvent(&event, sizeof(event))) {
+    if (event.eventType == vr::VREvent_Input_HapticVibration) SendHapticPulse(event.data.hapticVibration);
   }
+}
+
+void CServerDriver_Ombrel::SendHapticPulse(const vr::VREvent_HapticVibration_t& vibration) {
+  const ControllerDevice* controller = controllers_.FindByContainer(vibration.containerHandle);
+  if (controller == nullptr) return;
+  OmbrelCore* link = controller->Link();
+  if (link == nullptr || !link->Client().IsConnected()) return;
+  const HapticPulse pulse = MakeHapticPulse(controller->ControllerId(), PerformanceCounter(), link->CounterFrequency(),
+                                            vibration.fDurationSeconds);
+  // A pulse that the companion does not take is not worth another try.
+  static_cast<void>(link->Client().Send(LinkMessageType::kHapticPulse, RecordBytes(pulse)));
 }
 
 bool CServerDriver_Ombrel::ShouldBlockStandbyMode() {
@@ -107,6 +137,19 @@ void CServerDriver_Ombrel::EnterStandby() { Log("Enter standby Server tracked de
 
 void CServerDriver_Ombrel::LeaveStandby() { Log("Leave standby Server tracked device \n"); }
 
-void CServerDriver_Ombrel::OnControllerUpdated(const ControllerUpdate* /*record*/) {}
+// The record that makes a controller known is not applied to it: its state begins with the next one.
+void CServerDriver_Ombrel::OnControllerUpdated(const ControllerUpdate* record) {
+  if (ControllerDevice* known = controllers_.Find(record->controllerId)) {
+    known->UpdateFromRecord(*record);
+    return;
+  }
+  vr::IVRServerDriverHost* host = Context().ServerDriverHost();
+  const auto controllerId = static_cast<std::int32_t>(record->controllerId);
+  ControllerDevice& device =
+      controllers_.Add(record->controllerId, std::make_unique<ControllerDevice>(&headset_->Core(), host, controllerId));
+  const bool added =
+      host->TrackedDeviceAdded(device.SerialNumber().c_str(), vr::TrackedDeviceClass_Controller, &device);
+  Log("New driver registered (serial %s) with status %d \n", device.SerialNumber().c_str(), added ? 1 : 0);
+}
 
 }  // namespace ombrel

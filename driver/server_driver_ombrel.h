@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+#include "devices/controller_registry.h"
 #include "devices/fake_sensor_device.h"
 #include "hmd/hmd_driver.h"
 #include "link/listeners.h"
@@ -39,9 +40,11 @@ class CServerDriver_Ombrel final : public vr::IServerTrackedDeviceProvider, publ
   void AddHeadset();
   void AddFakeSensor();
   void DrainEvents();
+  void SendHapticPulse(const vr::VREvent_HapticVibration_t& vibration);
 
   bool firstFrameSeen_ = false;
   bool fakeSensorEnabled_ = false;
+  ControllerRegistry controllers_;
   std::unique_ptr<HMDDriver> headset_;
   std::unique_ptr<FakeSensorDevice> fakeSensor_;
   std::vector<vr::ITrackedDeviceServerDriver*> devices_;  // all that the runtime got from Init

@@ -57,6 +57,7 @@ class HMDDriver : public vr::ITrackedDeviceServerDriver,
 
  protected:
   explicit HMDDriver(std::unique_ptr<IFrameRenderer> renderer);
+  [[nodiscard]] vr::IVRServerDriverHost* Host() const { return host_; }
 
  private:
   void ApplySettings();

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <openvr_driver.h>
+
+#include <cstdint>
+#include <memory>
+#include <unordered_map>
+
+#include "devices/controller_device.h"
+#include "platform/append_only_list.h"
+
+namespace ombrel {
+
+// The controllers that the companion has reported, by their ids. Entries are only ever added, by the link's reader
+// thread, while the server thread may walk them: no lock, and nobody sees half an entry.
+class ControllerRegistry {
+ public:
+  // Reader thread.
+  [[nodiscard]] ControllerDevice* Find(std::uint32_t controllerId) const;
+  ControllerDevice& Add(std::uint32_t controllerId, std::unique_ptr<ControllerDevice> device);
+
+  // Any thread. The first device with that property container, or null.
+  [[nodiscard]] ControllerDevice* FindByContainer(vr::PropertyContainerHandle_t container) const;
+
+  // While no link runs: the devices' way to the companion is gone.
+  void ForgetLinks();
+  // While no link runs, and the runtime does not know the devices any more.
+  void Clear();
+
+ private:
+  std::unordered_map<std::uint32_t, std::unique_ptr<ControllerDevice>> controllers_;
+  AppendOnlyList<ControllerDevice*> walk_;
+};
+
+}  // namespace ombrel

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <openvr_driver.h>
+
+#include <atomic>
+#include <cstdint>
+
+#include "link/ombrel_core.h"
+
+namespace ombrel {
+
+// Through this the runtime hands over finished frames and learns of a synthetic vsync. Its calls come on the runtime's
+// threads.
+class VirtualDisplayComponent : public vr::IVRVirtualDisplay {
+ public:
+  // Both must outlive the component.
+  VirtualDisplayComponent(OmbrelCore& core, vr::IVRServerDriverHost* host);
+
+  // Waits for the texture and for the next output, at most a frame period (and never over a second) each, and then until
+  // a pose has come that no frame answers yet, or the link goes down.
+  void Present(const vr::PresentInfo_t* pPresentInfo, std::uint32_t unPresentInfoSize) override;
+  // Waits for the end of the frame period, at most a second; that is the vsync.
+  void WaitForPresent() override;
+  // Seconds since the last vsync (or the counter's origin, before the first) and the number of presents. Always true.
+  bool GetTimeSinceLastVsync(float* pfSecondsSinceLastVsync, std::uint64_t* pulFrameCounter) override;
+
+ protected:
+  ~VirtualDisplayComponent() = default;
+
+ private:
+  OmbrelCore& core_;
+  vr::IVRServerDriverHost* const host_;
+  const std::int64_t counterFrequency_;
+  std::atomic<std::uint32_t> presents_{0};
+  std::atomic<std::int64_t> lastVsync_{0};  // performance counter
+};
+
+}  // namespace ombrel

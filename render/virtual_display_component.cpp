@@ -1,0 +1,31 @@
+#include "render/virtual_display_component.h"
+
+#include "platform/clock.h"
+#include "platform/guarded.h"
+
+namespace ombrel {
+
+VirtualDisplayComponent::VirtualDisplayComponent(OmbrelCore& core, vr::IVRServerDriverHost* host)
+    : core_(core), host_(host), counterFrequency_(PerformanceFrequency()) {}
+
+void VirtualDisplayComponent::Present(const vr::PresentInfo_t* pPresentInfo, std::uint32_t /*unPresentInfoSize*/) {
+  Guarded([&] { core_.HandOffTexture(pPresentInfo->backbufferTextureHandle); });
+  ++presents_;
+}
+
+void VirtualDisplayComponent::WaitForPresent() {
+  Guarded([&] {
+    core_.WaitForNextFrame();
+    lastVsync_ = PerformanceCounter();
+    host_->VsyncEvent(0.0);
+  });
+}
+
+bool VirtualDisplayComponent::GetTimeSinceLastVsync(float* pfSecondsSinceLastVsync, std::uint64_t* pulFrameCounter) {
+  const auto elapsed = static_cast<double>(PerformanceCounter() - lastVsync_);
+  *pfSecondsSinceLastVsync = static_cast<float>(elapsed / static_cast<double>(counterFrequency_));
+  *pulFrameCounter = presents_;
+  return true;
+}
+
+}  // namespace ombrel
