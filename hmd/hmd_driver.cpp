@@ -64,8 +64,10 @@ vr::EVRInitError HMDDriver::Activate(std::uint32_t unObjectId) {
     Log("HMD activated with id %d \n", static_cast<int>(unObjectId));
     deviceIndex_ = unObjectId;
     WriteHeadsetProperties();
-    core_.PrepareOutput(kFormatR8G8B8A8Unorm, static_cast<std::uint32_t>(geometry_.windowWidth),
-                        static_cast<std::uint32_t>(geometry_.windowHeight));
+    core_.PrepareOutput({.format = kFormatR8G8B8A8Unorm,
+                         .width = static_cast<std::uint32_t>(geometry_.windowWidth),
+                         .height = static_cast<std::uint32_t>(geometry_.windowHeight),
+                         .invertY = 0});
     CreateProximityInput();
     PublishPose();
   });

@@ -36,10 +36,10 @@ void OmbrelCore::StopLink() {
   pacing_.Drain();
 }
 
-void OmbrelCore::PrepareOutput(std::uint32_t format, std::uint32_t width, std::uint32_t height) {
+void OmbrelCore::PrepareOutput(const OutputConfiguration& configuration) {
   const std::lock_guard setUp(setUpMutex_);
   if (!renderer_->IsReady()) {
-    renderer_->Configure(format, width, height);
+    renderer_->Configure(configuration);
     renderer_->CreateOutputTextures();
   }
   SetUpConnection();

@@ -11,30 +11,24 @@ void FrameRenderer::CreateDevice() {
   if (device_.device) pipeline_.CreateShaders(*device_.device.Get());
 }
 
-void FrameRenderer::Configure(std::uint32_t format, std::uint32_t width, std::uint32_t height) {
-  outputFormat_ = format;
-  outputWidth_ = width;
-  outputHeight_ = height;
-}
-
 bool FrameRenderer::CreateOutputTextures() {
   ready_.store(false, std::memory_order_release);
   outputs_.Release();
   if (!device_.device || !device_.context) return false;
-  outputFormat_ = ViewFormat(outputFormat_);
-  const auto format = static_cast<DXGI_FORMAT>(outputFormat_);
-  if (!outputs_.Create(*device_.device.Get(), outputWidth_, outputHeight_, format)) return false;
+  output_.format = ViewFormat(output_.format);
+  const auto format = static_cast<DXGI_FORMAT>(output_.format);
+  if (!outputs_.Create(*device_.device.Get(), output_.width, output_.height, format)) return false;
   device_.context->Flush();
   ready_.store(true, std::memory_order_release);
   D3D11_TEXTURE2D_DESC made{};
   outputs_.Texture(0)->GetDesc(&made);
   outputs_.CreateViews(*device_.device.Get(), made.Format);
-  pipeline_.CreateState(*device_.device.Get(), *device_.context.Get(), outputWidth_, outputHeight_);
+  pipeline_.CreateState(*device_.device.Get(), *device_.context.Get(), output_.width, output_.height);
   return true;
 }
 
 OutputSharing FrameRenderer::Sharing() {
-  return {.handles = {outputs_.SharedHandle(0), outputs_.SharedHandle(1)}, .invertY = invertY_};
+  return {.handles = {outputs_.SharedHandle(0), outputs_.SharedHandle(1)}, .invertY = output_.invertY};
 }
 
 bool FrameRenderer::AcquireSyncTexture(std::uint64_t handle, std::uint32_t timeoutMs) {
@@ -48,7 +42,7 @@ void FrameRenderer::BeginLayers() {
 void FrameRenderer::ComposeLayer(std::int32_t outputIndex, const LayerRecord& layer) {
   if (!device_.context) return;
   pipeline_.Draw(*device_.context.Get(), outputs_.View(outputIndex),
-                 {FindView(layer.leftTexture), FindView(layer.rightTexture)}, *layer.bounds, invertY_);
+                 {FindView(layer.leftTexture), FindView(layer.rightTexture)}, *layer.bounds, output_.invertY);
 }
 
 void FrameRenderer::ClearOutput(std::int32_t index) {
@@ -99,11 +93,10 @@ void FrameRenderer::RegisterTexture(std::uint64_t handle) {
   if (!texture) return;
   D3D11_TEXTURE2D_DESC desc{};
   texture->GetDesc(&desc);
-  const D3D11_SHADER_RESOURCE_VIEW_DESC viewDesc{
-      .Format = static_cast<DXGI_FORMAT>(ViewFormat(static_cast<std::uint32_t>(desc.Format))),
-      .ViewDimension = D3D11_SRV_DIMENSION_TEXTURE2D,
-      .Texture2D = {.MostDetailedMip = 0, .MipLevels = 1},
-  };
+  D3D11_SHADER_RESOURCE_VIEW_DESC viewDesc{};
+  viewDesc.Format = static_cast<DXGI_FORMAT>(ViewFormat(static_cast<std::uint32_t>(desc.Format)));
+  viewDesc.ViewDimension = D3D11_SRV_DIMENSION_TEXTURE2D;
+  viewDesc.Texture2D.MipLevels = 1;
   ComPtr<ID3D11ShaderResourceView> view;
   if (FAILED(device_.device->CreateShaderResourceView(texture.Get(), &viewDesc, view.GetAddressOf()))) return;
   textureViews_.try_emplace(handle, view);

@@ -17,7 +17,7 @@ class FrameRenderer final : public IHeadsetRenderer {
  public:
   void CreateDevice() override;
 
-  void Configure(std::uint32_t format, std::uint32_t width, std::uint32_t height) override;
+  void Configure(const OutputConfiguration& configuration) override { output_ = configuration; }
   bool CreateOutputTextures() override;
   [[nodiscard]] bool IsReady() const override { return ready_.load(std::memory_order_acquire); }
 
@@ -46,10 +46,7 @@ class FrameRenderer final : public IHeadsetRenderer {
   OutputPair outputs_;
   std::unordered_map<std::uint64_t, ComPtr<ID3D11ShaderResourceView>> textureViews_;
   RuntimeTextureHold syncHold_;
-  std::uint32_t outputWidth_ = 0;
-  std::uint32_t outputHeight_ = 0;
-  std::uint32_t outputFormat_ = 0;
-  std::uint8_t invertY_ = 0;
+  OutputConfiguration output_{};
   std::atomic<bool> ready_{false};
 };
 

@@ -34,8 +34,9 @@ bool OutputPair::Create(ID3D11Device& device, std::uint32_t width, std::uint32_t
 }
 
 void OutputPair::CreateViews(ID3D11Device& device, DXGI_FORMAT format) {
-  const D3D11_RENDER_TARGET_VIEW_DESC desc{
-      .Format = format, .ViewDimension = D3D11_RTV_DIMENSION_TEXTURE2D, .Texture2D = {.MipSlice = 0}};
+  D3D11_RENDER_TARGET_VIEW_DESC desc{};
+  desc.Format = format;
+  desc.ViewDimension = D3D11_RTV_DIMENSION_TEXTURE2D;
   for (Output& output : outputs_) {
     output.view.Reset();
     if (output.texture) device.CreateRenderTargetView(output.texture.Get(), &desc, output.view.GetAddressOf());

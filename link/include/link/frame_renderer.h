@@ -23,6 +23,13 @@ struct LayerRecord {
 using FramePose = std::array<float, 16>;
 static_assert(sizeof(FramePose) == 64);
 
+// What the output textures are to be.
+struct OutputConfiguration {
+  std::uint32_t format;  // DXGI_FORMAT
+  std::uint32_t width, height;
+  std::uint8_t invertY;  // 1: layers are drawn upside down
+};
+
 // What the companion needs to open the output textures.
 struct OutputSharing {
   std::array<std::uint64_t, 2> handles;
@@ -40,7 +47,7 @@ class IFrameRenderer {
   virtual void CreateDevice() = 0;
 
   // Setting up: one thread at a time, never while a frame is handed off.
-  virtual void Configure(std::uint32_t format, std::uint32_t width, std::uint32_t height) = 0;
+  virtual void Configure(const OutputConfiguration& configuration) = 0;
   // Makes the output pair anew, and all that depends on its size. The companion's hold on the old pair means nothing.
   virtual bool CreateOutputTextures() = 0;
   // Any thread. True once the output pair exists.

@@ -37,7 +37,7 @@ class OmbrelCore final : public IFramerateUpdatedListener,
 
   // Server thread. Gives the renderer its output, unless it has one, and lets a companion that is connected already
   // have frames.
-  void PrepareOutput(std::uint32_t format, std::uint32_t width, std::uint32_t height);
+  void PrepareOutput(const OutputConfiguration& configuration);
 
   // Direct mode, on the runtime's threads: composes the layers into the current output and passes it to the companion.
   // Empties the list, unless the link is down. Returns within two frame periods.
