@@ -16,11 +16,16 @@ TextureBounds ToBounds(const vr::VRTextureBounds_t& bounds) {
   return {bounds.uMin, bounds.vMin, bounds.uMax, bounds.vMax};
 }
 
+vr::DriverDirectMode_FrameTiming InitialTiming() {
+  vr::DriverDirectMode_FrameTiming timing{};
+  timing.m_nSize = sizeof(timing);
+  return timing;
+}
+
 }  // namespace
 
 DirectModeComponent::DirectModeComponent(OmbrelCore& core, ISwapTextureDevice& textures)
-    : core_(core), textures_(textures) {
-  frameTiming_.m_nSize = sizeof(frameTiming_);
+    : core_(core), textures_(textures), frameTiming_(InitialTiming()) {
   Log("Creating Direct driver component \n");
 }
 
@@ -28,6 +33,7 @@ void DirectModeComponent::CreateSwapTextureSet(std::uint32_t unPid, const SwapTe
                                                vr::SharedTextureHandle_t (*handles)[kTexturesPerSet]) {
   Log("Create swap requested, w: %d, h: %d, format: %d samples: %d \n", static_cast<int>(desc->nWidth),
       static_cast<int>(desc->nHeight), static_cast<int>(desc->nFormat), static_cast<int>(desc->nSampleCount));
+  const std::uint32_t setId = nextSetId_++;
   Guarded([&] {
     // Never freed: four bytes a set, which this call has always left behind.
     [[maybe_unused]] const auto* const leftBehind = new std::int32_t(0);
@@ -39,11 +45,10 @@ void DirectModeComponent::CreateSwapTextureSet(std::uint32_t unPid, const SwapTe
     }
     for (const SwapTexture& texture : made) {
       if (texture.handle == 0) continue;
-      swapTextures_.Add(texture, unPid, nextSetId_);
+      swapTextures_.Add(texture, unPid, setId);
       textures_.RegisterTexture(texture.handle);
     }
   });
-  ++nextSetId_;
 }
 
 void DirectModeComponent::DestroySwapTextureSet(vr::SharedTextureHandle_t sharedTextureHandle) {
@@ -76,7 +81,9 @@ void DirectModeComponent::SubmitLayer(const SubmitLayerPerEye_t (&perEye)[2], co
 void DirectModeComponent::Present(vr::SharedTextureHandle_t syncTexture) {
   presentIndex_ = (presentIndex_ + 1) % kTexturesPerSet;
   Guarded([&] { core_.HandOffLayers(syncTexture, layers_, framePose_); });
-  ++frameTiming_.m_nNumFramePresents;
+  vr::DriverDirectMode_FrameTiming timing = frameTiming_.Load();
+  ++timing.m_nNumFramePresents;
+  frameTiming_.Store(timing);
 }
 
 void DirectModeComponent::PostPresent() {
@@ -85,7 +92,7 @@ void DirectModeComponent::PostPresent() {
 
 void DirectModeComponent::GetFrameTiming(vr::DriverDirectMode_FrameTiming* pFrameTiming) {
   // Takes the caller's record in and tells nothing back, on purpose.
-  std::memcpy(&frameTiming_, pFrameTiming, sizeof(frameTiming_));
+  frameTiming_.Store(*pFrameTiming);
 }
 
 }  // namespace ombrel

@@ -3,6 +3,16 @@
 #include "render/format_rule.h"
 
 namespace ombrel {
+namespace {
+
+// Null for a texture that nobody registered.
+template <typename TextureMap>
+ID3D11ShaderResourceView* FindView(const TextureMap& views, std::uint64_t handle) {
+  const auto found = views.find(handle);
+  return found != views.end() ? found->second.Get() : nullptr;
+}
+
+}  // namespace
 
 std::unique_ptr<IHeadsetRenderer> MakeHeadsetRenderer() { return std::make_unique<FrameRenderer>(); }
 
@@ -41,8 +51,11 @@ void FrameRenderer::BeginLayers() {
 
 void FrameRenderer::ComposeLayer(std::int32_t outputIndex, const LayerRecord& layer) {
   if (!device_.context) return;
-  pipeline_.Draw(*device_.context.Get(), outputs_.View(outputIndex),
-                 {FindView(layer.leftTexture), FindView(layer.rightTexture)}, *layer.bounds, output_.invertY);
+  textureViews_.Look([&](const TextureMap& views) {
+    pipeline_.Draw(*device_.context.Get(), outputs_.View(outputIndex),
+                   {FindView(views, layer.leftTexture), FindView(views, layer.rightTexture)}, *layer.bounds,
+                   output_.invertY);
+  });
 }
 
 void FrameRenderer::ClearOutput(std::int32_t index) {
@@ -99,12 +112,11 @@ void FrameRenderer::RegisterTexture(std::uint64_t handle) {
   viewDesc.Texture2D.MipLevels = 1;
   ComPtr<ID3D11ShaderResourceView> view;
   if (FAILED(device_.device->CreateShaderResourceView(texture.Get(), &viewDesc, view.GetAddressOf()))) return;
-  textureViews_.try_emplace(handle, view);
+  textureViews_.Update([&](TextureMap& views) { views.try_emplace(handle, view); });
 }
 
-ID3D11ShaderResourceView* FrameRenderer::FindView(std::uint64_t handle) const {
-  const auto found = textureViews_.find(handle);
-  return found != textureViews_.end() ? found->second.Get() : nullptr;
+void FrameRenderer::UnregisterTexture(std::uint64_t handle) {
+  textureViews_.Update([=](TextureMap& views) { views.erase(handle); });
 }
 
 }  // namespace ombrel

@@ -7,6 +7,7 @@
 #include "device_d3d11.h"
 #include "layer_pipeline_d3d11.h"
 #include "output_pair_d3d11.h"
+#include "platform/copy_on_write.h"
 #include "render/headset_renderer.h"
 #include "runtime_texture_d3d11.h"
 
@@ -36,15 +37,15 @@ class FrameRenderer final : public IHeadsetRenderer {
 
   [[nodiscard]] SwapTexture CreateSwapTexture(const SwapTextureDesc& desc) override;
   void RegisterTexture(std::uint64_t handle) override;
-  void UnregisterTexture(std::uint64_t handle) override { textureViews_.erase(handle); }
+  void UnregisterTexture(std::uint64_t handle) override;
 
  private:
-  [[nodiscard]] ID3D11ShaderResourceView* FindView(std::uint64_t handle) const;
+  using TextureMap = std::unordered_map<std::uint64_t, ComPtr<ID3D11ShaderResourceView>>;
 
   RenderDevice device_;
   LayerPipeline pipeline_;
   OutputPair outputs_;
-  std::unordered_map<std::uint64_t, ComPtr<ID3D11ShaderResourceView>> textureViews_;
+  CopyOnWrite<TextureMap> textureViews_;
   RuntimeTextureHold syncHold_;
   OutputConfiguration output_{};
   std::atomic<bool> ready_{false};

@@ -2,17 +2,19 @@
 
 #include <openvr_driver.h>
 
+#include <atomic>
 #include <cstdint>
 #include <vector>
 
 #include "link/ombrel_core.h"
+#include "platform/seqlock.h"
 #include "render/headset_renderer.h"
 #include "render/swap_texture_list.h"
 
 namespace ombrel {
 
-// Through this the runtime gets textures to render into, submits eye layers and presents them. Its calls come on the
-// runtime's threads, one at a time; those that may wait say so.
+// Through this the runtime gets textures to render into, submits eye layers and presents them. Textures may be made and
+// destroyed on any of the runtime's threads, a frame is submitted and presented on one. Calls that may wait say so.
 class DirectModeComponent : public vr::IVRDriverDirectModeComponent {
  public:
   // Both must outlive the component.
@@ -38,12 +40,12 @@ class DirectModeComponent : public vr::IVRDriverDirectModeComponent {
   OmbrelCore& core_;
   ISwapTextureDevice& textures_;
   SwapTextureList swapTextures_;
-  std::uint32_t nextSetId_ = 0;
+  std::atomic<std::uint32_t> nextSetId_{0};
   std::vector<LayerRecord> layers_;
   EyeBounds bounds_{};  // of every layer of the frame
   FramePose framePose_{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
   std::uint32_t presentIndex_ = 0;  // cycles 0, 1, 2
-  vr::DriverDirectMode_FrameTiming frameTiming_{};
+  SeqLock<vr::DriverDirectMode_FrameTiming> frameTiming_;
 };
 
 }  // namespace ombrel

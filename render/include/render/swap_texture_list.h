@@ -5,11 +5,12 @@
 #include <memory>
 #include <vector>
 
+#include "platform/copy_on_write.h"
 #include "render/headset_renderer.h"
 
 namespace ombrel {
 
-// The runtime's swap textures, which belong together in sets of three and to a process each. One thread at a time.
+// The runtime's swap textures, which belong together in sets of three and to a process each. Any thread.
 class SwapTextureList {
  public:
   static constexpr std::uint32_t kNoSet = 0xFFFFFFFF;
@@ -33,7 +34,7 @@ class SwapTextureList {
   };
   void RemoveIf(const std::function<bool(const Record&)>& matches, const OnRemoved& onRemoved);
 
-  std::vector<Record> records_;
+  CopyOnWrite<std::vector<Record>> records_;
 };
 
 }  // namespace ombrel
