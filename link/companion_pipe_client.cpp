@@ -1,6 +1,7 @@
 #include "link/companion_pipe_client.h"
 
 #include "platform/clock.h"
+#include "platform/guarded.h"
 
 namespace ombrel {
 namespace {
@@ -48,8 +49,8 @@ OutgoingPipe::Result CompanionPipeClient::Send(LinkMessageType type, std::span<c
 
 void CompanionPipeClient::RunConnectThread() {
   bool reported = false;
-  while (IsRunning()) {
-    const std::uint32_t seen = wake_.Generation();
+  // Noted before asking, here and below: a Stop in between then ends the wait at once.
+  for (std::uint32_t seen = wake_.Generation(); IsRunning(); seen = wake_.Generation()) {
     if (reported && !IsConnected()) {
       EndConnection();
       reported = false;
@@ -65,13 +66,17 @@ void CompanionPipeClient::RunConnectThread() {
   EndConnection();
 }
 
-bool CompanionPipeClient::TryConnect() {
+bool CompanionPipeClient::TryConnect() try {
   if (!OpenPipes()) return false;
   // Marked up before the reader starts: one that ends at once must find it so, to mark it down again.
   newConnection_.store(true, std::memory_order_release);
   connected_.store(true, std::memory_order_release);
   framer_.Reset();
   if (readerThread_.Start([this] { RunReaderThread(); })) return true;
+  EndConnection();
+  return false;
+} catch (...) {
+  // No memory for a thread: the next round may have it.
   EndConnection();
   return false;
 }
@@ -82,9 +87,14 @@ bool CompanionPipeClient::OpenPipes() {
   if (writePipe_.IsOpen() && writePipe_.IsPeerGone()) writePipe_.Close();
   if (!writePipe_.IsOpen()) {
     const std::uint32_t seen = wake_.Generation();
-    if (!writePipe_.Open()) return false;
+    if (!IsRunning() || !writePipe_.Open()) return false;
     wake_.WaitFor(seen, kSecondPipeDelayMs);
     if (!IsRunning()) return false;
+    // Gone already: its successor's second pipe is not to be opened in vain.
+    if (writePipe_.IsPeerGone()) {
+      writePipe_.Close();
+      return false;
+    }
   }
   if (!readPipe_.Open(kPipeFromCompanion, PipeClient::Direction::kRead)) return false;
   if (!writePipe_.IsPeerGone()) return true;
@@ -104,7 +114,8 @@ void CompanionPipeClient::EndConnection() {
 }
 
 void CompanionPipeClient::ReportConnectionState() {
-  connectionListeners_.ForEach([](IConnectionStateChangedListener* listener) { listener->OnConnectionStateChanged(); });
+  connectionListeners_.ForEach(
+      [](IConnectionStateChangedListener* listener) { Guarded([=] { listener->OnConnectionStateChanged(); }); });
 }
 
 void CompanionPipeClient::RunReaderThread() {

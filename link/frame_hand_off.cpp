@@ -57,9 +57,9 @@ bool OmbrelCore::AcquireNextTexture() {
 std::uint32_t OmbrelCore::AcquireTimeoutMs() const { return KeyedMutexTimeoutMs(framePeriodMs_); }
 
 void OmbrelCore::WaitForNextFrame() {
+  const std::uint32_t seen = linkDropped_.Generation();
   const SubmissionGate::Pass pass(pacing_);
   if (!pass) return;
-  const std::uint32_t seen = linkDropped_.Generation();
   const std::int64_t begin = PerformanceCounter();
   const double remaining = RemainingMs(framePeriodMs_, begin - lastPacingEnd_, counterFrequency_);
   const std::uint32_t sleepMs = SleepPartMs(remaining);
