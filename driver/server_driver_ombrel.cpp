@@ -38,13 +38,16 @@ CServerDriver_Ombrel::~CServerDriver_Ombrel() {
 }
 
 vr::EVRInitError CServerDriver_Ombrel::Init(vr::IVRDriverContext* pDriverContext) {
-  return GuardedOr(vr::VRInitError_Init_Internal, [&] {
-    if (headset_ != nullptr) return vr::VRInitError_None;
+  if (headset_ != nullptr) return vr::VRInitError_None;
+  const vr::EVRInitError result = GuardedOr(vr::VRInitError_Init_Internal, [&] {
     const vr::EVRInitError error = Context().Init(pDriverContext);
     if (error != vr::VRInitError_None) return error;
     SetLogSinkIfNone(Context().DriverLog());
     return InitDevices();
   });
+  // Half a start leaves nothing behind that would keep the next one from being whole.
+  if (result != vr::VRInitError_None) ReleaseHeadset();
+  return result;
 }
 
 vr::EVRInitError CServerDriver_Ombrel::InitDevices() {
@@ -89,10 +92,17 @@ void CServerDriver_Ombrel::Cleanup() {
     headset_->Core().StopLink();
     SleepMs(kLinkStopMs);
     SleepMs(kBeforeReleaseMs);
-    controllers_.ForgetLinks();
-    std::erase(devices_, headset_.get());
-    headset_.reset();
+    ReleaseHeadset();
   });
+}
+
+void CServerDriver_Ombrel::ReleaseHeadset() {
+  if (headset_ == nullptr) return;
+  // Before anything of the headset goes: the link's threads call it.
+  headset_->Core().StopLink();
+  controllers_.ForgetLinks();
+  std::erase(devices_, headset_.get());
+  headset_.reset();
 }
 
 const char* const* CServerDriver_Ombrel::GetInterfaceVersions() { return vr::k_InterfaceVersions; }

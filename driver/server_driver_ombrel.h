@@ -39,6 +39,7 @@ class CServerDriver_Ombrel final : public vr::IServerTrackedDeviceProvider, publ
   vr::EVRInitError InitDevices();
   void AddHeadset();
   void AddFakeSensor();
+  void ReleaseHeadset();
   void DrainEvents();
   void SendHapticPulse(const vr::VREvent_HapticVibration_t& vibration);
 

@@ -5,6 +5,8 @@
 #include <cstdarg>
 #include <cstdio>
 
+#include "platform/guarded.h"
+
 namespace ombrel {
 namespace {
 
@@ -22,7 +24,7 @@ void Log(const char* format, ...) {
   va_start(arguments, format);
   std::vsnprintf(message.data(), message.size(), format, arguments);
   va_end(arguments);
-  sink->Log(message.data());
+  Guarded([&] { sink->Log(message.data()); });
 }
 
 void SetLogSinkIfNone(vr::IVRDriverLog* sink) {
