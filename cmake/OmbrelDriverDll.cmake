@@ -2,7 +2,8 @@
 #   - exports exactly what cmake/driver_ombrel.def names, undecorated
 #   - carries a version resource and, linked statically, the compiler's runtime
 #   - has ASLR, high-entropy addresses and NX on
-#   - lays out dist/ombrel/ as the runtime expects a driver's folder, and the debugging symbols beside it
+#   - lays out dist/ombrel/ as the runtime expects a driver's folder, the debugging symbols beside it, and packs the
+#     folder into dist/ombrel-<version>-win64.zip
 # The folder dist/ombrel/ belongs to the build in the preset's folder; other build folders make their own.
 
 if(PROJECT_BINARY_DIR STREQUAL "${PROJECT_SOURCE_DIR}/build/mingw-release"
@@ -31,7 +32,7 @@ function(ombrel_dist target)
   set(root "${OMBREL_DIST_DIR}/ombrel")
   set(dll "${root}/bin/win64/driver_ombrel.dll")
   set(symbols "${OMBREL_DIST_DIR}/symbols")
-  set(resources "${PROJECT_SOURCE_DIR}/resources")
+  set(archive "${OMBREL_DIST_DIR}/ombrel-${PROJECT_VERSION}-win64.zip")
   if(MSVC)
     set(split
       COMMAND "${CMAKE_COMMAND}" -E copy_if_different "$<TARGET_PDB_FILE:${target}>" "${symbols}"
@@ -43,11 +44,13 @@ function(ombrel_dist target)
       COMMAND "${CMAKE_OBJCOPY}" "--add-gnu-debuglink=${symbols}/driver_ombrel.dll.debug" "${dll}")
   endif()
   add_custom_target(dist ALL
-    COMMAND "${CMAKE_COMMAND}" -E make_directory "${root}/bin/win64" "${root}/resources/settings" "${symbols}"
-    COMMAND "${CMAKE_COMMAND}" -E copy_if_different "${resources}/driver.vrdrivermanifest" "${root}"
-    COMMAND "${CMAKE_COMMAND}" -E copy_if_different "${resources}/settings/default.vrsettings" "${root}/resources/settings"
+    COMMAND "${CMAKE_COMMAND}" -E make_directory "${root}/bin/win64" "${symbols}"
+    COMMAND "${CMAKE_COMMAND}" "-DRESOURCES=${PROJECT_SOURCE_DIR}/resources" "-DROOT=${root}"
+      -P "${PROJECT_SOURCE_DIR}/cmake/lay_out_resources.cmake"
     ${split}
+    COMMAND "${CMAKE_COMMAND}" "-DROOT=${root}" "-DARCHIVE=${archive}" -P "${PROJECT_SOURCE_DIR}/cmake/pack_driver.cmake"
     DEPENDS ${target} VERBATIM
     COMMENT "Laying out ${root}")
   set_property(GLOBAL PROPERTY OMBREL_DIST_DLL "${dll}")
+  set_property(GLOBAL PROPERTY OMBREL_DIST_ARCHIVE "${archive}")
 endfunction()

@@ -4,7 +4,6 @@ set -euo pipefail
 # shellcheck source=tools/lib.sh
 . "$(dirname "$0")/lib.sh"
 
-need "${build_packages[@]}"
-need_header
+prepare "${build_packages[@]}"
 build mingw-release dist
 say "the driver is in dist/ombrel, its symbols are in dist/symbols"

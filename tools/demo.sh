@@ -5,10 +5,9 @@ set -euo pipefail
 # shellcheck source=tools/lib.sh
 . "$(dirname "$0")/lib.sh"
 
-need "${build_packages[@]}" "${display_packages[@]}"
-need_header
-build mingw-release dist runtime_sim companion_sim
+prepare "${build_packages[@]}" "${display_packages[@]}"
+build mingw-release dist runtime_sim companion_sim latency_report
 start_display
 # shellcheck source=tools/session.sh
 . tools/session.sh
-run_session out/demo
+run_session out/demo 300

@@ -25,7 +25,7 @@ fi
 echo "fetching the driver interface header ($package)"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-npm pack --silent --ignore-scripts --pack-destination "$work" "$package" >/dev/null
+npm pack --loglevel=error --ignore-scripts --pack-destination "$work" "$package" >/dev/null
 archive=$(echo "$work"/*.tgz)
 if ! has_sha512 "$archive" "$package_sha512"; then
   echo "$package is not the package it was: its hash differs" >&2

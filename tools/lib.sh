@@ -35,16 +35,19 @@ need() {
   fi
   say "installing ${missing[*]}"
   as_root apt-get update -qq
-  as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "${missing[@]}" |
-    sed -nu 's/^Setting up \([^ ]*\).*/  \1/p'
+  # Hundreds of small packages: dpkg would wait for the disk after each of their files.
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends \
+    -o Dpkg::Options::=--force-unsafe-io "${missing[@]}" | sed -nu 's/^Setting up \([^ ]*\).*/  \1/p'
 }
 
-# The driver interface header; its tools are needed only while it is not here.
-need_header() {
+# prepare PACKAGE...: the packages, the driver interface header, and the tools that fetch it while it is not here.
+prepare() {
+  local packages=("$@")
   if [ ! -e third_party/openvr/openvr_driver.h ]; then
-    command -v npm >/dev/null || need npm ca-certificates
-    command -v unzip >/dev/null || need unzip
+    command -v npm >/dev/null || packages+=(npm ca-certificates)
+    command -v unzip >/dev/null || packages+=(unzip)
   fi
+  need "${packages[@]}"
   tools/fetch_openvr.sh
 }
 

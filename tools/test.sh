@@ -23,8 +23,7 @@ run_tests() {
   skipped=$((skipped + counts[2]))
 }
 
-need "${build_packages[@]}" "${display_packages[@]}" "${test_packages[@]}"
-need_header
+prepare "${build_packages[@]}" "${display_packages[@]}" "${test_packages[@]}"
 start_display
 
 build host-asan

@@ -18,8 +18,8 @@ wine=/usr/lib/wine/wine64
 
 # Wine's services keep the output of whatever starts them open for two seconds after the last program ended,
 # and with it a caller that reads that output to its end. So something silent starts them.
-boot() {
-  "$wine" wineboot.exe "$@" </dev/null >/dev/null 2>&1 9>&- || {
+silently() {
+  "$wine" "$@" </dev/null >/dev/null 2>&1 9>&- || {
     echo "Wine does not start in $WINEPREFIX" >&2
     exit 1
   }
@@ -29,10 +29,12 @@ boot() {
   flock 9
   if [ ! -e "$WINEPREFIX/.made" ]; then
     echo "making a Wine prefix in $WINEPREFIX (about 10 s)" >&2
-    boot -i
+    silently wineboot.exe -i
+    # A crash prints a backtrace and ends the program; a dialog would wait for someone who is not there.
+    silently reg.exe add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f
     touch "$WINEPREFIX/.made"
   fi
-  boot
+  silently wineboot.exe
 } 9>"$WINEPREFIX/.lock"
 
 exec "$wine" "$@"

@@ -1,0 +1,105 @@
+#include "contact_sheet.h"
+
+#include <cmath>
+#include <cstdio>
+#include <numbers>
+
+#include "picture.h"
+
+namespace bench {
+namespace {
+
+constexpr int kTileWidth = 480;
+constexpr int kLabelHeight = 24;
+constexpr int kGap = 8;
+constexpr std::size_t kColumns = 5;
+constexpr std::size_t kMostSamples = 30;
+constexpr float kWorthwhile = 0.02F;  // radians: a smaller gain is not worth another copy
+
+constexpr const char* kDirectionNames[] = {"straight", "left", "right", "up", "down"};
+constexpr std::size_t kDirections = std::size(kDirectionNames);
+
+// How well a look shows a direction: larger is better. A look off to the side shows no other direction.
+float Score(std::size_t direction, const YawPitch& look) {
+  switch (direction) {
+    case 0:
+      return -(std::fabs(look.yaw) + std::fabs(look.pitch));
+    case 1:
+      return look.yaw - std::fabs(look.pitch);
+    case 2:
+      return -look.yaw - std::fabs(look.pitch);
+    case 3:
+      return look.pitch - std::fabs(look.yaw);
+    default:
+      return -look.pitch - std::fabs(look.yaw);
+  }
+}
+
+bool Better(std::size_t direction, const std::optional<Tile>& known, const YawPitch& look) {
+  return !known || Score(direction, look) > Score(direction, known->look) + kWorthwhile;
+}
+
+int Degrees(float radians) { return static_cast<int>(std::lround(radians * 180 / std::numbers::pi)); }
+
+std::string Caption(const Tile& tile) {
+  char text[96];
+  std::snprintf(text, sizeof(text), "%s  frame %llu  yaw %+d  pitch %+d", tile.label.c_str(),
+                static_cast<unsigned long long>(tile.frame), Degrees(tile.look.yaw), Degrees(tile.look.pitch));
+  return text;
+}
+
+}  // namespace
+
+bool ContactSheet::WantsDirection(const YawPitch& look) const {
+  for (std::size_t i = 0; i < kDirections; ++i) {
+    if (Better(i, directions_[i], look)) return true;
+  }
+  return false;
+}
+
+void ContactSheet::AddDirection(std::uint64_t frame, const YawPitch& look, const Image& picture) {
+  const Image small = Shrink(picture, kTileWidth);
+  for (std::size_t i = 0; i < kDirections; ++i) {
+    if (Better(i, directions_[i], look)) directions_[i] = Tile{kDirectionNames[i], frame, look, small};
+  }
+}
+
+void ContactSheet::AddSample(std::uint64_t frame, const YawPitch& look, const Image& picture) {
+  if (samples_.size() < kMostSamples) samples_.push_back({"sample", frame, look, Shrink(picture, kTileWidth)});
+}
+
+bool ContactSheet::Empty() const { return Tiles().empty(); }
+
+std::vector<const Tile*> ContactSheet::Tiles() const {
+  std::vector<const Tile*> tiles;
+  for (const auto& tile : directions_) {
+    if (tile) tiles.push_back(&*tile);
+  }
+  for (const Tile& tile : samples_) tiles.push_back(&tile);
+  return tiles;
+}
+
+Image ContactSheet::Draw() const {
+  const auto tiles = Tiles();
+  if (tiles.empty()) return {};
+  const int cellWidth = kTileWidth + kGap;
+  const int cellHeight = tiles.front()->picture.height + kLabelHeight + kGap;
+  const auto rows = static_cast<int>((tiles.size() + kColumns - 1) / kColumns);
+  Image sheet(static_cast<int>(kColumns) * cellWidth + kGap, rows * cellHeight + kGap);
+  for (std::size_t i = 3; i < sheet.pixels.size(); i += 4) sheet.pixels[i] = 255;
+  for (std::size_t i = 0; i < tiles.size(); ++i) {
+    const int x = kGap + static_cast<int>(i % kColumns) * cellWidth;
+    const int y = kGap + static_cast<int>(i / kColumns) * cellHeight;
+    DrawText(sheet, x, y + 4, Caption(*tiles[i]));
+    Paste(tiles[i]->picture, sheet, x, y + kLabelHeight);
+  }
+  return sheet;
+}
+
+std::string ContactSheet::Describe() const {
+  std::string text;
+  for (const Tile* tile : Tiles()) text += Caption(*tile) + '\n';
+  return text;
+}
+
+}  // namespace bench

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "companion/wire_bytes.h"
+#include "nlohmann/json.hpp"
+
+namespace bench {
+
+// A script is {"steps": [...]}: each step is an object whose "do" names it, the other keys are its arguments.
+// docs: bench/companion_sim/README.md lists them.
+struct Script {
+  std::vector<nlohmann::json> steps;
+};
+
+// Throws std::runtime_error or a JSON exception that says what is wrong; unknown steps and arguments are found here.
+Script ParseScript(const std::string& text);
+Script LoadScript(const std::filesystem::path& path);
+
+// "0a 0b0C" as bytes. Throws std::runtime_error for anything that is no pair of hexadecimal digits.
+Bytes ParseHex(const std::string& text);
+
+}  // namespace bench

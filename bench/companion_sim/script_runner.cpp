@@ -1,0 +1,200 @@
+#include "script_runner.h"
+
+#include <map>
+#include <numbers>
+
+#include "companion/controller_tour.h"
+#include "controller_step.h"
+
+namespace bench {
+namespace {
+
+constexpr double kPollSeconds = 0.002;
+constexpr double kDefaultTimeoutSeconds = 30;
+
+float Radians(double degrees) { return static_cast<float>(degrees * std::numbers::pi / 180); }
+
+}  // namespace
+
+ScriptRunner::ScriptRunner(const Options& options, DriverLink& link, RunState& run)
+    : options_(options), link_(link), run_(run) {}
+
+ScriptRunner::~ScriptRunner() {
+  run_.End();
+  if (thread_.joinable()) thread_.join();
+}
+
+void ScriptRunner::Start(Script script) {
+  thread_ = std::thread([this, steps = std::move(script.steps)] {
+    PlayAll(steps);
+    done_ = true;
+  });
+}
+
+void ScriptRunner::PlayAll(const std::vector<Step>& steps) {
+  try {
+    for (const Step& step : steps) Play(step);
+  } catch (const RunEnded&) {
+  } catch (const std::exception& error) {
+    run_.Fail(std::string("script: ") + error.what());
+  }
+}
+
+void ScriptRunner::Play(const Step& step) {
+  using Verb = void (ScriptRunner::*)(const Step&);
+  static const std::map<std::string, Verb> verbs = {
+      {"sleep", &ScriptRunner::Sleep},
+      {"wait", &ScriptRunner::Wait},
+      {"motion", &ScriptRunner::Motion},
+      {"pose", &ScriptRunner::Pose},
+      {"tracking-state", &ScriptRunner::TrackingState},
+      {"recenter", &ScriptRunner::Recenter},
+      {"framerate", &ScriptRunner::Framerate},
+      {"controller", &ScriptRunner::Controller},
+      {"controllers", &ScriptRunner::Controllers},
+      {"raw", &ScriptRunner::Raw},
+      {"message", &ScriptRunner::AnyMessage},
+      {"close", &ScriptRunner::Close},
+      {"open", &ScriptRunner::Open},
+      {"shutdown", &ScriptRunner::Shutdown},
+      {"expect-haptic", &ScriptRunner::ExpectHaptic},
+      {"together", &ScriptRunner::Together},
+      {"repeat", &ScriptRunner::Repeat},
+  };
+  if (run_.Ended()) throw RunEnded();
+  (this->*verbs.at(step.at("do").get<std::string>()))(step);
+}
+
+template <typename Tick>
+void ScriptRunner::AtRate(double rate, double seconds, Tick tick) {
+  using Clock = std::chrono::steady_clock;
+  const auto start = Clock::now();
+  for (std::uint64_t i = 0;; ++i) {
+    const double at = static_cast<double>(i) / rate;
+    run_.SleepUntil(start + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(at)));
+    if (seconds > 0 && at > seconds) return;
+    tick(at);
+  }
+}
+
+template <typename Condition>
+bool ScriptRunner::WaitFor(double timeoutSeconds, Condition condition) {
+  const auto until = std::chrono::steady_clock::now() + std::chrono::duration<double>(timeoutSeconds);
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() >= until) return false;
+    run_.Sleep(kPollSeconds);
+  }
+  return true;
+}
+
+void ScriptRunner::Sleep(const Step& step) { run_.Sleep(step.at("seconds").get<double>()); }
+
+void ScriptRunner::Wait(const Step& step) {
+  const double timeout = step.value("timeout", kDefaultTimeoutSeconds);
+  const auto what = step.at("for").get<std::string>();
+  bool came = false;
+  if (what == "connection") {
+    // Each wait is for a connection that no wait before it has seen.
+    came = WaitFor(timeout,
+                   [&] { return link_.Pipes().Connected() && link_.Pipes().Connections() > connectionsWaitedFor_; });
+    connectionsWaitedFor_ = link_.Pipes().Connections();
+  } else if (what == "disconnection") {
+    came = WaitFor(timeout, [&] { return !link_.Pipes().Connected(); });
+  } else if (what == "frames") {
+    const std::uint64_t wanted = run_.Frames() + step.value("count", std::uint64_t{1});
+    came = WaitFor(timeout, [&] { return run_.Frames() >= wanted; });
+  } else {
+    throw std::runtime_error("wait knows no \"" + what + '"');
+  }
+  if (!came) throw std::runtime_error("waited " + std::to_string(timeout) + " s for " + what + " in vain");
+}
+
+void ScriptRunner::Motion(const Step& step) {
+  const auto kind = step.value("kind", std::string("sweep"));
+  const auto format = static_cast<PoseFormat>(step.value("format", options_.poseFormat));
+  const float yaw = Radians(step.value("yaw", kind == "hold" ? 0.0 : static_cast<double>(options_.yawDegrees)));
+  const float pitch = Radians(step.value("pitch", kind == "hold" ? 0.0 : static_cast<double>(options_.pitchDegrees)));
+  const double seconds = step.value("seconds", options_.sweepSeconds);
+  if (kind != "sweep" && kind != "hold") throw std::runtime_error("motion knows no \"" + kind + '"');
+  const HeadMotion motion = kind == "hold" ? HoldMotion(seconds, {yaw, pitch}) : SweepMotion(seconds, yaw, pitch);
+  AtRate(step.value("rate", options_.poseRate), seconds,
+         [&](double at) { link_.SendHead(format, motion.At(at), std::nullopt); });
+}
+
+void ScriptRunner::Pose(const Step& step) {
+  std::optional<Position> position;
+  if (step.contains("position")) {
+    const auto values = step.at("position").get<std::array<float, 3>>();
+    position = Position{values[0], values[1], values[2]};
+  }
+  const YawPitch angles{Radians(step.value("yaw", 0.0)), Radians(step.value("pitch", 0.0))};
+  link_.SendHead(static_cast<PoseFormat>(step.value("format", options_.poseFormat)), angles, position);
+}
+
+void ScriptRunner::TrackingState(const Step& step) {
+  link_.Send(EncodeTrackingState(step.at("state").get<std::uint8_t>()));
+}
+
+void ScriptRunner::Recenter(const Step&) { link_.Send(EncodeRecenterRequest()); }
+
+void ScriptRunner::Framerate(const Step& step) {
+  link_.Send(EncodeFramerateUpdate(step.at("fps").get<std::uint32_t>()));
+}
+
+void ScriptRunner::Controller(const Step& step) { link_.Send(EncodeControllerUpdate(ParseController(step))); }
+
+void ScriptRunner::Controllers(const Step& step) {
+  const auto ids = step.value("ids", std::vector<std::uint32_t>{1, 2});
+  std::uint32_t packet = 0;
+  AtRate(step.value("rate", 60.0), step.value("seconds", kControllerTourSeconds), [&](double at) {
+    ++packet;
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+      ControllerRecord record = ControllerTour(ids[i], i % 2 == 0 ? -1.0F : 1.0F, at);
+      record.packetNumber = packet;
+      link_.Send(EncodeControllerUpdate(record));
+    }
+  });
+}
+
+void ScriptRunner::Raw(const Step& step) { link_.Send(ParseHex(step.at("hex").get<std::string>())); }
+
+void ScriptRunner::AnyMessage(const Step& step) {
+  link_.Send(EncodeMessage(step.at("type").get<std::uint32_t>(), ParseHex(step.value("hex", std::string()))));
+}
+
+void ScriptRunner::Close(const Step&) { link_.Pipes().Close(); }
+
+void ScriptRunner::Open(const Step&) {
+  if (!link_.Pipes().Open()) throw std::runtime_error("the pipes could not be opened again");
+}
+
+void ScriptRunner::Shutdown(const Step&) { link_.Send(EncodeShutdownRequest()); }
+
+void ScriptRunner::ExpectHaptic(const Step& step) {
+  const auto controller = step.at("controller").get<std::uint32_t>();
+  const auto duration = step.at("durationMicroseconds").get<std::uint16_t>();
+  const bool came =
+      WaitFor(step.value("timeout", kDefaultTimeoutSeconds), [&] { return run_.TakeHaptic(controller, duration); });
+  if (!came) {
+    throw std::runtime_error("no haptic pulse of " + std::to_string(duration) + " us for controller " +
+                             std::to_string(controller));
+  }
+}
+
+void ScriptRunner::Together(const Step& step) {
+  std::vector<std::thread> threads;
+  for (const Step& track : step.at("tracks")) {
+    threads.emplace_back([this, steps = track.get<std::vector<Step>>()] { PlayAll(steps); });
+  }
+  for (std::thread& thread : threads) thread.join();
+}
+
+void ScriptRunner::Repeat(const Step& step) {
+  const auto steps = step.at("steps").get<std::vector<Step>>();
+  const int times = step.value("times", 0);
+  for (int i = 0; times == 0 || i < times; ++i) {
+    for (const Step& inner : steps) Play(inner);
+  }
+}
+
+}  // namespace bench

@@ -1,0 +1,64 @@
+#include "runtime/pose_log.h"
+
+#include <algorithm>
+
+namespace bench {
+
+void PoseLog::Add(const PoseRecord &record) {
+  std::vector<Listener> listeners;
+  {
+    const std::lock_guard lock(mutex_);
+    poses_.push_back(record);
+    latest_[record.device] = record;
+    ++counts_[record.device];
+    ++total_;
+    while (poses_.size() > memoryLimit_) {
+      poses_.pop_front();
+    }
+    listeners = listeners_;
+  }
+  for (const Listener &listener : listeners) {
+    listener(record);
+  }
+}
+
+std::size_t PoseLog::Count() const {
+  const std::lock_guard lock(mutex_);
+  return total_;
+}
+
+std::size_t PoseLog::Count(vr::TrackedDeviceIndex_t device) const {
+  const std::lock_guard lock(mutex_);
+  const auto found = counts_.find(device);
+  return found == counts_.end() ? 0 : found->second;
+}
+
+std::optional<PoseRecord> PoseLog::Latest(vr::TrackedDeviceIndex_t device) const {
+  const std::lock_guard lock(mutex_);
+  const auto found = latest_.find(device);
+  return found == latest_.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::vector<PoseRecord> PoseLog::All() const {
+  const std::lock_guard lock(mutex_);
+  return {poses_.begin(), poses_.end()};
+}
+
+std::vector<PoseRecord> PoseLog::All(vr::TrackedDeviceIndex_t device) const {
+  const std::lock_guard lock(mutex_);
+  std::vector<PoseRecord> found;
+  std::ranges::copy_if(poses_, std::back_inserter(found), [device](const PoseRecord &record) { return record.device == device; });
+  return found;
+}
+
+void PoseLog::LimitMemory(std::size_t poses) {
+  const std::lock_guard lock(mutex_);
+  memoryLimit_ = poses;
+}
+
+void PoseLog::Listen(Listener listener) {
+  const std::lock_guard lock(mutex_);
+  listeners_.push_back(std::move(listener));
+}
+
+} // namespace bench

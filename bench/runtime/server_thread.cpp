@@ -1,0 +1,93 @@
+#include "runtime/server_thread.h"
+
+#include <algorithm>
+#include <chrono>
+#include <exception>
+#include <future>
+#include <utility>
+
+#include <windows.h>
+
+#include "runtime/clock.h"
+
+namespace bench {
+
+ServerThread::ServerThread() {
+  std::promise<std::uint32_t> started;
+  thread_ = std::thread([this, &started] {
+    started.set_value(GetCurrentThreadId());
+    Loop();
+  });
+  threadId_ = started.get_future().get();
+}
+
+ServerThread::~ServerThread() {
+  {
+    const std::lock_guard lock(mutex_);
+    stopping_ = true;
+  }
+  changed_.notify_all();
+  thread_.join();
+}
+
+void ServerThread::Run(const std::function<void()> &task) {
+  const std::lock_guard onlyCaller(callers_);
+  std::promise<void> done;
+  {
+    const std::lock_guard lock(mutex_);
+    task_ = [&task, &done] {
+      try {
+        task();
+        done.set_value();
+      } catch (...) {
+        done.set_exception(std::current_exception());
+      }
+    };
+  }
+  changed_.notify_all();
+  done.get_future().get();
+}
+
+void ServerThread::SetTick(std::function<void()> tick, double hertz) {
+  Run([&] {
+    const std::lock_guard lock(mutex_);
+    tick_ = hertz > 0 ? std::move(tick) : nullptr;
+    periodTicks_ = hertz > 0 ? runtime::SecondsToTicks(1.0 / hertz) : 0;
+    lastTickTicks_ = runtime::NowTicks() - periodTicks_;
+  });
+}
+
+std::optional<std::int64_t> ServerThread::NextTickTicks() const {
+  return tick_ ? std::optional(lastTickTicks_ + periodTicks_) : std::nullopt;
+}
+
+void ServerThread::Loop() {
+  std::unique_lock lock(mutex_);
+  while (!stopping_) {
+    if (task_) {
+      const auto task = std::exchange(task_, nullptr);
+      lock.unlock();
+      task();
+      lock.lock();
+      continue;
+    }
+    const auto next = NextTickTicks();
+    if (!next) {
+      changed_.wait(lock);
+      continue;
+    }
+    const std::int64_t now = runtime::NowTicks();
+    if (now < *next) {
+      changed_.wait_for(lock, std::chrono::duration<double>(runtime::TicksToSeconds(*next - now)));
+      continue;
+    }
+    // On time, the next tick is due one period after this one was; late, one period from now.
+    lastTickTicks_ = now - *next < periodTicks_ ? *next : now;
+    const auto tick = tick_;
+    lock.unlock();
+    tick();
+    lock.lock();
+  }
+}
+
+} // namespace bench

@@ -1,0 +1,99 @@
+#!/bin/sh
+# Holds the sources against the rules of the architecture: check_sources.sh ROOT
+# Prints one line for each breach and fails if there is any.
+set -eu
+cd "$1"
+
+# A folder of the driver may include its own public headers and those of the folders before it.
+driver_folders="platform driver/context link shaders render devices hmd driver"
+bench_folders="sharing runtime companion"
+breaches=$(mktemp)
+trap 'rm -f "$breaches"' EXIT
+
+# C++ files of a folder; those of driver/context are not those of driver.
+files_of() {
+  [ -d "$1" ] || return 0
+  if [ "$1" = driver ]; then
+    find driver -path driver/context -prune -o -type f \( -name '*.h' -o -name '*.cpp' \) -print
+  else
+    find "$1" -type f \( -name '*.h' -o -name '*.cpp' \)
+  fi
+}
+
+# report FILE MESSAGE: puts both before each line that comes in as NUMBER:TEXT.
+report() {
+  while IFS= read -r line; do
+    echo "$1:${line%%:*}: $2: ${line#*:}" >>"$breaches"
+  done
+}
+
+# forbid FILE MESSAGE PATTERN
+forbid() {
+  grep -nE "$3" "$1" | report "$1" "$2" || true
+}
+
+includes_of() {
+  echo "^[[:space:]]*#[[:space:]]*include[[:space:]]*[<\"]($1)"
+}
+
+check_order() {
+  later=" $driver_folders "
+  for folder in $driver_folders; do
+    later=${later#*" $folder "}
+    forbidden=$(for name in $later $bench_folders; do printf '%s/|' "$(basename "$name")"; done)
+    for file in $(files_of "$folder"); do
+      forbid "$file" "includes what it does not build on" "$(includes_of "${forbidden%|}")"
+    done
+    later=" $later"
+  done
+}
+
+# Bench programs read the protocol document, so that two ends cannot share one mistake.
+check_bench() {
+  forbidden=$(for name in $driver_folders; do printf '%s/|' "$(basename "$name")"; done)
+  for file in $(files_of bench); do
+    forbid "$file" "bench includes the driver" "$(includes_of "${forbidden%|}")"
+  done
+}
+
+# Windows and Direct3D stay in the files named after them, conditional compilation in platform/.
+check_adapters() {
+  windows='windows\.h|winsock|ws2|d3d|dxgi|wrl|tlhelp32\.h|timeapi\.h|mmsystem\.h|psapi\.h|process\.h'
+  for folder in $driver_folders; do
+    for file in $(files_of "$folder"); do
+      case $file in
+        *_win32.* | *_d3d11.*) ;;
+        *) forbid "$file" "system header outside _win32 and _d3d11 files" "$(includes_of "$windows")" ;;
+      esac
+      case $file in
+        platform/*) ;;
+        *) forbid "$file" "conditional compilation outside platform/" '^[[:space:]]*#[[:space:]]*(if|ifdef|ifndef|elif)\b' ;;
+      esac
+    done
+  done
+}
+
+check_size() {
+  for folder in $driver_folders bench tests; do
+    for file in $(files_of "$folder"); do
+      case $file in
+        *.h) limit=119 ;;
+        *) limit=299 ;;
+      esac
+      lines=$(wc -l <"$file")
+      if [ "$lines" -gt "$limit" ]; then
+        echo "$file: $lines lines, more than $limit" >>"$breaches"
+      fi
+    done
+  done
+}
+
+check_order
+check_bench
+check_adapters
+check_size
+if [ -s "$breaches" ]; then
+  cat "$breaches"
+  exit 1
+fi
+echo "the sources keep the rules"

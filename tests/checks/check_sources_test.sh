@@ -1,0 +1,82 @@
+#!/bin/sh
+# Shows that check_sources.sh finds each kind of breach, and finds none in a tree that has none.
+set -eu
+check=$(cd "$(dirname "$0")" && pwd)/check_sources.sh
+tree=$(mktemp -d)
+trap 'rm -rf "$tree"' EXIT
+failures=0
+
+start_over() {
+  rm -rf "$tree"
+  mkdir -p "$tree/platform/include/platform" "$tree/driver/context" "$tree/link" "$tree/render" "$tree/hmd" \
+    "$tree/driver" "$tree/bench/companion"
+  echo '#include <windows.h>' >"$tree/platform/pipe_win32.cpp"
+  printf '#ifdef _WIN32\n#endif\n' >"$tree/platform/include/platform/abi.h"
+  printf '#include "platform/abi.h"\n#include "context/log.h"\n' >"$tree/link/core.cpp"
+  echo '#include "hmd/headset.h"' >"$tree/driver/provider.cpp"
+  echo '#include "companion/wire.h"' >"$tree/bench/companion/main.cpp"
+}
+
+expect() {
+  name=$1 text=$2
+  output=$(sh "$check" "$tree" 2>&1) && code=0 || code=$?
+  case $output in
+    *"$text"*) ;;
+    *)
+      echo "$name: expected '$text', got '$output' (exit $code)"
+      failures=1
+      ;;
+  esac
+  case $text in
+    "the sources keep the rules") wanted=0 ;;
+    *) wanted=1 ;;
+  esac
+  if [ "$code" -ne "$wanted" ]; then
+    echo "$name: exit $code, expected $wanted"
+    failures=1
+  fi
+  start_over
+}
+
+lines() {
+  yes '// line' | head -n "$1"
+}
+
+start_over
+expect "a sound tree" "the sources keep the rules"
+
+echo '#include "render/renderer.h"' >>"$tree/link/core.cpp"
+expect "a folder that includes a later one" "link/core.cpp:3: includes what it does not build on"
+
+echo '#  include "driver/provider.h"' >"$tree/driver/context/log.cpp"
+expect "the context that includes the driver" "driver/context/log.cpp:1: includes what it does not build on"
+
+echo '#include "companion/wire.h"' >>"$tree/driver/provider.cpp"
+expect "a driver that includes the bench" "driver/provider.cpp:2: includes what it does not build on"
+
+echo '#include "link/wire.h"' >>"$tree/bench/companion/main.cpp"
+expect "a bench that includes the driver" "bench/companion/main.cpp:2: bench includes the driver"
+
+echo '#include <windows.h>' >"$tree/hmd/headset.cpp"
+expect "windows.h in a plain file" "hmd/headset.cpp:1: system header"
+
+echo '#include <d3d11_1.h>' >"$tree/render/renderer.h"
+expect "Direct3D in a plain header" "render/renderer.h:1: system header"
+
+echo '#ifdef _WIN32' >"$tree/render/renderer_d3d11.cpp"
+expect "#ifdef outside platform" "render/renderer_d3d11.cpp:1: conditional compilation"
+
+echo '# if defined(X)' >"$tree/driver/provider.cpp"
+expect "#if outside platform" "driver/provider.cpp:1: conditional compilation"
+
+lines 300 >"$tree/link/core.cpp"
+expect "a long source" "link/core.cpp: 300 lines"
+
+lines 120 >"$tree/link/core.h"
+expect "a long header" "link/core.h: 120 lines"
+
+lines 299 >"$tree/link/core.cpp"
+lines 119 >"$tree/link/core.h"
+expect "files at the limit" "the sources keep the rules"
+
+[ "$failures" -eq 0 ] && echo "every breach is found"
