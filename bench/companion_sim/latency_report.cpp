@@ -27,6 +27,10 @@ bench::TimedPoses Read(const std::filesystem::path& path) {
 nlohmann::ordered_json Report(const char* what, const bench::TimedPoses& earlier, const bench::TimedPoses& later,
                               float tolerance) {
   const auto delays = bench::DelaysMs(earlier, later, tolerance);
+  if (delays.empty()) {
+    std::printf("%s: not known, no pose is in both logs\n", what);
+    return nullptr;
+  }
   const double median = bench::Percentile(delays, 0.5), p99 = bench::Percentile(delays, 0.99);
   std::printf("%s: median %.2f ms, p99 %.2f ms (%zu of %zu sent, %zu received)\n", what, median, p99, delays.size(),
               earlier.poses.size(), later.poses.size());

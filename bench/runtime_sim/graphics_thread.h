@@ -14,8 +14,7 @@
 namespace bench {
 
 /// The runtime's compositor with its scene, and everything it has of Direct3D, on one thread from making to
-/// letting go: a device that is shared between threads costs some hosts dearly.
-/// The methods may be called from any other thread.
+/// letting go. The methods may be called from any other thread.
 class GraphicsThread {
 public:
   /// Returns when the first frame is about to begin. Throws std::runtime_error if there is no way to make one.

@@ -1,0 +1,225 @@
+#include "side.h"
+
+#include "sharing/counters.h"
+#include "sharing/sharing_device.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <future>
+#include <optional>
+#include <vector>
+
+namespace bench::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kTimeout = static_cast<HRESULT>(WAIT_TIMEOUT);
+constexpr auto kAbandoned = static_cast<HRESULT>(WAIT_ABANDONED);
+constexpr DWORD kLongMs = 10'000;
+
+// One shared texture with a keyed mutex, on two devices.
+class KeyedMutexTest : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    makerSide.emplace();
+    openerSide.emplace();
+  }
+  static void TearDownTestSuite() {
+    openerSide.reset();
+    makerSide.reset();
+  }
+
+  void SetUp() override {
+    made = makerSide->Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
+    ASSERT_NE(made, nullptr);
+    opened = openerSide->Open(SharedHandle(made.Get()));
+    ASSERT_NE(opened, nullptr);
+    maker = KeyedMutex(made.Get());
+    opener = KeyedMutex(opened.Get());
+    ASSERT_NE(maker, nullptr);
+    ASSERT_NE(opener, nullptr);
+  }
+
+  void DropMaker() {
+    maker.Reset();
+    made.Reset();
+  }
+
+  static std::optional<Side> makerSide;
+  static std::optional<Side> openerSide;
+  ComPtr<ID3D11Texture2D> made;
+  ComPtr<ID3D11Texture2D> opened;
+  ComPtr<IDXGIKeyedMutex> maker;
+  ComPtr<IDXGIKeyedMutex> opener;
+};
+
+std::optional<Side> KeyedMutexTest::makerSide;
+std::optional<Side> KeyedMutexTest::openerSide;
+
+std::future<HRESULT> AcquireOnAnotherThread(IDXGIKeyedMutex* mutex, UINT64 key, DWORD timeoutMs) {
+  return std::async(std::launch::async, [=] { return mutex->AcquireSync(key, timeoutMs); });
+}
+
+void PassOn(IDXGIKeyedMutex* mutex, UINT64 key, UINT64 nextKey) {
+  EXPECT_EQ(mutex->AcquireSync(key, kLongMs), S_OK);
+  EXPECT_EQ(mutex->ReleaseSync(nextKey), S_OK);
+}
+
+TEST_F(KeyedMutexTest, StartsReleasedWithKeyZero) { EXPECT_EQ(opener->AcquireSync(0, 0), S_OK); }
+
+TEST_F(KeyedMutexTest, DoesNotStartReleasedWithAnotherKey) { EXPECT_EQ(maker->AcquireSync(1, 0), kTimeout); }
+
+TEST_F(KeyedMutexTest, IsHeldByOneTextureAtATime) {
+  ASSERT_EQ(maker->AcquireSync(0, 0), S_OK);
+  EXPECT_EQ(opener->AcquireSync(0, 0), kTimeout);
+  EXPECT_EQ(maker->ReleaseSync(0), S_OK);
+  EXPECT_EQ(opener->AcquireSync(0, 0), S_OK);
+}
+
+TEST_F(KeyedMutexTest, AnswersATimeoutWithAPositiveCode) {
+  ASSERT_EQ(maker->AcquireSync(0, 0), S_OK);
+  EXPECT_EQ(opener->AcquireSync(0, 5), 0x102);
+}
+
+TEST_F(KeyedMutexTest, WaitsForItsTimeout) {
+  ASSERT_EQ(maker->AcquireSync(0, 0), S_OK);
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(opener->AcquireSync(0, 120), kTimeout);
+  EXPECT_GE(std::chrono::steady_clock::now() - start, 120ms);
+}
+
+TEST_F(KeyedMutexTest, GoesOnlyToWhoAsksForTheKeyOfTheRelease) {
+  ASSERT_EQ(maker->AcquireSync(0, 0), S_OK);
+  ASSERT_EQ(maker->ReleaseSync(7), S_OK);
+  EXPECT_EQ(opener->AcquireSync(0, 0), kTimeout);
+  EXPECT_EQ(opener->AcquireSync(7, 0), S_OK);
+}
+
+TEST_F(KeyedMutexTest, WakesAWaiterWhenItsKeyIsReleased) {
+  ASSERT_EQ(maker->AcquireSync(0, 0), S_OK);
+  auto waiter = AcquireOnAnotherThread(opener.Get(), 3, kLongMs);
+  EXPECT_EQ(waiter.wait_for(100ms), std::future_status::timeout);
+  ASSERT_EQ(maker->ReleaseSync(3), S_OK);
+  EXPECT_EQ(waiter.get(), S_OK);
+}
+
+TEST_F(KeyedMutexTest, HandsOverAtOnceAndNotWhenAWaiterHappensToLook) {
+  constexpr auto kLookAgain = 250ms;
+  ASSERT_EQ(MarkReadOnly(made.Get()), S_OK);
+  ASSERT_EQ(MarkReadOnly(opened.Get()), S_OK);
+  std::vector<std::chrono::steady_clock::duration> rounds(15);
+  auto other = std::async(std::launch::async, [&] {
+    for (std::size_t round = 0; round < rounds.size(); ++round) PassOn(opener.Get(), 1, 0);
+  });
+  for (auto& duration : rounds) {
+    const auto start = std::chrono::steady_clock::now();
+    PassOn(maker.Get(), 0, 1);
+    duration = std::chrono::steady_clock::now() - start;
+  }
+  other.get();
+  std::ranges::sort(rounds);
+  EXPECT_LT(rounds[rounds.size() / 2], kLookAgain * 3 / 4);
+}
+
+TEST_F(KeyedMutexTest, LeavesAWaiterForAnotherKeyWaiting) {
+  ASSERT_EQ(maker->AcquireSync(0, 0), S_OK);
+  auto waiter = AcquireOnAnotherThread(opener.Get(), 3, 300);
+  ASSERT_EQ(maker->ReleaseSync(4), S_OK);
+  EXPECT_EQ(waiter.get(), kTimeout);
+}
+
+TEST_F(KeyedMutexTest, WaitsWithoutEndForAnInfiniteTimeout) {
+  ASSERT_EQ(maker->AcquireSync(0, 0), S_OK);
+  auto waiter = AcquireOnAnotherThread(opener.Get(), 0, INFINITE);
+  EXPECT_EQ(waiter.wait_for(300ms), std::future_status::timeout);
+  ASSERT_EQ(maker->ReleaseSync(0), S_OK);
+  EXPECT_EQ(waiter.get(), S_OK);
+}
+
+TEST_F(KeyedMutexTest, LetsTwoWaitingTexturesHaveItOneAfterTheOther) {
+  const Side thirdSide;
+  const auto thirdTexture = thirdSide.Open(SharedHandle(made.Get()));
+  const auto third = KeyedMutex(thirdTexture.Get());
+  ASSERT_EQ(maker->AcquireSync(0, 0), S_OK);
+  const auto passThrough = [](IDXGIKeyedMutex* mutex) {
+    const HRESULT acquired = mutex->AcquireSync(0, kLongMs);
+    return acquired == S_OK ? mutex->ReleaseSync(0) : acquired;
+  };
+  auto first = std::async(std::launch::async, passThrough, opener.Get());
+  auto second = std::async(std::launch::async, passThrough, third.Get());
+  ASSERT_EQ(maker->ReleaseSync(0), S_OK);
+  EXPECT_EQ(first.get(), S_OK);
+  EXPECT_EQ(second.get(), S_OK);
+}
+
+TEST_F(KeyedMutexTest, MayBeReleasedOnAnotherThreadThanItWasAcquiredOn) {
+  ASSERT_EQ(AcquireOnAnotherThread(maker.Get(), 0, 0).get(), S_OK);
+  EXPECT_EQ(maker->ReleaseSync(0), S_OK);
+  EXPECT_EQ(opener->AcquireSync(0, 0), S_OK);
+}
+
+TEST_F(KeyedMutexTest, IsTheTexturesAndNotTheInterfacePointers) {
+  ASSERT_EQ(maker->AcquireSync(0, 0), S_OK);
+  maker.Reset();
+  EXPECT_EQ(opener->AcquireSync(0, 0), kTimeout);
+  EXPECT_EQ(KeyedMutex(made.Get())->ReleaseSync(0), S_OK);
+}
+
+TEST_F(KeyedMutexTest, RefusesASecondAcquireByItsHolder) {
+  ASSERT_EQ(maker->AcquireSync(0, 0), S_OK);
+  EXPECT_TRUE(FAILED(maker->AcquireSync(0, 0)));
+  EXPECT_EQ(maker->ReleaseSync(0), S_OK);
+}
+
+TEST_F(KeyedMutexTest, RefusesTheReleaseOfWhatNobodyHolds) { EXPECT_TRUE(FAILED(maker->ReleaseSync(0))); }
+
+TEST_F(KeyedMutexTest, RefusesTheReleaseOfWhatAnotherHolds) {
+  ASSERT_EQ(maker->AcquireSync(0, 0), S_OK);
+  EXPECT_TRUE(FAILED(opener->ReleaseSync(0)));
+  EXPECT_EQ(opener->AcquireSync(0, 0), kTimeout);
+}
+
+TEST_F(KeyedMutexTest, IsAbandonedWhenItsHoldersLastReferenceGoes) {
+  ASSERT_EQ(maker->AcquireSync(0, 0), S_OK);
+  DropMaker();
+  EXPECT_EQ(opener->AcquireSync(0, 0), kAbandoned);
+}
+
+TEST_F(KeyedMutexTest, TellsAWaiterThatItsHolderWent) {
+  ASSERT_EQ(maker->AcquireSync(0, 0), S_OK);
+  auto waiter = AcquireOnAnotherThread(opener.Get(), 0, kLongMs);
+  EXPECT_EQ(waiter.wait_for(100ms), std::future_status::timeout);
+  DropMaker();
+  EXPECT_EQ(waiter.get(), kAbandoned);
+}
+
+TEST_F(KeyedMutexTest, GivesNothingToWhoFindsItAbandoned) {
+  ASSERT_EQ(maker->AcquireSync(0, 0), S_OK);
+  DropMaker();
+  ASSERT_EQ(opener->AcquireSync(0, 0), kAbandoned);
+  EXPECT_TRUE(FAILED(opener->ReleaseSync(0)));
+  EXPECT_EQ(opener->AcquireSync(0, 0), kAbandoned);
+}
+
+TEST_F(KeyedMutexTest, IsNotAbandonedByATextureThatDidNotHoldIt) {
+  DropMaker();
+  EXPECT_EQ(opener->AcquireSync(0, 0), S_OK);
+}
+
+TEST_F(KeyedMutexTest, CountsHoldsAndOutcomes) {
+  const Counters before = ReadCounters(DeviceGroup::kOwn);
+  ASSERT_EQ(maker->AcquireSync(0, 0), S_OK);
+  ASSERT_EQ(opener->AcquireSync(0, 0), kTimeout);
+  EXPECT_EQ(ReadCounters(DeviceGroup::kOwn).heldMutexes, before.heldMutexes + 1);
+  ASSERT_EQ(maker->ReleaseSync(0), S_OK);
+  const Counters after = ReadCounters(DeviceGroup::kOwn);
+  EXPECT_EQ(after.heldMutexes, before.heldMutexes);
+  EXPECT_EQ(after.acquired, before.acquired + 1);
+  EXPECT_EQ(after.timedOut, before.timedOut + 1);
+}
+
+}  // namespace
+}  // namespace bench::test

@@ -1,0 +1,111 @@
+#include "side.h"
+
+#include "sharing/sharing_device.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <set>
+
+namespace bench::test {
+namespace {
+
+class SharedHandleTest : public testing::Test {
+ protected:
+  HRESULT TryCreate(const D3D11_TEXTURE2D_DESC& description) const {
+    ComPtr<ID3D11Texture2D> texture;
+    return side.device->CreateTexture2D(&description, nullptr, &texture);
+  }
+
+  Side side;
+};
+
+TEST_F(SharedHandleTest, IsNotZeroAndFitsInto31Bits) {
+  const auto texture = side.Create(Description(D3D11_RESOURCE_MISC_SHARED));
+  const auto value = reinterpret_cast<std::uintptr_t>(SharedHandle(texture.Get()));
+  EXPECT_GT(value, 0u);
+  EXPECT_LT(value, std::uintptr_t{1} << 31);
+}
+
+TEST_F(SharedHandleTest, StaysTheSameForOneTexture) {
+  const auto texture = side.Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
+  EXPECT_EQ(SharedHandle(texture.Get()), SharedHandle(texture.Get()));
+}
+
+TEST_F(SharedHandleTest, IsTheSameOnTheOpenersSide) {
+  const auto texture = side.Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
+  const Side opener;
+  const auto opened = opener.Open(SharedHandle(texture.Get()));
+  EXPECT_EQ(SharedHandle(opened.Get()), SharedHandle(texture.Get()));
+}
+
+TEST_F(SharedHandleTest, IsNotUsedAgainForLaterTextures) {
+  std::set<HANDLE> handles;
+  for (int count = 0; count < 200; ++count) {
+    const auto texture = side.Create(Description(D3D11_RESOURCE_MISC_SHARED));
+    handles.insert(SharedHandle(texture.Get()));
+  }
+  EXPECT_EQ(handles.size(), 200u);
+}
+
+TEST_F(SharedHandleTest, NamesNothingOnceItsTextureIsGone) {
+  auto texture = side.Create(Description(D3D11_RESOURCE_MISC_SHARED));
+  const HANDLE handle = SharedHandle(texture.Get());
+  texture.Reset();
+  ComPtr<ID3D11Texture2D> opened;
+  EXPECT_EQ(side.device->OpenSharedResource(handle, IID_PPV_ARGS(&opened)), E_INVALIDARG);
+  EXPECT_EQ(opened, nullptr);
+}
+
+TEST_F(SharedHandleTest, OpensAsAnyOfTheTexturesInterfaces) {
+  const auto texture = side.Create(Description(D3D11_RESOURCE_MISC_SHARED));
+  const Side opener;
+  ComPtr<ID3D11Resource> resource;
+  ASSERT_EQ(opener.device->OpenSharedResource(SharedHandle(texture.Get()), IID_PPV_ARGS(&resource)), S_OK);
+  ComPtr<ID3D11Texture2D> opened;
+  EXPECT_EQ(resource.As(&opened), S_OK);
+}
+
+TEST_F(SharedHandleTest, ComesWithTheCreatorsDescription) {
+  const auto description = Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX, DXGI_FORMAT_B8G8R8A8_TYPELESS);
+  const auto texture = side.Create(description);
+  const Side opener;
+  const auto opened = opener.Open(SharedHandle(texture.Get()));
+  for (ID3D11Texture2D* const each : {texture.Get(), opened.Get()}) {
+    D3D11_TEXTURE2D_DESC seen{};
+    each->GetDesc(&seen);
+    EXPECT_EQ(seen.Width, kWidth);
+    EXPECT_EQ(seen.Height, kHeight);
+    EXPECT_EQ(seen.Format, description.Format);
+    EXPECT_EQ(seen.BindFlags, description.BindFlags);
+    EXPECT_EQ(seen.MiscFlags, description.MiscFlags);
+  }
+}
+
+TEST_F(SharedHandleTest, HasNoKeyedMutexWithoutTheFlag) {
+  const auto texture = side.Create(Description(D3D11_RESOURCE_MISC_SHARED));
+  EXPECT_EQ(KeyedMutex(texture.Get()), nullptr);
+}
+
+TEST_F(SharedHandleTest, BelongsToTheObjectThatTheTextureIs) {
+  const auto texture = side.Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
+  ComPtr<IUnknown> identity;
+  ComPtr<IUnknown> mutexIdentity;
+  ASSERT_EQ(texture.As(&identity), S_OK);
+  ASSERT_EQ(KeyedMutex(texture.Get()).As(&mutexIdentity), S_OK);
+  EXPECT_EQ(identity, mutexIdentity);
+}
+
+TEST_F(SharedHandleTest, IsRefusedForWhatCannotBeShared) {
+  auto multisampled = Description(D3D11_RESOURCE_MISC_SHARED);
+  multisampled.SampleDesc.Count = 4;
+  EXPECT_EQ(TryCreate(multisampled), E_INVALIDARG);
+  auto mipmapped = Description(D3D11_RESOURCE_MISC_SHARED);
+  mipmapped.MipLevels = 2;
+  EXPECT_EQ(TryCreate(mipmapped), E_INVALIDARG);
+  EXPECT_EQ(TryCreate(Description(D3D11_RESOURCE_MISC_SHARED, DXGI_FORMAT_BC1_UNORM)), E_INVALIDARG);
+  EXPECT_EQ(TryCreate(Description(D3D11_RESOURCE_MISC_SHARED | D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX)), E_INVALIDARG);
+}
+
+}  // namespace
+}  // namespace bench::test

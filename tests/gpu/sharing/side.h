@@ -1,0 +1,43 @@
+#pragma once
+
+#include <d3d11.h>
+#include <wrl/client.h>
+
+#include <cstdint>
+#include <vector>
+
+namespace bench::test {
+
+using Microsoft::WRL::ComPtr;
+
+inline constexpr UINT kWidth = 61;  // odd, so that rows of mapped textures have padding
+inline constexpr UINT kHeight = 37;
+
+// 32-bit words, row by row without gaps: one to a pixel, or two where pixels have 64 bits.
+using Pixels = std::vector<std::uint32_t>;
+
+// No two words of one picture, and no word of pictures with other seeds, are alike.
+[[nodiscard]] Pixels Pattern(std::uint32_t seed, UINT width = kWidth, UINT height = kHeight);
+
+// A shareable description: 61 x 37, RGBA, one level, default usage, shader resource and render target.
+[[nodiscard]] D3D11_TEXTURE2D_DESC Description(UINT miscFlags, DXGI_FORMAT format = DXGI_FORMAT_R8G8B8A8_UNORM);
+
+[[nodiscard]] HANDLE SharedHandle(ID3D11Texture2D* texture);
+[[nodiscard]] ComPtr<IDXGIKeyedMutex> KeyedMutex(ID3D11Texture2D* texture);
+
+// A device with its context: one side of a shared texture.
+class Side {
+ public:
+  Side();
+
+  [[nodiscard]] ComPtr<ID3D11Texture2D> Create(const D3D11_TEXTURE2D_DESC& description) const;
+  [[nodiscard]] ComPtr<ID3D11Texture2D> Open(HANDLE handle) const;
+  void Write(ID3D11Texture2D* texture, const Pixels& pixels) const;
+  // What this device sees in a texture.
+  [[nodiscard]] Pixels Read(ID3D11Texture2D* texture) const;
+
+  ComPtr<ID3D11Device> device;
+  ComPtr<ID3D11DeviceContext> context;
+};
+
+}  // namespace bench::test

@@ -1,0 +1,175 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <thread>
+
+#include "companion/head_model.h"
+#include "companion/tracking_update.h"
+#include "frame_source.h"
+#include "nlohmann/json.hpp"
+#include "plain_client.h"
+#include "program.h"
+
+namespace bench {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr const char* kInName = R"(\\.\pipe\PellmorOmbrelTransmissionPipeV1In)";
+constexpr const char* kOutName = R"(\\.\pipe\PellmorOmbrelTransmissionPipeV1Out)";
+constexpr Rgba kRed{200, 10, 20, 255}, kGreen{10, 200, 20, 255}, kBlue{10, 20, 200, 255};
+
+PoseSlot SlotOf(const PoseMatrix& pose) {
+  PoseSlot slot{};
+  std::copy(pose.begin(), pose.end(), slot.begin());
+  slot[15] = 1;
+  return slot;
+}
+
+// Runs the companion in a process of its own, with the test handing it frames in the driver's place.
+class FrameProgram : public testing::Test {
+ protected:
+  void Start(std::vector<std::string> arguments) {
+    arguments.insert(arguments.end(), {"--print-frames", "--summary", (folder_ / "summary.json").string()});
+    ASSERT_TRUE(program_.Start(TestArgument("companion"), arguments, folder_ / "output.txt"));
+    Connect();
+  }
+  void Connect() {
+    ASSERT_TRUE(client_.Open(kInName, kOutName, 20000)) << program_.Output();
+    ASSERT_TRUE(source_.emplace().Create(64, 32));
+    ASSERT_TRUE(client_.WriteMessage(EncodeFrameSharingInfo(source_->Info())));
+  }
+  // The newest pose that the companion sent, at least one newer than before, as the runtime would render with it.
+  PoseSlot NextPose() {
+    bool published = false;
+    while (!published || client_.HasMore()) {
+      const auto message = client_.Read();
+      if (!message) break;
+      published |= head_.Apply(EncodeMessage(message->type, message->payload));
+    }
+    return SlotOf(head_.Published());
+  }
+  // Hands over a frame and waits until the companion has read it.
+  void PresentSlowly(const Rgba& left, const Rgba& right, const PoseSlot& slot) {
+    ASSERT_TRUE(source_->Present(left, right, slot));
+    ++presented_;
+    for (int i = 0; i < 1000 && FramesRead() < presented_ && !program_.Wait(0); ++i) Sleep(5);
+    ASSERT_EQ(FramesRead(), presented_) << program_.Output();
+  }
+  int FramesRead() const {
+    const std::string output = program_.Output();
+    int count = 0;
+    for (auto at = output.find(" texture "); at != std::string::npos; at = output.find(" texture ", at + 1)) ++count;
+    return count;
+  }
+  nlohmann::json Summary() const {
+    std::ifstream file(folder_ / "summary.json");
+    return nlohmann::json::parse(file);
+  }
+  void ExpectExit(std::uint32_t code) { EXPECT_EQ(program_.Wait(), code) << program_.Output(); }
+
+  TestFolder folder_;
+  Program program_;
+  PlainClient client_;
+  std::optional<FrameSource> source_;
+  HeadModel head_;
+  int presented_ = 0;
+};
+
+const PoseSlot kStanding = SlotOf(ToPoseMatrix(Quat{}, {0, 1.7F, 0}));
+
+std::string Pixel(int frame, int x, const Rgba& colour) {
+  return nlohmann::json{{"frame", frame}, {"x", x}, {"y", 5}, {"rgba", colour}, {"texture", frame % 2}}.dump();
+}
+
+TEST_F(FrameProgram, ReadsEveryFrameFromTheTextureWhoseTurnItIs) {
+  const std::string expected = '[' + Pixel(0, 3, kRed) + ',' + Pixel(0, 60, kGreen) + ',' + Pixel(1, 3, kBlue) + ',' +
+                               Pixel(2, 3, kGreen) + ',' + Pixel(3, 60, kRed) + ']';
+  Start({"--expect", folder_.Write("expect.json", expected), "--frames", "4"});
+  PresentSlowly(kRed, kGreen, kStanding);
+  PresentSlowly(kBlue, kGreen, kStanding);
+  PresentSlowly(kGreen, kGreen, kStanding);
+  PresentSlowly(kBlue, kRed, kStanding);
+  ExpectExit(0);
+  EXPECT_EQ(Summary().at("expectationsMet"), 5);
+}
+
+TEST_F(FrameProgram, SaysWhichPixelIsWrong) {
+  Start({"--expect", folder_.Write("expect.json", '[' + Pixel(0, 3, kBlue) + ']')});
+  PresentSlowly(kRed, kGreen, kStanding);
+  ExpectExit(1);
+  EXPECT_THAT(program_.Output(), HasSubstr("connection 1, frame 0: pixel (3, 5) is (200, 10, 20, 255), "
+                                           "expected (10, 20, 200, 255) within 0"));
+}
+
+TEST_F(FrameProgram, DoesNotCountOneFrameTwice) {
+  Start({"--seconds", "1.5"});
+  PresentSlowly(kRed, kGreen, kStanding);
+  PresentSlowly(kRed, kGreen, kStanding);
+  ExpectExit(0);
+  EXPECT_EQ(Summary().at("frames"), 2);
+}
+
+TEST_F(FrameProgram, KnowsThePosesThatItSentAndOthers) {
+  Start({"--seconds", "30", "--frames", "12", "--require-matching", "5", "--pose-rate", "100"});
+  PresentSlowly(kRed, kRed, kStanding);
+  for (int i = 0; i < 9; ++i) PresentSlowly(kRed, kRed, NextPose());
+  PoseSlot foreign = NextPose();
+  foreign[3] += 0.01F;
+  PresentSlowly(kRed, kRed, foreign);
+  PresentSlowly(kRed, kRed, NextPose());
+  ExpectExit(1);
+  EXPECT_EQ(Summary().at("matching"), 11);
+  EXPECT_EQ(Summary().at("mismatching"), 1);
+  EXPECT_THAT(program_.Output(), HasSubstr("1 frames had a pose that was never sent"));
+}
+
+TEST_F(FrameProgram, CountsFramesThatHaveNoPoseBesideThem) {
+  Start({"--seconds", "30", "--frames", "2"});
+  PresentSlowly(kRed, kRed, PoseSlot{});
+  PresentSlowly(kRed, kRed, PoseSlot{});
+  ExpectExit(0);
+  EXPECT_EQ(Summary().at("withoutPose"), 2);
+}
+
+TEST_F(FrameProgram, ReadsFreshFramesAfterAReconnect) {
+  const std::string expected =
+      R"([{"connection": 1, "frame": 0, "x": 3, "y": 5, "rgba": [200, 10, 20, 255]},
+          {"connection": 2, "frame": 0, "x": 3, "y": 5, "rgba": [10, 20, 200, 255], "texture": 0}])";
+  Start({"--expect", folder_.Write("expect.json", expected), "--frames", "2", "--seconds", "20"});
+  PresentSlowly(kRed, kGreen, kStanding);
+  client_.Close();
+  Connect();
+  PresentSlowly(kBlue, kGreen, kStanding);
+  ExpectExit(0);
+  EXPECT_EQ(Summary().at("connections"), 2);
+}
+
+TEST_F(FrameProgram, SavesPicturesAContactSheetAndItsLogs) {
+  const std::string out = (folder_ / "out").string(), csv = (folder_ / "frames.csv").string(),
+                    poses = (folder_ / "poses.csv").string();
+  Start({"--out", out, "--save-every", "2", "--frames", "4", "--csv", csv, "--poses-csv", poses});
+  for (int i = 0; i < 4; ++i) PresentSlowly(kRed, kGreen, NextPose());
+  ExpectExit(0);
+  for (const char* name : {"frame_000000.png", "frame_000002.png", "contact_sheet.png", "contact_sheet.txt"}) {
+    EXPECT_TRUE(std::filesystem::exists(folder_ / "out" / name)) << name;
+  }
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "out" / "frame_000001.png"));
+  std::ifstream frames(folder_ / "frames.csv"), sent(folder_ / "poses.csv");
+  const auto lines = [](std::istream& file) {
+    return std::count(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>(), '\n');
+  };
+  EXPECT_EQ(lines(frames), 5);
+  EXPECT_GT(lines(sent), 4);
+}
+
+TEST_F(FrameProgram, SaysWhenTheTexturesCannotBeOpened) {
+  Start({"--seconds", "20"});
+  ASSERT_TRUE(client_.WriteMessage(EncodeFrameSharingInfo({1, {0x12345678, 0x12345679}, "nothing", false})));
+  ExpectExit(1);
+  EXPECT_THAT(program_.Output(), HasSubstr("textures cannot be opened"));
+}
+
+}  // namespace
+}  // namespace bench

@@ -1,0 +1,29 @@
+#include <gtest/gtest.h>
+
+#include "program.h"
+
+namespace {
+
+class IdleCompanion : public testing::Test {
+ protected:
+  void Start(const std::string& name, const std::string& seconds) {
+    std::filesystem::copy_file(TestArgument("idle"), folder_ / name);
+    ASSERT_TRUE(idle_.Start(folder_ / name, {seconds}, folder_ / "out.txt"));
+  }
+  TestFolder folder_;
+  Program idle_;
+};
+
+TEST_F(IdleCompanion, RunsUnderAnyNameUntilItsInputCloses) {
+  Start("vrmonitor.exe", "60");
+  EXPECT_FALSE(idle_.Wait(300));
+  idle_.CloseInput();
+  EXPECT_EQ(idle_.Wait(5000), 42U);
+}
+
+TEST_F(IdleCompanion, EndsByItselfAfterItsTime) {
+  Start("Ombrel.exe", "0.2");
+  EXPECT_EQ(idle_.Wait(5000), 42U);
+}
+
+}  // namespace

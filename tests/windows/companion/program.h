@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "companion/owned_handle.h"
+
+// A program that runs beside the test. What it prints goes into a file.
+class Program {
+ public:
+  Program() = default;
+  // Ends the program if it still runs.
+  ~Program();
+  Program(const Program&) = delete;
+  Program& operator=(const Program&) = delete;
+
+  bool Start(const std::filesystem::path& path, const std::vector<std::string>& arguments,
+             const std::filesystem::path& output);
+  // The exit code; nothing when the program still runs after `timeoutMs`.
+  std::optional<std::uint32_t> Wait(std::uint32_t timeoutMs = 30000);
+  void CloseInput() { input_.Reset(); }
+  std::string Output() const;
+
+ private:
+  bench::OwnedHandle process_;
+  bench::OwnedHandle input_;
+  std::filesystem::path output_;
+};
+
+// The value of a --name=value on the test's command line; fails the test when there is none.
+std::string TestArgument(const std::string& name);
+
+// A folder for one test, empty at first and gone afterwards.
+class TestFolder {
+ public:
+  TestFolder();
+  ~TestFolder();
+  TestFolder(const TestFolder&) = delete;
+  TestFolder& operator=(const TestFolder&) = delete;
+
+  std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
+  std::string Write(const std::string& name, const std::string& text) const;
+
+ private:
+  std::filesystem::path path_;
+};

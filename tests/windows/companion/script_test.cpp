@@ -1,0 +1,55 @@
+#include "script.h"
+
+#include <gtest/gtest.h>
+
+#include "companion/controller_record.h"
+#include "controller_step.h"
+
+namespace bench {
+namespace {
+
+TEST(Script, ReadsItsStepsInOrder) {
+  const Script script = ParseScript(R"({"steps": [{"do": "recenter"}, {"do": "sleep", "seconds": 2}]})");
+  ASSERT_EQ(script.steps.size(), 2U);
+  EXPECT_EQ(script.steps[1].at("do"), "sleep");
+}
+
+TEST(Script, AnUnknownStepIsFoundBeforeItIsPlayed) {
+  EXPECT_THROW(ParseScript(R"({"steps": [{"do": "dance"}]})"), std::runtime_error);
+}
+
+TEST(Script, AnUnknownArgumentIsFoundBeforeItIsPlayed) {
+  EXPECT_THROW(ParseScript(R"({"steps": [{"do": "sleep", "second": 2}]})"), std::runtime_error);
+}
+
+TEST(Script, StepsInsideStepsAreLookedAtAsWell) {
+  EXPECT_THROW(ParseScript(R"({"steps": [{"do": "repeat", "steps": [{"do": "dance"}]}]})"), std::runtime_error);
+  EXPECT_THROW(ParseScript(R"({"steps": [{"do": "together", "tracks": [[{"do": "dance"}]]}]})"), std::runtime_error);
+}
+
+TEST(Script, BytesAreReadFromHexadecimalPairs) {
+  EXPECT_EQ(ParseHex("0a 0B\nff00"), (Bytes{0x0A, 0x0B, 0xFF, 0x00}));
+  EXPECT_THROW(ParseHex("0"), std::runtime_error);
+  EXPECT_THROW(ParseHex("0g"), std::runtime_error);
+}
+
+TEST(Script, AControllerStepBecomesARecord) {
+  const ControllerRecord record = ParseController(nlohmann::json::parse(
+      R"({"do": "controller", "id": 3, "state": 1, "pressed": ["grip", "trigger", 7], "touched": ["trackpad"],
+          "trackpad": [0.5, -0.25], "trigger": 0.75, "position": [1, 2, 3], "velocity": [4, 5, 6]})"));
+  EXPECT_EQ(record.controllerId, 3U);
+  EXPECT_EQ(record.trackingState, 1U);
+  EXPECT_EQ(record.pressedButtons, (1ULL << 2) | (1ULL << 33) | (1ULL << 7));
+  EXPECT_EQ(record.touchedButtons, 1ULL << 32);
+  EXPECT_EQ(record.axes[0].y, -0.25F);
+  EXPECT_EQ(record.axes[1].x, 0.75F);
+  EXPECT_EQ(record.pose[11], 3.0F);
+  EXPECT_EQ(record.velocity[2], 6.0);
+}
+
+TEST(Script, AnUnknownButtonIsAnError) {
+  EXPECT_THROW(ParseController(nlohmann::json::parse(R"({"id": 3, "pressed": ["nose"]})")), std::runtime_error);
+}
+
+}  // namespace
+}  // namespace bench
