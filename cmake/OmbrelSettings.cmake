@@ -21,9 +21,10 @@ if(MSVC)
   set(CMAKE_MSVC_RUNTIME_LIBRARY "MultiThreaded$<$<CONFIG:Debug>:Debug>")
   add_compile_options(/utf-8 /permissive- /Zc:__cplusplus)
 endif()
-# MSVC has its own definition of _CRT_SECURE_NO_WARNINGS; MinGW's printf must follow the C standard.
 if(MINGW)
+  # printf and its kin as the C standard has them, not as the old msvcrt.dll does.
   add_compile_definitions(__USE_MINGW_ANSI_STDIO=1)
+  # The compiler's runtime goes into each program and into the DLL.
   add_link_options(-static)
 endif()
 

@@ -26,16 +26,19 @@ HMDDriver::HMDDriver(std::unique_ptr<IFrameRenderer> renderer)
   RaiseTimerResolution();
   core_.SetUp();
   core_.Renderer().CreateDevice();
-  core_.Client().AddListener(static_cast<ITrackingUpdatedListener*>(this));
-  core_.Client().AddListener(static_cast<IFramerateUpdatedListener*>(this));
-  // Behind the headset: a pose goes to the runtime before anybody waits for the frame gate.
-  core_.Client().AddListener(static_cast<ITrackingUpdatedListener*>(&core_));
   if (Context().Settings() != nullptr) {
     Log("Using settings values\n");
     ApplySettings();
   }
   PublishPose();
   LogConfiguration();
+}
+
+void HMDDriver::ListenToLink() {
+  core_.Client().AddListener(static_cast<ITrackingUpdatedListener*>(this));
+  core_.Client().AddListener(static_cast<IFramerateUpdatedListener*>(this));
+  // Behind the headset: a pose goes to the runtime before anybody waits for the frame gate.
+  core_.Client().AddListener(static_cast<ITrackingUpdatedListener*>(&core_));
 }
 
 void HMDDriver::ApplySettings() {

@@ -12,7 +12,9 @@ namespace ombrel {
 class HMDDriverVirtual final : public HMDDriver, public VirtualDisplayComponent {
  public:
   explicit HMDDriverVirtual(std::unique_ptr<IFrameRenderer> renderer)
-      : HMDDriver(std::move(renderer)), VirtualDisplayComponent(Core(), Host()) {}
+      : HMDDriver(std::move(renderer)), VirtualDisplayComponent(Core(), Host()) {
+    ListenToLink();
+  }
 
   void* GetComponent(const char* pchComponentNameAndVersion) override;
 };
