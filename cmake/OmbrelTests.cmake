@@ -21,6 +21,7 @@ function(ombrel_add_test name)
   endif()
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE ombrel_warnings GTest::gmock_main Threads::Threads ${arg_DEPENDS})
+  ombrel_quick_to_build(${name})
   add_test(NAME ${name} COMMAND ${name} ${arg_ARGS})
   set_tests_properties(${name} PROPERTIES
     LABELS "${arg_LABEL}" TIMEOUT ${arg_TIMEOUT} ENVIRONMENT "${arg_ENVIRONMENT}")

@@ -81,7 +81,7 @@ start_display() {
 
 stop_what_was_started() {
   if [ -d "$wine_prefix" ]; then
-    WINEPREFIX=$wine_prefix /usr/lib/wine/wineserver -k || true
+    WINEPREFIX=$wine_prefix /usr/lib/wine/wineserver -k 2>/dev/null || true
   fi
   if [ -n "$display_pid" ]; then
     kill "$display_pid" || true

@@ -5,6 +5,9 @@ set -euo pipefail
 # shellcheck source=tools/lib.sh
 . "$(dirname "$0")/lib.sh"
 
+# Programs whose tests start threads.
+threaded=(context_test platform_test link_test link_threads_test render_test)
+
 passed=0 failed=0 skipped=0
 
 # run_tests PRESET [ctest option...]: shows results as they come, and the output of what failed.
@@ -28,8 +31,8 @@ start_display
 
 build host-asan
 run_tests host-asan -j "$(nproc)"
-build host-tsan
-run_tests host-tsan -L native
+build host-tsan "${threaded[@]}"
+run_tests host-tsan -R "^($(IFS='|' && echo "${threaded[*]}"))\$"
 build mingw-release
 run_tests mingw-release
 

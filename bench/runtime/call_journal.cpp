@@ -11,7 +11,7 @@ namespace bench {
 namespace {
 
 // Replaces bytes that are no UTF-8: a driver may log anything, and a record must not be lost for it.
-std::string JsonLine(const JournalEntry &entry) {
+std::string JsonLine(const JournalEntry& entry) {
   const nlohmann::ordered_json line = {{"sequence", entry.sequence},
                                        {"ticks", entry.ticks},
                                        {"thread", entry.threadId},
@@ -20,7 +20,7 @@ std::string JsonLine(const JournalEntry &entry) {
   return line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
 }
 
-} // namespace
+}  // namespace
 
 void CallJournal::Append(std::string call, nlohmann::ordered_json arguments) {
   {
@@ -31,7 +31,8 @@ void CallJournal::Append(std::string call, nlohmann::ordered_json arguments) {
     } else {
       ++counter->second;
     }
-    entries_.push_back({nextSequence_++, runtime::NowTicks(), GetCurrentThreadId(), std::move(call), std::move(arguments)});
+    entries_.push_back(
+        {nextSequence_++, runtime::NowTicks(), GetCurrentThreadId(), std::move(call), std::move(arguments)});
     if (recording_.is_open()) {
       recording_ << JsonLine(entries_.back()) << '\n';
     }
@@ -50,14 +51,15 @@ std::vector<JournalEntry> CallJournal::Entries() const {
 std::vector<JournalEntry> CallJournal::EntriesOf(std::string_view call) const {
   const std::lock_guard lock(mutex_);
   std::vector<JournalEntry> found;
-  std::ranges::copy_if(entries_, std::back_inserter(found), [call](const JournalEntry &entry) { return entry.call == call; });
+  std::ranges::copy_if(entries_, std::back_inserter(found),
+                       [call](const JournalEntry& entry) { return entry.call == call; });
   return found;
 }
 
 std::vector<std::string> CallJournal::Calls(std::string_view prefix) const {
   const std::lock_guard lock(mutex_);
   std::vector<std::string> names;
-  for (const JournalEntry &entry : entries_) {
+  for (const JournalEntry& entry : entries_) {
     if (entry.call.starts_with(prefix)) {
       names.push_back(entry.call);
     }
@@ -85,7 +87,7 @@ void CallJournal::LimitMemory(std::size_t entries) {
   }
 }
 
-void CallJournal::RecordTo(const std::filesystem::path &file) {
+void CallJournal::RecordTo(const std::filesystem::path& file) {
   const std::lock_guard lock(mutex_);
   recording_.open(file, std::ios::binary | std::ios::trunc);
   if (!recording_) {
@@ -103,4 +105,4 @@ bool CallJournal::WaitForNewerThan(std::uint64_t sequence, std::chrono::steady_c
   return appended_.wait_until(lock, deadline, [&] { return nextSequence_ != sequence; });
 }
 
-} // namespace bench
+}  // namespace bench

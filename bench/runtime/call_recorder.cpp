@@ -2,12 +2,12 @@
 
 namespace bench {
 
-void CallRecorder::ThrowFrom(const std::string &call, int times) {
+void CallRecorder::ThrowFrom(const std::string& call, int times) {
   const std::lock_guard lock(mutex_);
   faults_[call] = times;
 }
 
-void CallRecorder::Enter(const std::string &call, nlohmann::ordered_json arguments) {
+void CallRecorder::Enter(const std::string& call, nlohmann::ordered_json arguments) {
   journal_.Append(call, std::move(arguments));
   const std::lock_guard lock(mutex_);
   const auto fault = faults_.find(call);
@@ -17,4 +17,4 @@ void CallRecorder::Enter(const std::string &call, nlohmann::ordered_json argumen
   }
 }
 
-} // namespace bench
+}  // namespace bench

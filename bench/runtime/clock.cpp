@@ -22,9 +22,7 @@ std::int64_t TicksPerSecond() {
   return frequency;
 }
 
-double TicksToSeconds(std::int64_t ticks) {
-  return static_cast<double>(ticks) / static_cast<double>(TicksPerSecond());
-}
+double TicksToSeconds(std::int64_t ticks) { return static_cast<double>(ticks) / static_cast<double>(TicksPerSecond()); }
 
 double TicksToMilliseconds(std::int64_t ticks) { return TicksToSeconds(ticks) * 1000.0; }
 
@@ -40,4 +38,4 @@ void SleepUntilTicks(std::int64_t deadlineTicks) {
   }
 }
 
-} // namespace bench::runtime
+}  // namespace bench::runtime

@@ -14,23 +14,26 @@ constexpr float kNearMeters = 0.1F;
 constexpr float kFarMeters = 50.0F;
 constexpr double kFallbackHertz = 60.0;
 
-vr::IVRDisplayComponent &DisplayOf(const ActiveDevice &headset) {
-  void *display = headset.added.driver->GetComponent(vr::IVRDisplayComponent_Version);
+vr::IVRDisplayComponent& DisplayOf(const ActiveDevice& headset) {
+  void* display = headset.added.driver->GetComponent(vr::IVRDisplayComponent_Version);
   if (display == nullptr) {
     throw std::runtime_error("the headset has no display component");
   }
-  return *static_cast<vr::IVRDisplayComponent *>(display);
+  return *static_cast<vr::IVRDisplayComponent*>(display);
 }
 
-} // namespace
+}  // namespace
 
 std::uint32_t MissedIntervals(std::int64_t gapTicks, std::int64_t periodTicks) {
   const double intervals = std::round(static_cast<double>(gapTicks) / static_cast<double>(periodTicks));
   return intervals > 1.0 ? static_cast<std::uint32_t>(intervals) - 1 : 0;
 }
 
-Compositor::Compositor(FakeRuntime &runtime, const ActiveDevice &headset, FramePainter &painter)
-    : runtime_(runtime), headset_(headset), painter_(painter), geometry_(ReadDisplayGeometry(DisplayOf(headset))),
+Compositor::Compositor(FakeRuntime& runtime, const ActiveDevice& headset, FramePainter& painter)
+    : runtime_(runtime),
+      headset_(headset),
+      painter_(painter),
+      geometry_(ReadDisplayGeometry(DisplayOf(headset))),
       ipdMeters_(runtime.Properties().Get<float>(headset.container, vr::Prop_UserIpdMeters_Float).value_or(0.0F)) {}
 
 void Compositor::Join() {
@@ -47,7 +50,7 @@ std::int64_t Compositor::PeriodTicks(double hertz) const {
   return runtime::SecondsToTicks(1.0 / (hertz > 0.0 ? hertz : kFallbackHertz));
 }
 
-EyeView Compositor::ViewOf(vr::EVREye eye, const runtime::PoseMatrix &head) const {
+EyeView Compositor::ViewOf(vr::EVREye eye, const runtime::PoseMatrix& head) const {
   EyeView view;
   view.eye = eye;
   view.worldFromEye = runtime::Multiply(head, HeadFromEye(eye, ipdMeters_));
@@ -67,7 +70,7 @@ FrameReport Compositor::RunFrame() {
     report.missedIntervals = MissedIntervals(report.presentTicks - lastPresentTicks_, PeriodTicks(hertz_));
   }
   lastPresentTicks_ = report.presentTicks;
-  if (!StopRequested()) { // a stopping runtime may already be cleaning the driver up
+  if (!StopRequested()) {  // a stopping runtime may already be cleaning the driver up
     AfterPresent(report);
   }
   if (listener_) {
@@ -94,7 +97,7 @@ void Compositor::Start(double hertz) {
     std::string failure;
     try {
       Run(hertz);
-    } catch (const std::exception &error) {
+    } catch (const std::exception& error) {
       failure = error.what();
     }
     const std::lock_guard lock(mutex_);
@@ -116,4 +119,4 @@ std::string Compositor::Failure() const {
   return failure_;
 }
 
-} // namespace bench
+}  // namespace bench

@@ -13,30 +13,32 @@ constexpr DXGI_FORMAT kEyeFormat = DXGI_FORMAT_R8G8B8A8_UNORM;
 constexpr std::chrono::milliseconds kSyncTimeout(2000);
 constexpr vr::VRTextureBounds_t kWholeTexture = {0.0F, 0.0F, 1.0F, 1.0F};
 
-} // namespace
+}  // namespace
 
-vr::IVRDriverDirectModeComponent &DirectModeOf(const ActiveDevice &headset) {
-  void *component = headset.added.driver->GetComponent(vr::IVRDriverDirectModeComponent_Version);
+vr::IVRDriverDirectModeComponent& DirectModeOf(const ActiveDevice& headset) {
+  void* component = headset.added.driver->GetComponent(vr::IVRDriverDirectModeComponent_Version);
   if (component == nullptr) {
     throw std::runtime_error("the headset has no direct-mode component");
   }
-  return *static_cast<vr::IVRDriverDirectModeComponent *>(component);
+  return *static_cast<vr::IVRDriverDirectModeComponent*>(component);
 }
 
-DirectCompositor::DirectCompositor(FakeRuntime &runtime, const ActiveDevice &headset, FramePainter &painter,
-                                   const Microsoft::WRL::ComPtr<ID3D11Device> &device)
-    : Compositor(runtime, headset, painter), component_(DirectModeOf(headset)), sync_(*device.Get(), 4, 4, kEyeFormat),
+DirectCompositor::DirectCompositor(FakeRuntime& runtime, const ActiveDevice& headset, FramePainter& painter,
+                                   const Microsoft::WRL::ComPtr<ID3D11Device>& device)
+    : Compositor(runtime, headset, painter),
+      component_(DirectModeOf(headset)),
+      sync_(*device.Get(), 4, 4, kEyeFormat),
       eyes_{CreateSwapSet(*device.Get()), CreateSwapSet(*device.Get())} {}
 
-DirectCompositor::SwapSet DirectCompositor::CreateSwapSet(ID3D11Device &device) {
-  const vr::IVRDriverDirectModeComponent::SwapTextureSetDesc_t description = {Geometry().renderWidth, Geometry().renderHeight,
-                                                                             kEyeFormat, 1};
+DirectCompositor::SwapSet DirectCompositor::CreateSwapSet(ID3D11Device& device) {
+  const vr::IVRDriverDirectModeComponent::SwapTextureSetDesc_t description = {Geometry().renderWidth,
+                                                                              Geometry().renderHeight, kEyeFormat, 1};
   vr::SharedTextureHandle_t handles[3] = {};
   component_.CreateSwapTextureSet(GetCurrentProcessId(), &description, &handles);
   SwapSet set;
   for (std::size_t index = 0; index < set.handles.size(); ++index) {
     set.handles[index] = handles[index];
-    const auto handle = reinterpret_cast<HANDLE>(handles[index]); // NOLINT(performance-no-int-to-ptr)
+    const auto handle = reinterpret_cast<HANDLE>(handles[index]);  // NOLINT(performance-no-int-to-ptr)
     RequireOk(device.OpenSharedResource(handle, IID_PPV_ARGS(&set.textures[index])), "opening a swap texture");
     RequireOk(device.CreateRenderTargetView(set.textures[index].Get(), nullptr, &set.targets[index]),
               "making a swap texture's target");
@@ -45,13 +47,13 @@ DirectCompositor::SwapSet DirectCompositor::CreateSwapSet(ID3D11Device &device) 
 }
 
 void DirectCompositor::DestroySwapSets() {
-  for (const SwapSet &set : eyes_) {
+  for (const SwapSet& set : eyes_) {
     component_.DestroySwapTextureSet(set.handles[0]);
   }
 }
 
-void DirectCompositor::PaintEye(vr::EVREye eye, std::uint32_t index, const runtime::PoseMatrix &head) {
-  SwapSet &set = eyes_[static_cast<std::size_t>(eye)];
+void DirectCompositor::PaintEye(vr::EVREye eye, std::uint32_t index, const runtime::PoseMatrix& head) {
+  SwapSet& set = eyes_[static_cast<std::size_t>(eye)];
   EyeView view = ViewOf(eye, head);
   view.target = set.targets.at(index).Get();
   view.targetWidth = Geometry().renderWidth;
@@ -61,7 +63,7 @@ void DirectCompositor::PaintEye(vr::EVREye eye, std::uint32_t index, const runti
   RequireOk(PublishSharedTexture(set.textures.at(index).Get()), "publishing a swap texture");
 }
 
-void DirectCompositor::HandOver(FrameReport &report) {
+void DirectCompositor::HandOver(FrameReport& report) {
   vr::SharedTextureHandle_t handles[2] = {eyes_[0].handles.at(indices_[0]), eyes_[1].handles.at(indices_[1])};
   std::uint32_t indices[2] = {indices_[0], indices_[1]};
   component_.GetNextSwapTextureSetIndex(handles, &indices);
@@ -86,11 +88,11 @@ void DirectCompositor::HandOver(FrameReport &report) {
   report.presentedTicks = runtime::NowTicks();
 }
 
-void DirectCompositor::AfterPresent(const FrameReport &) {
+void DirectCompositor::AfterPresent(const FrameReport&) {
   component_.PostPresent();
   vr::DriverDirectMode_FrameTiming timing{};
   timing.m_nSize = sizeof timing;
   component_.GetFrameTiming(&timing);
 }
 
-} // namespace bench
+}  // namespace bench

@@ -2,20 +2,20 @@
 
 namespace bench {
 
-DisplayGeometry ReadDisplayGeometry(vr::IVRDisplayComponent &display) {
+DisplayGeometry ReadDisplayGeometry(vr::IVRDisplayComponent& display) {
   DisplayGeometry geometry;
   display.GetWindowBounds(&geometry.windowX, &geometry.windowY, &geometry.windowWidth, &geometry.windowHeight);
   display.GetRecommendedRenderTargetSize(&geometry.renderWidth, &geometry.renderHeight);
   for (const vr::EVREye eye : {vr::Eye_Left, vr::Eye_Right}) {
-    EyeGeometry &of = geometry.eyes[static_cast<std::size_t>(eye)];
+    EyeGeometry& of = geometry.eyes[static_cast<std::size_t>(eye)];
     display.GetEyeOutputViewport(eye, &of.x, &of.y, &of.width, &of.height);
-    ProjectionTangents &tangents = of.projection;
+    ProjectionTangents& tangents = of.projection;
     display.GetProjectionRaw(eye, &tangents.left, &tangents.right, &tangents.top, &tangents.bottom);
   }
   return geometry;
 }
 
-vr::HmdMatrix44_t ProjectionMatrix(const ProjectionTangents &tangents, float nearMeters, float farMeters) {
+vr::HmdMatrix44_t ProjectionMatrix(const ProjectionTangents& tangents, float nearMeters, float farMeters) {
   const float perWidth = 1.0F / (tangents.right - tangents.left);
   const float perHeight = 1.0F / (tangents.bottom - tangents.top);
   const float perDepth = 1.0F / (farMeters - nearMeters);
@@ -31,4 +31,4 @@ runtime::PoseMatrix HeadFromEye(vr::EVREye eye, float ipdMeters) {
   return pose;
 }
 
-} // namespace bench
+}  // namespace bench

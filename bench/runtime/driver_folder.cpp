@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::string_view kLibraryPrefix = "driver_";
 
-std::string NameOfFolder(const std::filesystem::path &folder) {
+std::string NameOfFolder(const std::filesystem::path& folder) {
   std::ifstream stream(folder / "driver.vrdrivermanifest", std::ios::binary);
   if (stream) {
     const nlohmann::json manifest = nlohmann::json::parse(stream, nullptr, false);
@@ -21,20 +21,20 @@ std::string NameOfFolder(const std::filesystem::path &folder) {
   return std::filesystem::weakly_canonical(folder).filename().string();
 }
 
-std::string NameOfLibrary(const std::filesystem::path &library) {
+std::string NameOfLibrary(const std::filesystem::path& library) {
   const std::string stem = library.stem().string();
   return stem.starts_with(kLibraryPrefix) ? stem.substr(kLibraryPrefix.size()) : stem;
 }
 
-std::filesystem::path RootOfLibrary(const std::filesystem::path &library) {
+std::filesystem::path RootOfLibrary(const std::filesystem::path& library) {
   const std::filesystem::path platform = library.parent_path();
   const bool installed = platform.filename() == "win64" && platform.parent_path().filename() == "bin";
   return installed ? platform.parent_path().parent_path() : std::filesystem::path();
 }
 
-} // namespace
+}  // namespace
 
-DriverFolder FindDriver(const std::filesystem::path &path) {
+DriverFolder FindDriver(const std::filesystem::path& path) {
   DriverFolder driver;
   if (std::filesystem::is_directory(path)) {
     driver.root = path;
@@ -55,4 +55,4 @@ DriverFolder FindDriver(const std::filesystem::path &path) {
   return driver;
 }
 
-} // namespace bench
+}  // namespace bench

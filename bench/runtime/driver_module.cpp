@@ -8,7 +8,7 @@
 
 namespace bench {
 
-DriverModule::DriverModule(const std::filesystem::path &library, const std::function<void(Module)> &afterLoad)
+DriverModule::DriverModule(const std::filesystem::path& library, const std::function<void(Module)>& afterLoad)
     : module_(LoadLibraryW(library.wstring().c_str())) {
   if (module_ == nullptr) {
     throw std::runtime_error("cannot load " + library.string() + ", error " + std::to_string(GetLastError()));
@@ -17,8 +17,8 @@ DriverModule::DriverModule(const std::filesystem::path &library, const std::func
     if (afterLoad) {
       afterLoad(module_);
     }
-    factory_ = reinterpret_cast<Factory *>(
-        reinterpret_cast<void *>(GetProcAddress(static_cast<HMODULE>(module_), "HmdDriverFactory")));
+    factory_ = reinterpret_cast<Factory*>(
+        reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(module_), "HmdDriverFactory")));
     if (factory_ == nullptr) {
       throw std::runtime_error(library.string() + " does not export HmdDriverFactory");
     }
@@ -30,14 +30,14 @@ DriverModule::DriverModule(const std::filesystem::path &library, const std::func
 
 DriverModule::~DriverModule() { Unload(); }
 
-vr::IServerTrackedDeviceProvider &DriverModule::Provider() const {
+vr::IServerTrackedDeviceProvider& DriverModule::Provider() const {
   int code = 0;
-  void *provider = factory_ != nullptr ? factory_(vr::IServerTrackedDeviceProvider_Version, &code) : nullptr;
+  void* provider = factory_ != nullptr ? factory_(vr::IServerTrackedDeviceProvider_Version, &code) : nullptr;
   if (provider == nullptr) {
     throw std::runtime_error("the driver has no " + std::string(vr::IServerTrackedDeviceProvider_Version) + ", code " +
                              std::to_string(code));
   }
-  return *static_cast<vr::IServerTrackedDeviceProvider *>(provider);
+  return *static_cast<vr::IServerTrackedDeviceProvider*>(provider);
 }
 
 void DriverModule::Unload() {
@@ -47,4 +47,4 @@ void DriverModule::Unload() {
   }
 }
 
-} // namespace bench
+}  // namespace bench

@@ -7,18 +7,19 @@ namespace {
 
 constexpr vr::VRInputComponentHandle_t kFirstHandle = 0x300000001;
 
-std::string Text(const char *text) { return text != nullptr ? text : ""; }
+std::string Text(const char* text) { return text != nullptr ? text : ""; }
 
-} // namespace
+}  // namespace
 
 std::vector<InputComponent> FakeDriverInput::Components() const {
   const std::lock_guard lock(mutex_);
   return components_;
 }
 
-std::optional<InputComponent> FakeDriverInput::Find(vr::PropertyContainerHandle_t container, const std::string &path) const {
+std::optional<InputComponent> FakeDriverInput::Find(vr::PropertyContainerHandle_t container,
+                                                    const std::string& path) const {
   const std::lock_guard lock(mutex_);
-  const auto found = std::ranges::find_if(components_, [&](const InputComponent &component) {
+  const auto found = std::ranges::find_if(components_, [&](const InputComponent& component) {
     return component.container == container && component.path == path;
   });
   return found == components_.end() ? std::nullopt : std::optional(*found);
@@ -29,14 +30,16 @@ std::vector<InputUpdate> FakeDriverInput::Updates() const {
   return updates_;
 }
 
-std::vector<InputUpdate> FakeDriverInput::Updates(const std::string &path) const {
+std::vector<InputUpdate> FakeDriverInput::Updates(const std::string& path) const {
   const std::lock_guard lock(mutex_);
   std::vector<InputUpdate> found;
-  std::ranges::copy_if(updates_, std::back_inserter(found), [&](const InputUpdate &update) { return update.path == path; });
+  std::ranges::copy_if(updates_, std::back_inserter(found),
+                       [&](const InputUpdate& update) { return update.path == path; });
   return found;
 }
 
-std::optional<InputUpdate> FakeDriverInput::Latest(vr::PropertyContainerHandle_t container, const std::string &path) const {
+std::optional<InputUpdate> FakeDriverInput::Latest(vr::PropertyContainerHandle_t container,
+                                                   const std::string& path) const {
   const auto component = Find(container, path);
   if (!component) {
     return std::nullopt;
@@ -46,12 +49,13 @@ std::optional<InputUpdate> FakeDriverInput::Latest(vr::PropertyContainerHandle_t
   return found == latest_.end() ? std::nullopt : std::optional(found->second);
 }
 
-std::optional<bool> FakeDriverInput::BoolValue(vr::PropertyContainerHandle_t container, const std::string &path) const {
+std::optional<bool> FakeDriverInput::BoolValue(vr::PropertyContainerHandle_t container, const std::string& path) const {
   const auto update = Latest(container, path);
   return update ? std::optional(update->boolValue) : std::nullopt;
 }
 
-std::optional<float> FakeDriverInput::ScalarValue(vr::PropertyContainerHandle_t container, const std::string &path) const {
+std::optional<float> FakeDriverInput::ScalarValue(vr::PropertyContainerHandle_t container,
+                                                  const std::string& path) const {
   const auto update = Latest(container, path);
   return update ? std::optional(update->scalarValue) : std::nullopt;
 }
@@ -61,17 +65,19 @@ void FakeDriverInput::LimitMemory(std::size_t updates) {
   memoryLimit_ = updates;
 }
 
-void FakeDriverInput::FailCreate(const std::string &path, vr::EVRInputError error, vr::VRInputComponentHandle_t handle) {
+void FakeDriverInput::FailCreate(const std::string& path, vr::EVRInputError error,
+                                 vr::VRInputComponentHandle_t handle) {
   const std::lock_guard lock(mutex_);
   createFailures_[path] = {error, handle};
 }
 
-void FakeDriverInput::FailUpdate(const std::string &path, vr::EVRInputError error) {
+void FakeDriverInput::FailUpdate(const std::string& path, vr::EVRInputError error) {
   const std::lock_guard lock(mutex_);
   updateFailures_[path] = error;
 }
 
-vr::EVRInputError FakeDriverInput::Create(const char *method, InputComponent component, vr::VRInputComponentHandle_t *handle) {
+vr::EVRInputError FakeDriverInput::Create(const char* method, InputComponent component,
+                                          vr::VRInputComponentHandle_t* handle) {
   recorder_.Enter(std::string("IVRDriverInput.") + method, {{"container", component.container},
                                                             {"path", component.path},
                                                             {"type", static_cast<int>(component.scalarType)},
@@ -88,7 +94,7 @@ vr::EVRInputError FakeDriverInput::Create(const char *method, InputComponent com
     *handle = vr::k_ulInvalidInputComponentHandle;
     return vr::VRInputError_InvalidHandle;
   }
-  const auto existing = std::ranges::find_if(components_, [&](const InputComponent &other) {
+  const auto existing = std::ranges::find_if(components_, [&](const InputComponent& other) {
     return other.container == component.container && other.path == component.path;
   });
   if (existing != components_.end()) {
@@ -117,11 +123,12 @@ vr::EVRInputError FakeDriverInput::Update(InputUpdate update) {
       latest_[update.handle] = update;
     }
     updates_.push_back(update);
-    if (updates_.size() / 2 > memoryLimit_) { // rarely, so that trimming costs little
+    if (updates_.size() / 2 > memoryLimit_) {  // rarely, so that trimming costs little
       updates_.erase(updates_.begin(), updates_.end() - static_cast<std::ptrdiff_t>(memoryLimit_));
     }
   }
-  nlohmann::ordered_json arguments = {{"component", update.handle}, {"path", update.path}, {"offset", update.timeOffset}};
+  nlohmann::ordered_json arguments = {
+      {"component", update.handle}, {"path", update.path}, {"offset", update.timeOffset}};
   if (update.kind == InputKind::Boolean) {
     arguments["value"] = update.boolValue;
     recorder_.Enter("IVRDriverInput.UpdateBooleanComponent", std::move(arguments));
@@ -132,8 +139,8 @@ vr::EVRInputError FakeDriverInput::Update(InputUpdate update) {
   return update.result;
 }
 
-vr::EVRInputError FakeDriverInput::CreateBooleanComponent(vr::PropertyContainerHandle_t ulContainer, const char *pchName,
-                                                          vr::VRInputComponentHandle_t *pHandle) {
+vr::EVRInputError FakeDriverInput::CreateBooleanComponent(vr::PropertyContainerHandle_t ulContainer,
+                                                          const char* pchName, vr::VRInputComponentHandle_t* pHandle) {
   return Create("CreateBooleanComponent", {0, ulContainer, Text(pchName), InputKind::Boolean, {}, {}}, pHandle);
 }
 
@@ -142,8 +149,8 @@ vr::EVRInputError FakeDriverInput::UpdateBooleanComponent(vr::VRInputComponentHa
   return Update({ulComponent, {}, InputKind::Boolean, bNewValue, 0.0F, fTimeOffset, {}});
 }
 
-vr::EVRInputError FakeDriverInput::CreateScalarComponent(vr::PropertyContainerHandle_t ulContainer, const char *pchName,
-                                                         vr::VRInputComponentHandle_t *pHandle, vr::EVRScalarType eType,
+vr::EVRInputError FakeDriverInput::CreateScalarComponent(vr::PropertyContainerHandle_t ulContainer, const char* pchName,
+                                                         vr::VRInputComponentHandle_t* pHandle, vr::EVRScalarType eType,
                                                          vr::EVRScalarUnits eUnits) {
   return Create("CreateScalarComponent", {0, ulContainer, Text(pchName), InputKind::Scalar, eType, eUnits}, pHandle);
 }
@@ -153,19 +160,20 @@ vr::EVRInputError FakeDriverInput::UpdateScalarComponent(vr::VRInputComponentHan
   return Update({ulComponent, {}, InputKind::Scalar, false, fNewValue, fTimeOffset, {}});
 }
 
-vr::EVRInputError FakeDriverInput::CreateHapticComponent(vr::PropertyContainerHandle_t ulContainer, const char *pchName,
-                                                         vr::VRInputComponentHandle_t *pHandle) {
+vr::EVRInputError FakeDriverInput::CreateHapticComponent(vr::PropertyContainerHandle_t ulContainer, const char* pchName,
+                                                         vr::VRInputComponentHandle_t* pHandle) {
   return Create("CreateHapticComponent", {0, ulContainer, Text(pchName), InputKind::Haptic, {}, {}}, pHandle);
 }
 
-vr::EVRInputError FakeDriverInput::CreateSkeletonComponent(vr::PropertyContainerHandle_t ulContainer, const char *pchName,
-                                                           const char *, const char *, const vr::VRBoneTransform_t *, uint32_t,
-                                                           vr::VRInputComponentHandle_t *pHandle) {
+vr::EVRInputError FakeDriverInput::CreateSkeletonComponent(vr::PropertyContainerHandle_t ulContainer,
+                                                           const char* pchName, const char*, const char*,
+                                                           const vr::VRBoneTransform_t*, uint32_t,
+                                                           vr::VRInputComponentHandle_t* pHandle) {
   return Create("CreateSkeletonComponent", {0, ulContainer, Text(pchName), InputKind::Skeleton, {}, {}}, pHandle);
 }
 
-vr::EVRInputError FakeDriverInput::UpdateSkeletonComponent(vr::VRInputComponentHandle_t ulComponent, const vr::VRBoneTransform_t *,
-                                                           uint32_t unTransformCount) {
+vr::EVRInputError FakeDriverInput::UpdateSkeletonComponent(vr::VRInputComponentHandle_t ulComponent,
+                                                           const vr::VRBoneTransform_t*, uint32_t unTransformCount) {
   recorder_.Enter("IVRDriverInput.UpdateSkeletonComponent", {{"component", ulComponent}, {"bones", unTransformCount}});
   const std::lock_guard lock(mutex_);
   const auto component = std::ranges::find(components_, ulComponent, &InputComponent::handle);
@@ -175,4 +183,4 @@ vr::EVRInputError FakeDriverInput::UpdateSkeletonComponent(vr::VRInputComponentH
   return component->kind == InputKind::Skeleton ? vr::VRInputError_None : vr::VRInputError_WrongType;
 }
 
-} // namespace bench
+}  // namespace bench

@@ -10,18 +10,18 @@ std::vector<std::string> FakeDriverLog::Lines() const {
   return lines_;
 }
 
-bool FakeDriverLog::Contains(const std::string &line) const {
+bool FakeDriverLog::Contains(const std::string& line) const {
   const std::lock_guard lock(mutex_);
   return std::ranges::find(lines_, line) != lines_.end();
 }
 
-void FakeDriverLog::EchoToStandardOutput(const std::string &prefix) {
+void FakeDriverLog::EchoToStandardOutput(const std::string& prefix) {
   const std::lock_guard lock(mutex_);
   echo_ = true;
   echoPrefix_ = prefix;
 }
 
-void FakeDriverLog::Log(const char *pchLogMessage) {
+void FakeDriverLog::Log(const char* pchLogMessage) {
   const std::string text = pchLogMessage != nullptr ? pchLogMessage : "";
   {
     // Kept before the journal announces it: who waits on the journal finds the line here.
@@ -35,4 +35,4 @@ void FakeDriverLog::Log(const char *pchLogMessage) {
   recorder_.Enter("IVRDriverLog.Log", {{"text", text}});
 }
 
-} // namespace bench
+}  // namespace bench

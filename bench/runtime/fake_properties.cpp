@@ -11,7 +11,7 @@ bool IsDeviceContainer(vr::PropertyContainerHandle_t container) {
   return container >= kFirstDeviceContainer && container < kFirstDeviceContainer + vr::k_unMaxTrackedDeviceCount;
 }
 
-nlohmann::ordered_json ToJson(const PropertyWriteRecord &write) {
+nlohmann::ordered_json ToJson(const PropertyWriteRecord& write) {
   nlohmann::ordered_json value;
   if (write.tag == vr::k_unStringPropertyTag) {
     value = write.AsString().value_or("");
@@ -33,20 +33,20 @@ nlohmann::ordered_json ToJson(const PropertyWriteRecord &write) {
           {"value", std::move(value)}};
 }
 
-PropertyWriteRecord ToRecord(vr::PropertyContainerHandle_t container, const vr::PropertyWrite_t &entry) {
+PropertyWriteRecord ToRecord(vr::PropertyContainerHandle_t container, const vr::PropertyWrite_t& entry) {
   PropertyWriteRecord record;
   record.container = container;
   record.property = entry.prop;
   record.tag = entry.unTag;
   record.writeType = entry.writeType;
   if (entry.pvBuffer != nullptr) {
-    const auto *bytes = static_cast<const std::uint8_t *>(entry.pvBuffer);
+    const auto* bytes = static_cast<const std::uint8_t*>(entry.pvBuffer);
     record.bytes.assign(bytes, bytes + entry.unBufferSize);
   }
   return record;
 }
 
-} // namespace
+}  // namespace
 
 std::optional<std::string> PropertyWriteRecord::AsString() const {
   if (bytes.empty() || bytes.back() != 0) {
@@ -68,7 +68,7 @@ std::vector<PropertyWriteRecord> FakeProperties::Writes(vr::PropertyContainerHan
   const std::lock_guard lock(mutex_);
   std::vector<PropertyWriteRecord> found;
   std::ranges::copy_if(writes_, std::back_inserter(found),
-                       [container](const PropertyWriteRecord &write) { return write.container == container; });
+                       [container](const PropertyWriteRecord& write) { return write.container == container; });
   return found;
 }
 
@@ -90,7 +90,7 @@ void FakeProperties::FailWrite(vr::ETrackedDeviceProperty property, vr::ETracked
   failures_[property] = error;
 }
 
-vr::ETrackedPropertyError FakeProperties::Store(const PropertyWriteRecord &write) {
+vr::ETrackedPropertyError FakeProperties::Store(const PropertyWriteRecord& write) {
   if (const auto failure = failures_.find(write.property); failure != failures_.end()) {
     return failure->second;
   }
@@ -106,7 +106,7 @@ vr::ETrackedPropertyError FakeProperties::Store(const PropertyWriteRecord &write
 }
 
 vr::ETrackedPropertyError FakeProperties::WritePropertyBatch(vr::PropertyContainerHandle_t ulContainerHandle,
-                                                             vr::PropertyWrite_t *pBatch, uint32_t unBatchEntryCount) {
+                                                             vr::PropertyWrite_t* pBatch, uint32_t unBatchEntryCount) {
   nlohmann::ordered_json entries = nlohmann::ordered_json::array();
   vr::ETrackedPropertyError first = vr::TrackedProp_Success;
   {
@@ -129,7 +129,7 @@ vr::ETrackedPropertyError FakeProperties::WritePropertyBatch(vr::PropertyContain
   return first;
 }
 
-vr::ETrackedPropertyError FakeProperties::ReadOne(vr::PropertyContainerHandle_t container, vr::PropertyRead_t &read) {
+vr::ETrackedPropertyError FakeProperties::ReadOne(vr::PropertyContainerHandle_t container, vr::PropertyRead_t& read) {
   if (!IsDeviceContainer(container)) {
     return vr::TrackedProp_InvalidDevice;
   }
@@ -147,7 +147,7 @@ vr::ETrackedPropertyError FakeProperties::ReadOne(vr::PropertyContainerHandle_t 
 }
 
 vr::ETrackedPropertyError FakeProperties::ReadPropertyBatch(vr::PropertyContainerHandle_t ulContainerHandle,
-                                                            vr::PropertyRead_t *pBatch, uint32_t unBatchEntryCount) {
+                                                            vr::PropertyRead_t* pBatch, uint32_t unBatchEntryCount) {
   recorder_.Enter("IVRProperties.ReadPropertyBatch", {{"container", ulContainerHandle}, {"count", unBatchEntryCount}});
   vr::ETrackedPropertyError first = vr::TrackedProp_Success;
   const std::lock_guard lock(mutex_);
@@ -158,13 +158,20 @@ vr::ETrackedPropertyError FakeProperties::ReadPropertyBatch(vr::PropertyContaine
   return first;
 }
 
-const char *FakeProperties::GetPropErrorNameFromEnum(vr::ETrackedPropertyError error) {
-  static constexpr const char *kNames[] = {
-      "TrackedProp_Success",          "TrackedProp_WrongDataType",       "TrackedProp_WrongDeviceClass",
-      "TrackedProp_BufferTooSmall",   "TrackedProp_UnknownProperty",     "TrackedProp_InvalidDevice",
-      "TrackedProp_CouldNotContactServer", "TrackedProp_ValueNotProvidedByDevice", "TrackedProp_StringExceedsMaximumLength",
-      "TrackedProp_NotYetAvailable",  "TrackedProp_PermissionDenied",    "TrackedProp_InvalidOperation",
-      "TrackedProp_CannotWriteToWildcards"};
+const char* FakeProperties::GetPropErrorNameFromEnum(vr::ETrackedPropertyError error) {
+  static constexpr const char* kNames[] = {"TrackedProp_Success",
+                                           "TrackedProp_WrongDataType",
+                                           "TrackedProp_WrongDeviceClass",
+                                           "TrackedProp_BufferTooSmall",
+                                           "TrackedProp_UnknownProperty",
+                                           "TrackedProp_InvalidDevice",
+                                           "TrackedProp_CouldNotContactServer",
+                                           "TrackedProp_ValueNotProvidedByDevice",
+                                           "TrackedProp_StringExceedsMaximumLength",
+                                           "TrackedProp_NotYetAvailable",
+                                           "TrackedProp_PermissionDenied",
+                                           "TrackedProp_InvalidOperation",
+                                           "TrackedProp_CannotWriteToWildcards"};
   const auto index = static_cast<std::size_t>(error);
   return index < std::size(kNames) ? kNames[index] : "Unknown property error";
 }
@@ -174,4 +181,4 @@ vr::PropertyContainerHandle_t FakeProperties::TrackedDeviceToPropertyContainer(v
   return ContainerOf(nDevice);
 }
 
-} // namespace bench
+}  // namespace bench

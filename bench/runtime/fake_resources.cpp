@@ -8,7 +8,7 @@
 
 namespace bench {
 
-std::filesystem::path FakeResources::Resolve(std::string name, const std::string &typeDirectory) const {
+std::filesystem::path FakeResources::Resolve(std::string name, const std::string& typeDirectory) const {
   const std::string prefix = "{" + driverName_ + "}/";
   if (name.starts_with(prefix)) {
     name.erase(0, prefix.size());
@@ -18,7 +18,7 @@ std::filesystem::path FakeResources::Resolve(std::string name, const std::string
   return std::filesystem::is_regular_file(path, ignored) ? path : std::filesystem::path();
 }
 
-uint32_t FakeResources::LoadSharedResource(const char *pchResourceName, char *pchBuffer, uint32_t unBufferLen) {
+uint32_t FakeResources::LoadSharedResource(const char* pchResourceName, char* pchBuffer, uint32_t unBufferLen) {
   const std::string name = pchResourceName != nullptr ? pchResourceName : "";
   recorder_.Enter("IVRResources.LoadSharedResource", {{"name", name}});
   std::ifstream stream(Resolve(name, ""), std::ios::binary);
@@ -29,8 +29,8 @@ uint32_t FakeResources::LoadSharedResource(const char *pchResourceName, char *pc
   return static_cast<uint32_t>(content.size());
 }
 
-uint32_t FakeResources::GetResourceFullPath(const char *pchResourceName, const char *pchResourceTypeDirectory,
-                                            char *pchPathBuffer, uint32_t unBufferLen) {
+uint32_t FakeResources::GetResourceFullPath(const char* pchResourceName, const char* pchResourceTypeDirectory,
+                                            char* pchPathBuffer, uint32_t unBufferLen) {
   const std::string name = pchResourceName != nullptr ? pchResourceName : "";
   const std::string type = pchResourceTypeDirectory != nullptr ? pchResourceTypeDirectory : "";
   recorder_.Enter("IVRResources.GetResourceFullPath", {{"name", name}, {"type", type}});
@@ -38,4 +38,4 @@ uint32_t FakeResources::GetResourceFullPath(const char *pchResourceName, const c
   return path.empty() ? 0 : CopyText(path.string(), pchPathBuffer, unBufferLen);
 }
 
-} // namespace bench
+}  // namespace bench

@@ -13,9 +13,11 @@ namespace {
 static_assert(sizeof(vr::DriverPose_t) == 280);
 static_assert(sizeof(vr::VREvent_t) == 48);
 
-nlohmann::ordered_json ToJson(const vr::HmdQuaternion_t &rotation) { return {rotation.w, rotation.x, rotation.y, rotation.z}; }
+nlohmann::ordered_json ToJson(const vr::HmdQuaternion_t& rotation) {
+  return {rotation.w, rotation.x, rotation.y, rotation.z};
+}
 
-nlohmann::ordered_json ToJson(uint32_t device, const vr::DriverPose_t &pose, uint32_t size) {
+nlohmann::ordered_json ToJson(uint32_t device, const vr::DriverPose_t& pose, uint32_t size) {
   return {{"device", device},
           {"size", size},
           {"rotation", ToJson(pose.qRotation)},
@@ -31,7 +33,7 @@ nlohmann::ordered_json ToJson(uint32_t device, const vr::DriverPose_t &pose, uin
           {"connected", pose.deviceIsConnected}};
 }
 
-vr::TrackedDevicePose_t ToTrackedPose(const vr::DriverPose_t &pose) {
+vr::TrackedDevicePose_t ToTrackedPose(const vr::DriverPose_t& pose) {
   vr::TrackedDevicePose_t tracked{};
   tracked.mDeviceToAbsoluteTracking = runtime::WorldFromHead(pose);
   for (int axis = 0; axis < 3; ++axis) {
@@ -44,7 +46,7 @@ vr::TrackedDevicePose_t ToTrackedPose(const vr::DriverPose_t &pose) {
   return tracked;
 }
 
-} // namespace
+}  // namespace
 
 std::vector<AddedDevice> FakeServerHost::Added() const {
   const std::lock_guard lock(mutex_);
@@ -56,12 +58,12 @@ std::vector<AddedDevice> FakeServerHost::TakePending() {
   return std::exchange(pending_, {});
 }
 
-void FakeServerHost::RefuseDevice(const std::string &serial) {
+void FakeServerHost::RefuseDevice(const std::string& serial) {
   const std::lock_guard lock(mutex_);
   refused_.insert(serial);
 }
 
-void FakeServerHost::PushEvent(const vr::VREvent_t &event) {
+void FakeServerHost::PushEvent(const vr::VREvent_t& event) {
   const std::lock_guard lock(mutex_);
   events_.push_back(event);
 }
@@ -103,8 +105,8 @@ vr::TrackedDeviceIndex_t FakeServerHost::NextIndex(vr::ETrackedDeviceClass devic
   return nextIndex_ < vr::k_unMaxTrackedDeviceCount ? nextIndex_++ : vr::k_unTrackedDeviceIndexInvalid;
 }
 
-bool FakeServerHost::TrackedDeviceAdded(const char *pchDeviceSerialNumber, vr::ETrackedDeviceClass eDeviceClass,
-                                        vr::ITrackedDeviceServerDriver *pDriver) {
+bool FakeServerHost::TrackedDeviceAdded(const char* pchDeviceSerialNumber, vr::ETrackedDeviceClass eDeviceClass,
+                                        vr::ITrackedDeviceServerDriver* pDriver) {
   AddedDevice device;
   device.serial = pchDeviceSerialNumber != nullptr ? pchDeviceSerialNumber : "";
   device.deviceClass = eDeviceClass;
@@ -120,12 +122,14 @@ bool FakeServerHost::TrackedDeviceAdded(const char *pchDeviceSerialNumber, vr::E
       pending_.push_back(device);
     }
   }
-  recorder_.Enter("IVRServerDriverHost.TrackedDeviceAdded",
-                  {{"serial", device.serial}, {"class", static_cast<int>(eDeviceClass)}, {"accepted", device.accepted}});
+  recorder_.Enter(
+      "IVRServerDriverHost.TrackedDeviceAdded",
+      {{"serial", device.serial}, {"class", static_cast<int>(eDeviceClass)}, {"accepted", device.accepted}});
   return device.accepted;
 }
 
-void FakeServerHost::TrackedDevicePoseUpdated(uint32_t unWhichDevice, const vr::DriverPose_t &newPose, uint32_t unPoseStructSize) {
+void FakeServerHost::TrackedDevicePoseUpdated(uint32_t unWhichDevice, const vr::DriverPose_t& newPose,
+                                              uint32_t unPoseStructSize) {
   PoseRecord record;
   record.ticks = runtime::NowTicks();
   record.threadId = GetCurrentThreadId();
@@ -146,7 +150,7 @@ void FakeServerHost::VsyncEvent(double vsyncTimeOffsetSeconds) {
   recorder_.Enter("IVRServerDriverHost.VsyncEvent", {{"offset", vsyncTimeOffsetSeconds}});
 }
 
-void FakeServerHost::VendorSpecificEvent(uint32_t unWhichDevice, vr::EVREventType eventType, const vr::VREvent_Data_t &,
+void FakeServerHost::VendorSpecificEvent(uint32_t unWhichDevice, vr::EVREventType eventType, const vr::VREvent_Data_t&,
                                          double eventTimeOffset) {
   recorder_.Enter("IVRServerDriverHost.VendorSpecificEvent",
                   {{"device", unWhichDevice}, {"type", static_cast<int>(eventType)}, {"offset", eventTimeOffset}});
@@ -158,7 +162,7 @@ bool FakeServerHost::IsExiting() {
   return exiting_;
 }
 
-bool FakeServerHost::PollNextEvent(vr::VREvent_t *pEvent, uint32_t uncbVREvent) {
+bool FakeServerHost::PollNextEvent(vr::VREvent_t* pEvent, uint32_t uncbVREvent) {
   bool delivered = false;
   uint32_t type = 0;
   {
@@ -172,13 +176,15 @@ bool FakeServerHost::PollNextEvent(vr::VREvent_t *pEvent, uint32_t uncbVREvent) 
       delivered = true;
     }
   }
-  if (delivered || uncbVREvent != sizeof(vr::VREvent_t)) { // an empty queue is asked on every frame: no news
-    recorder_.Enter("IVRServerDriverHost.PollNextEvent", {{"size", uncbVREvent}, {"delivered", delivered}, {"type", type}});
+  if (delivered || uncbVREvent != sizeof(vr::VREvent_t)) {  // an empty queue is asked on every frame: no news
+    recorder_.Enter("IVRServerDriverHost.PollNextEvent",
+                    {{"size", uncbVREvent}, {"delivered", delivered}, {"type", type}});
   }
   return delivered;
 }
 
-void FakeServerHost::GetRawTrackedDevicePoses(float fPredictedSecondsFromNow, vr::TrackedDevicePose_t *pTrackedDevicePoseArray,
+void FakeServerHost::GetRawTrackedDevicePoses(float fPredictedSecondsFromNow,
+                                              vr::TrackedDevicePose_t* pTrackedDevicePoseArray,
                                               uint32_t unTrackedDevicePoseArrayCount) {
   recorder_.Enter("IVRServerDriverHost.GetRawTrackedDevicePoses",
                   {{"predicted", fPredictedSecondsFromNow}, {"count", unTrackedDevicePoseArrayCount}});
@@ -188,8 +194,9 @@ void FakeServerHost::GetRawTrackedDevicePoses(float fPredictedSecondsFromNow, vr
   }
 }
 
-void FakeServerHost::TrackedDeviceDisplayTransformUpdated(uint32_t unWhichDevice, vr::HmdMatrix34_t, vr::HmdMatrix34_t) {
+void FakeServerHost::TrackedDeviceDisplayTransformUpdated(uint32_t unWhichDevice, vr::HmdMatrix34_t,
+                                                          vr::HmdMatrix34_t) {
   recorder_.Enter("IVRServerDriverHost.TrackedDeviceDisplayTransformUpdated", {{"device", unWhichDevice}});
 }
 
-} // namespace bench
+}  // namespace bench

@@ -8,23 +8,23 @@
 namespace bench {
 namespace {
 
-std::string Text(const char *text) { return text != nullptr ? text : ""; }
+std::string Text(const char* text) { return text != nullptr ? text : ""; }
 
-void Answer(vr::EVRSettingsError *target, vr::EVRSettingsError error) {
+void Answer(vr::EVRSettingsError* target, vr::EVRSettingsError error) {
   if (target != nullptr) {
     *target = error;
   }
 }
 
-void RequireSections(const nlohmann::json &sections, const std::string &origin) {
+void RequireSections(const nlohmann::json& sections, const std::string& origin) {
   const bool sound = sections.is_object() &&
-                     std::ranges::all_of(sections, [](const nlohmann::json &section) { return section.is_object(); });
+                     std::ranges::all_of(sections, [](const nlohmann::json& section) { return section.is_object(); });
   if (!sound) {
     throw std::runtime_error(origin + " is not an object of sections");
   }
 }
 
-nlohmann::json LoadSections(const std::filesystem::path &file) {
+nlohmann::json LoadSections(const std::filesystem::path& file) {
   std::ifstream stream(file, std::ios::binary);
   if (!stream) {
     throw std::runtime_error("cannot open the settings file " + file.string());
@@ -34,7 +34,7 @@ nlohmann::json LoadSections(const std::filesystem::path &file) {
   return sections;
 }
 
-const nlohmann::json *Find(const nlohmann::json &layer, const std::string &section, const std::string &key) {
+const nlohmann::json* Find(const nlohmann::json& layer, const std::string& section, const std::string& key) {
   const auto foundSection = layer.find(section);
   if (foundSection == layer.end()) {
     return nullptr;
@@ -43,17 +43,17 @@ const nlohmann::json *Find(const nlohmann::json &layer, const std::string &secti
   return foundKey == foundSection->end() ? nullptr : &*foundKey;
 }
 
-bool IsNumeric(const nlohmann::json &value) { return value.is_number() || value.is_boolean(); }
+bool IsNumeric(const nlohmann::json& value) { return value.is_number() || value.is_boolean(); }
 
-double Number(const nlohmann::json &value) {
+double Number(const nlohmann::json& value) {
   return value.is_boolean() ? (value.get<bool>() ? 1.0 : 0.0) : value.get<double>();
 }
 
-} // namespace
+}  // namespace
 
-void FakeSettings::LoadDefaults(const std::filesystem::path &file) { SetDefaults(LoadSections(file)); }
+void FakeSettings::LoadDefaults(const std::filesystem::path& file) { SetDefaults(LoadSections(file)); }
 
-void FakeSettings::LoadOverrides(const std::filesystem::path &file) { SetOverrides(LoadSections(file)); }
+void FakeSettings::LoadOverrides(const std::filesystem::path& file) { SetOverrides(LoadSections(file)); }
 
 void FakeSettings::SetDefaults(nlohmann::json sections) {
   RequireSections(sections, "the default settings");
@@ -67,24 +67,24 @@ void FakeSettings::SetOverrides(nlohmann::json sections) {
   overrides_ = std::move(sections);
 }
 
-void FakeSettings::Set(const std::string &section, const std::string &key, nlohmann::json value) {
+void FakeSettings::Set(const std::string& section, const std::string& key, nlohmann::json value) {
   const std::lock_guard lock(mutex_);
   overrides_[section][key] = std::move(value);
 }
 
-void FakeSettings::Remove(const std::string &section, const std::string &key) {
+void FakeSettings::Remove(const std::string& section, const std::string& key) {
   const std::lock_guard lock(mutex_);
   if (const auto found = overrides_.find(section); found != overrides_.end()) {
     found->erase(key);
   }
 }
 
-void FakeSettings::FailRead(const std::string &section, const std::string &key, vr::EVRSettingsError error) {
+void FakeSettings::FailRead(const std::string& section, const std::string& key, vr::EVRSettingsError error) {
   const std::lock_guard lock(mutex_);
   failures_[{section, key}] = error;
 }
 
-FakeSettings::Reading FakeSettings::Read(const char *method, const char *section, const char *key) {
+FakeSettings::Reading FakeSettings::Read(const char* method, const char* section, const char* key) {
   const std::string sectionName = Text(section);
   const std::string keyName = Text(key);
   recorder_.Enter(std::string("IVRSettings.") + method, {{"section", sectionName}, {"key", keyName}});
@@ -92,7 +92,7 @@ FakeSettings::Reading FakeSettings::Read(const char *method, const char *section
   if (const auto failure = failures_.find({sectionName, keyName}); failure != failures_.end()) {
     return {nullptr, failure->second};
   }
-  const nlohmann::json *value = Find(overrides_, sectionName, keyName);
+  const nlohmann::json* value = Find(overrides_, sectionName, keyName);
   if (value == nullptr) {
     value = Find(defaults_, sectionName, keyName);
   }
@@ -102,73 +102,78 @@ FakeSettings::Reading FakeSettings::Read(const char *method, const char *section
   return {*value, vr::VRSettingsError_None};
 }
 
-void FakeSettings::Write(const char *method, const char *section, const char *key, nlohmann::json value,
-                         vr::EVRSettingsError *error) {
-  recorder_.Enter(std::string("IVRSettings.") + method, {{"section", Text(section)}, {"key", Text(key)}, {"value", value}});
+void FakeSettings::Write(const char* method, const char* section, const char* key, nlohmann::json value,
+                         vr::EVRSettingsError* error) {
+  recorder_.Enter(std::string("IVRSettings.") + method,
+                  {{"section", Text(section)}, {"key", Text(key)}, {"value", value}});
   Set(Text(section), Text(key), std::move(value));
   Answer(error, vr::VRSettingsError_None);
 }
 
-const char *FakeSettings::GetSettingsErrorNameFromEnum(vr::EVRSettingsError eError) {
-  static constexpr const char *kNames[] = {"VRSettingsError_None",
-                                           "VRSettingsError_IPCFailed",
-                                           "VRSettingsError_WriteFailed",
-                                           "VRSettingsError_ReadFailed",
-                                           "VRSettingsError_JsonParseFailed",
-                                           "VRSettingsError_UnsetSettingHasNoDefault"};
+const char* FakeSettings::GetSettingsErrorNameFromEnum(vr::EVRSettingsError eError) {
+  static constexpr const char* kNames[] = {
+      "VRSettingsError_None",       "VRSettingsError_IPCFailed",       "VRSettingsError_WriteFailed",
+      "VRSettingsError_ReadFailed", "VRSettingsError_JsonParseFailed", "VRSettingsError_UnsetSettingHasNoDefault"};
   const auto index = static_cast<std::size_t>(eError);
   return index < std::size(kNames) ? kNames[index] : "Unknown settings error";
 }
 
-bool FakeSettings::Sync(bool bForce, vr::EVRSettingsError *peError) {
+bool FakeSettings::Sync(bool bForce, vr::EVRSettingsError* peError) {
   recorder_.Enter("IVRSettings.Sync", {{"force", bForce}});
   Answer(peError, vr::VRSettingsError_None);
-  return false; // there is no file to write back to
+  return false;  // there is no file to write back to
 }
 
-void FakeSettings::SetBool(const char *pchSection, const char *pchSettingsKey, bool bValue, vr::EVRSettingsError *peError) {
+void FakeSettings::SetBool(const char* pchSection, const char* pchSettingsKey, bool bValue,
+                           vr::EVRSettingsError* peError) {
   Write("SetBool", pchSection, pchSettingsKey, bValue, peError);
 }
 
-void FakeSettings::SetInt32(const char *pchSection, const char *pchSettingsKey, int32_t nValue, vr::EVRSettingsError *peError) {
+void FakeSettings::SetInt32(const char* pchSection, const char* pchSettingsKey, int32_t nValue,
+                            vr::EVRSettingsError* peError) {
   Write("SetInt32", pchSection, pchSettingsKey, nValue, peError);
 }
 
-void FakeSettings::SetFloat(const char *pchSection, const char *pchSettingsKey, float flValue, vr::EVRSettingsError *peError) {
+void FakeSettings::SetFloat(const char* pchSection, const char* pchSettingsKey, float flValue,
+                            vr::EVRSettingsError* peError) {
   Write("SetFloat", pchSection, pchSettingsKey, flValue, peError);
 }
 
-void FakeSettings::SetString(const char *pchSection, const char *pchSettingsKey, const char *pchValue,
-                             vr::EVRSettingsError *peError) {
+void FakeSettings::SetString(const char* pchSection, const char* pchSettingsKey, const char* pchValue,
+                             vr::EVRSettingsError* peError) {
   Write("SetString", pchSection, pchSettingsKey, Text(pchValue), peError);
 }
 
-bool FakeSettings::GetBool(const char *pchSection, const char *pchSettingsKey, vr::EVRSettingsError *peError) {
+bool FakeSettings::GetBool(const char* pchSection, const char* pchSettingsKey, vr::EVRSettingsError* peError) {
   const Reading reading = Read("GetBool", pchSection, pchSettingsKey);
   const bool usable = IsNumeric(reading.value);
-  Answer(peError, reading.error == vr::VRSettingsError_None && !usable ? vr::VRSettingsError_ReadFailed : reading.error);
+  Answer(peError,
+         reading.error == vr::VRSettingsError_None && !usable ? vr::VRSettingsError_ReadFailed : reading.error);
   return usable && Number(reading.value) != 0.0;
 }
 
-int32_t FakeSettings::GetInt32(const char *pchSection, const char *pchSettingsKey, vr::EVRSettingsError *peError) {
+int32_t FakeSettings::GetInt32(const char* pchSection, const char* pchSettingsKey, vr::EVRSettingsError* peError) {
   const Reading reading = Read("GetInt32", pchSection, pchSettingsKey);
   const bool usable = IsNumeric(reading.value);
-  Answer(peError, reading.error == vr::VRSettingsError_None && !usable ? vr::VRSettingsError_ReadFailed : reading.error);
+  Answer(peError,
+         reading.error == vr::VRSettingsError_None && !usable ? vr::VRSettingsError_ReadFailed : reading.error);
   return usable ? static_cast<int32_t>(Number(reading.value)) : 0;
 }
 
-float FakeSettings::GetFloat(const char *pchSection, const char *pchSettingsKey, vr::EVRSettingsError *peError) {
+float FakeSettings::GetFloat(const char* pchSection, const char* pchSettingsKey, vr::EVRSettingsError* peError) {
   const Reading reading = Read("GetFloat", pchSection, pchSettingsKey);
   const bool usable = IsNumeric(reading.value);
-  Answer(peError, reading.error == vr::VRSettingsError_None && !usable ? vr::VRSettingsError_ReadFailed : reading.error);
+  Answer(peError,
+         reading.error == vr::VRSettingsError_None && !usable ? vr::VRSettingsError_ReadFailed : reading.error);
   return usable ? static_cast<float>(Number(reading.value)) : 0.0F;
 }
 
-void FakeSettings::GetString(const char *pchSection, const char *pchSettingsKey, char *pchValue, uint32_t unValueLen,
-                             vr::EVRSettingsError *peError) {
+void FakeSettings::GetString(const char* pchSection, const char* pchSettingsKey, char* pchValue, uint32_t unValueLen,
+                             vr::EVRSettingsError* peError) {
   const Reading reading = Read("GetString", pchSection, pchSettingsKey);
   const bool usable = reading.value.is_string();
-  Answer(peError, reading.error == vr::VRSettingsError_None && !usable ? vr::VRSettingsError_ReadFailed : reading.error);
+  Answer(peError,
+         reading.error == vr::VRSettingsError_None && !usable ? vr::VRSettingsError_ReadFailed : reading.error);
   if (pchValue == nullptr || unValueLen == 0) {
     return;
   }
@@ -178,17 +183,18 @@ void FakeSettings::GetString(const char *pchSection, const char *pchSettingsKey,
   pchValue[length] = '\0';
 }
 
-void FakeSettings::RemoveSection(const char *pchSection, vr::EVRSettingsError *peError) {
+void FakeSettings::RemoveSection(const char* pchSection, vr::EVRSettingsError* peError) {
   recorder_.Enter("IVRSettings.RemoveSection", {{"section", Text(pchSection)}});
   const std::lock_guard lock(mutex_);
   overrides_.erase(Text(pchSection));
   Answer(peError, vr::VRSettingsError_None);
 }
 
-void FakeSettings::RemoveKeyInSection(const char *pchSection, const char *pchSettingsKey, vr::EVRSettingsError *peError) {
+void FakeSettings::RemoveKeyInSection(const char* pchSection, const char* pchSettingsKey,
+                                      vr::EVRSettingsError* peError) {
   recorder_.Enter("IVRSettings.RemoveKeyInSection", {{"section", Text(pchSection)}, {"key", Text(pchSettingsKey)}});
   Remove(Text(pchSection), Text(pchSettingsKey));
   Answer(peError, vr::VRSettingsError_None);
 }
 
-} // namespace bench
+}  // namespace bench

@@ -9,17 +9,17 @@ namespace {
 
 constexpr UINT64 kKey = 0;
 
-} // namespace
+}  // namespace
 
-void RequireOk(HRESULT result, const char *what) {
-  if (result != S_OK) { // time-outs and abandoned holds are positive, so FAILED would miss them
+void RequireOk(HRESULT result, const char* what) {
+  if (result != S_OK) {  // time-outs and abandoned holds are positive, so FAILED would miss them
     char code[16];
     std::snprintf(code, sizeof code, "0x%08lX", static_cast<unsigned long>(result));
     throw std::runtime_error(std::string(what) + " failed with " + code);
   }
 }
 
-KeyedTexture::KeyedTexture(ID3D11Device &device, std::uint32_t width, std::uint32_t height, DXGI_FORMAT format) {
+KeyedTexture::KeyedTexture(ID3D11Device& device, std::uint32_t width, std::uint32_t height, DXGI_FORMAT format) {
   D3D11_TEXTURE2D_DESC description{};
   description.Width = width;
   description.Height = height;
@@ -46,4 +46,4 @@ bool KeyedTexture::Acquire(std::chrono::milliseconds timeout) {
 
 void KeyedTexture::Release() { RequireOk(mutex_->ReleaseSync(kKey), "releasing a shared texture"); }
 
-} // namespace bench
+}  // namespace bench

@@ -16,4 +16,4 @@ double Percentile(std::vector<double> values, double share) {
   return values[static_cast<std::size_t>(index)];
 }
 
-} // namespace bench::runtime
+}  // namespace bench::runtime

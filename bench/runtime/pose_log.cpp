@@ -4,7 +4,7 @@
 
 namespace bench {
 
-void PoseLog::Add(const PoseRecord &record) {
+void PoseLog::Add(const PoseRecord& record) {
   std::vector<Listener> listeners;
   {
     const std::lock_guard lock(mutex_);
@@ -17,7 +17,7 @@ void PoseLog::Add(const PoseRecord &record) {
     }
     listeners = listeners_;
   }
-  for (const Listener &listener : listeners) {
+  for (const Listener& listener : listeners) {
     listener(record);
   }
 }
@@ -47,7 +47,8 @@ std::vector<PoseRecord> PoseLog::All() const {
 std::vector<PoseRecord> PoseLog::All(vr::TrackedDeviceIndex_t device) const {
   const std::lock_guard lock(mutex_);
   std::vector<PoseRecord> found;
-  std::ranges::copy_if(poses_, std::back_inserter(found), [device](const PoseRecord &record) { return record.device == device; });
+  std::ranges::copy_if(poses_, std::back_inserter(found),
+                       [device](const PoseRecord& record) { return record.device == device; });
   return found;
 }
 
@@ -61,4 +62,4 @@ void PoseLog::Listen(Listener listener) {
   listeners_.push_back(std::move(listener));
 }
 
-} // namespace bench
+}  // namespace bench

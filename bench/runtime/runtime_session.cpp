@@ -8,7 +8,7 @@
 
 namespace bench {
 
-RuntimeSession::RuntimeSession(FakeRuntime &runtime, vr::IServerTrackedDeviceProvider &provider)
+RuntimeSession::RuntimeSession(FakeRuntime& runtime, vr::IServerTrackedDeviceProvider& provider)
     : runtime_(runtime), provider_(provider) {}
 
 RuntimeSession::~RuntimeSession() {
@@ -34,7 +34,7 @@ vr::EVRInitError RuntimeSession::Init() {
 }
 
 void RuntimeSession::ActivatePendingHere() {
-  for (const AddedDevice &added : runtime_.Host().TakePending()) {
+  for (const AddedDevice& added : runtime_.Host().TakePending()) {
     runtime_.Journal().Append("driver.Activate", {{"serial", added.serial}, {"device", added.index}});
     ActiveDevice active{added, FakeProperties::ContainerOf(added.index), added.driver->Activate(added.index)};
     {
@@ -83,7 +83,7 @@ void RuntimeSession::Deactivate() {
       const std::lock_guard lock(mutex_);
       devices_.clear();
     }
-    for (const ActiveDevice &device : devices | std::views::reverse) {
+    for (const ActiveDevice& device : devices | std::views::reverse) {
       runtime_.Journal().Append("driver.Deactivate", {{"serial", device.added.serial}});
       device.added.driver->Deactivate();
     }
@@ -114,7 +114,7 @@ std::vector<ActiveDevice> RuntimeSession::Devices() const {
 std::optional<ActiveDevice> RuntimeSession::Find(vr::ETrackedDeviceClass deviceClass) const {
   const std::lock_guard lock(mutex_);
   const auto found = std::ranges::find_if(
-      devices_, [deviceClass](const ActiveDevice &device) { return device.added.deviceClass == deviceClass; });
+      devices_, [deviceClass](const ActiveDevice& device) { return device.added.deviceClass == deviceClass; });
   return found == devices_.end() ? std::nullopt : std::optional(*found);
 }
 
@@ -122,4 +122,4 @@ bool RuntimeSession::WaitForDevices(std::size_t count, std::chrono::milliseconds
   return runtime_.Journal().WaitUntil([&] { return Devices().size() >= count; }, timeout);
 }
 
-} // namespace bench
+}  // namespace bench

@@ -30,7 +30,7 @@ ServerThread::~ServerThread() {
   thread_.join();
 }
 
-void ServerThread::Run(const std::function<void()> &task) {
+void ServerThread::Run(const std::function<void()>& task) {
   const std::lock_guard onlyCaller(callers_);
   std::promise<void> done;
   {
@@ -90,4 +90,4 @@ void ServerThread::Loop() {
   }
 }
 
-} // namespace bench
+}  // namespace bench

@@ -4,7 +4,7 @@
 
 namespace bench {
 
-std::uint32_t CopyText(std::string_view text, char *buffer, std::uint32_t size) {
+std::uint32_t CopyText(std::string_view text, char* buffer, std::uint32_t size) {
   const auto needed = static_cast<std::uint32_t>(text.size() + 1);
   if (buffer == nullptr || size == 0) {
     return needed;
@@ -15,4 +15,4 @@ std::uint32_t CopyText(std::string_view text, char *buffer, std::uint32_t size) 
   return needed;
 }
 
-} // namespace bench
+}  // namespace bench

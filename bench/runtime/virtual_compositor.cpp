@@ -10,34 +10,39 @@ namespace {
 constexpr DXGI_FORMAT kWindowFormat = DXGI_FORMAT_R8G8B8A8_UNORM;
 constexpr std::chrono::milliseconds kBackbufferTimeout(2000);
 
-} // namespace
+}  // namespace
 
-vr::IVRVirtualDisplay &VirtualDisplayOf(const ActiveDevice &headset) {
-  void *component = headset.added.driver->GetComponent(vr::IVRVirtualDisplay_Version);
+vr::IVRVirtualDisplay& VirtualDisplayOf(const ActiveDevice& headset) {
+  void* component = headset.added.driver->GetComponent(vr::IVRVirtualDisplay_Version);
   if (component == nullptr) {
     throw std::runtime_error("the headset has no virtual display");
   }
-  return *static_cast<vr::IVRVirtualDisplay *>(component);
+  return *static_cast<vr::IVRVirtualDisplay*>(component);
 }
 
-VirtualCompositor::VirtualCompositor(FakeRuntime &runtime, const ActiveDevice &headset, FramePainter &painter,
-                                     const Microsoft::WRL::ComPtr<ID3D11Device> &device)
-    : Compositor(runtime, headset, painter), display_(VirtualDisplayOf(headset)),
+VirtualCompositor::VirtualCompositor(FakeRuntime& runtime, const ActiveDevice& headset, FramePainter& painter,
+                                     const Microsoft::WRL::ComPtr<ID3D11Device>& device)
+    : Compositor(runtime, headset, painter),
+      display_(VirtualDisplayOf(headset)),
       backbuffer_(*device.Get(), Geometry().windowWidth, Geometry().windowHeight, kWindowFormat) {}
 
-void VirtualCompositor::PaintEye(vr::EVREye eye, const runtime::PoseMatrix &head) {
-  const EyeGeometry &place = Geometry().eyes[static_cast<std::size_t>(eye)];
+void VirtualCompositor::PaintEye(vr::EVREye eye, const runtime::PoseMatrix& head) {
+  const EyeGeometry& place = Geometry().eyes[static_cast<std::size_t>(eye)];
   EyeView view = ViewOf(eye, head);
   view.target = backbuffer_.Target();
   view.targetWidth = Geometry().windowWidth;
   view.targetHeight = Geometry().windowHeight;
-  view.viewport = {static_cast<float>(place.x), static_cast<float>(place.y), static_cast<float>(place.width),
-                   static_cast<float>(place.height), 0.0F, 1.0F};
+  view.viewport = {static_cast<float>(place.x),
+                   static_cast<float>(place.y),
+                   static_cast<float>(place.width),
+                   static_cast<float>(place.height),
+                   0.0F,
+                   1.0F};
   view.gammaEncoded = true;
   Painter().PaintEye(view);
 }
 
-void VirtualCompositor::HandOver(FrameReport &report) {
+void VirtualCompositor::HandOver(FrameReport& report) {
   if (!backbuffer_.Acquire(kBackbufferTimeout)) {
     throw std::runtime_error("the driver did not give the finished texture back");
   }
@@ -55,7 +60,7 @@ void VirtualCompositor::HandOver(FrameReport &report) {
   report.presentedTicks = runtime::NowTicks();
 }
 
-void VirtualCompositor::AfterPresent(const FrameReport &) {
+void VirtualCompositor::AfterPresent(const FrameReport&) {
   display_.WaitForPresent();
   float sinceVsync = 0.0F;
   std::uint64_t frameCounter = 0;
@@ -64,4 +69,4 @@ void VirtualCompositor::AfterPresent(const FrameReport &) {
   }
 }
 
-} // namespace bench
+}  // namespace bench

@@ -9,6 +9,6 @@ namespace bench {
 /// The controllers as the scene shows them: a wand at each valid pose, coloured by the button that is held
 /// (trigger red, grip green, trackpad blue, menu magenta, system yellow, a touched trackpad cyan, else grey),
 /// with a dot where the thumb lies and a trigger that reddens as it is pulled. Callable from any thread.
-[[nodiscard]] Mesh BuildControllers(FakeRuntime &runtime, const RuntimeSession &session);
+[[nodiscard]] Mesh BuildControllers(FakeRuntime& runtime, const RuntimeSession& session);
 
-} // namespace bench
+}  // namespace bench

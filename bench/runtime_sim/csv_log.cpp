@@ -8,7 +8,7 @@
 namespace bench {
 namespace {
 
-std::ofstream OpenCsv(const std::filesystem::path &file, const char *columns) {
+std::ofstream OpenCsv(const std::filesystem::path& file, const char* columns) {
   std::ofstream stream;
   if (file.empty()) {
     return stream;
@@ -17,7 +17,7 @@ std::ofstream OpenCsv(const std::filesystem::path &file, const char *columns) {
   if (!stream) {
     throw std::runtime_error("cannot write " + file.string());
   }
-  stream.precision(9); // enough for every float to come back as it was
+  stream.precision(9);  // enough for every float to come back as it was
   stream << columns;
   for (int row = 0; row < 3; ++row) {
     for (int column = 0; column < 4; ++column) {
@@ -28,8 +28,8 @@ std::ofstream OpenCsv(const std::filesystem::path &file, const char *columns) {
   return stream;
 }
 
-void WriteMatrix(std::ofstream &stream, const runtime::PoseMatrix &matrix) {
-  for (const auto &row : matrix.m) {
+void WriteMatrix(std::ofstream& stream, const runtime::PoseMatrix& matrix) {
+  for (const auto& row : matrix.m) {
     for (const float value : row) {
       stream << ',' << value;
     }
@@ -37,29 +37,32 @@ void WriteMatrix(std::ofstream &stream, const runtime::PoseMatrix &matrix) {
   stream << '\n';
 }
 
-} // namespace
+}  // namespace
 
-FrameCsv::FrameCsv(const std::filesystem::path &file)
+FrameCsv::FrameCsv(const std::filesystem::path& file)
     : stream_(OpenCsv(file, "frame,qpc,qpc_frequency,presented_qpc,render_qpc,pose_qpc,missed")) {}
 
-void FrameCsv::Add(const FrameReport &report) {
+void FrameCsv::Add(const FrameReport& report) {
   if (stream_.is_open()) {
-    stream_ << report.index << ',' << report.presentTicks << ',' << runtime::TicksPerSecond() << ',' << report.presentedTicks
-            << ',' << report.renderTicks << ',' << report.poseTicks << ',' << report.missedIntervals;
+    stream_ << report.index << ',' << report.presentTicks << ',' << runtime::TicksPerSecond() << ','
+            << report.presentedTicks << ',' << report.renderTicks << ',' << report.poseTicks << ','
+            << report.missedIntervals;
     WriteMatrix(stream_, report.pose);
   }
 }
 
-PoseCsv::PoseCsv(const std::filesystem::path &file) : stream_(OpenCsv(file, "pose,qpc,qpc_frequency,valid,qw,qx,qy,qz")) {}
+PoseCsv::PoseCsv(const std::filesystem::path& file)
+    : stream_(OpenCsv(file, "pose,qpc,qpc_frequency,valid,qw,qx,qy,qz")) {}
 
-void PoseCsv::Add(const PoseRecord &record) {
+void PoseCsv::Add(const PoseRecord& record) {
   const std::lock_guard lock(mutex_);
   if (stream_.is_open()) {
-    const vr::HmdQuaternion_t &rotation = record.pose.qRotation;
-    stream_ << number_++ << ',' << record.ticks << ',' << runtime::TicksPerSecond() << ',' << (record.pose.poseIsValid ? 1 : 0)
-            << ',' << rotation.w << ',' << rotation.x << ',' << rotation.y << ',' << rotation.z;
+    const vr::HmdQuaternion_t& rotation = record.pose.qRotation;
+    stream_ << number_++ << ',' << record.ticks << ',' << runtime::TicksPerSecond() << ','
+            << (record.pose.poseIsValid ? 1 : 0) << ',' << rotation.w << ',' << rotation.x << ',' << rotation.y << ','
+            << rotation.z;
     WriteMatrix(stream_, runtime::WorldFromHead(record.pose));
   }
 }
 
-} // namespace bench
+}  // namespace bench

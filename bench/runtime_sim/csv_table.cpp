@@ -21,9 +21,9 @@ std::vector<std::string> Split(std::string line) {
   return values;
 }
 
-} // namespace
+}  // namespace
 
-std::size_t CsvTable::Column(const std::string &name) const {
+std::size_t CsvTable::Column(const std::string& name) const {
   const auto found = std::ranges::find(names, name);
   if (found == names.end()) {
     throw std::runtime_error("there is no column " + name);
@@ -31,7 +31,7 @@ std::size_t CsvTable::Column(const std::string &name) const {
   return static_cast<std::size_t>(found - names.begin());
 }
 
-CsvTable ReadCsv(std::istream &stream) {
+CsvTable ReadCsv(std::istream& stream) {
   CsvTable table;
   std::string line;
   if (std::getline(stream, line)) {
@@ -46,7 +46,7 @@ CsvTable ReadCsv(std::istream &stream) {
   return table;
 }
 
-CsvTable ReadCsvFile(const std::filesystem::path &file) {
+CsvTable ReadCsvFile(const std::filesystem::path& file) {
   std::ifstream stream(file, std::ios::binary);
   if (!stream) {
     throw std::runtime_error("cannot read " + file.string());
@@ -54,4 +54,4 @@ CsvTable ReadCsvFile(const std::filesystem::path &file) {
   return ReadCsv(stream);
 }
 
-} // namespace bench
+}  // namespace bench

@@ -35,12 +35,12 @@ struct Report {
   bool framesByTime = false;
 };
 
-std::int64_t Frequency(const CsvTable &table) {
+std::int64_t Frequency(const CsvTable& table) {
   const std::size_t column = table.Column("qpc_frequency");
   return table.rows.empty() ? 0 : std::strtoll(table.rows.front()[column].c_str(), nullptr, 10);
 }
 
-double PerSecond(const std::vector<TimedPose> &events, std::int64_t frequency) {
+double PerSecond(const std::vector<TimedPose>& events, std::int64_t frequency) {
   if (events.size() < 2) {
     return 0.0;
   }
@@ -48,7 +48,7 @@ double PerSecond(const std::vector<TimedPose> &events, std::int64_t frequency) {
   return seconds > 0.0 ? static_cast<double>(events.size() - 1) / seconds : 0.0;
 }
 
-std::vector<double> ToMilliseconds(const std::vector<std::int64_t> &ticks, std::int64_t frequency) {
+std::vector<double> ToMilliseconds(const std::vector<std::int64_t>& ticks, std::int64_t frequency) {
   std::vector<double> milliseconds;
   for (const std::int64_t value : ticks) {
     milliseconds.push_back(1000.0 * static_cast<double>(value) / static_cast<double>(frequency));
@@ -56,16 +56,16 @@ std::vector<double> ToMilliseconds(const std::vector<std::int64_t> &ticks, std::
   return milliseconds;
 }
 
-std::uint64_t SumOf(const CsvTable &table, const std::string &name) {
+std::uint64_t SumOf(const CsvTable& table, const std::string& name) {
   const std::size_t column = table.Column(name);
   std::uint64_t sum = 0;
-  for (const auto &row : table.rows) {
+  for (const auto& row : table.rows) {
     sum += std::strtoull(row[column].c_str(), nullptr, 10);
   }
   return sum;
 }
 
-Report Build(const Files &files) {
+Report Build(const Files& files) {
   const CsvTable runtimeFrames = ReadCsvFile(files.runtimeFrames);
   const CsvTable runtimePoses = ReadCsvFile(files.runtimePoses);
   const std::vector<TimedPose> presented = ReadTimedPoses(runtimeFrames);
@@ -88,7 +88,7 @@ Report Build(const Files &files) {
   return report;
 }
 
-void WriteJson(const Report &report, const std::filesystem::path &file) {
+void WriteJson(const Report& report, const std::filesystem::path& file) {
   const nlohmann::ordered_json json = {{"posesPerSecond", report.posesPerSecond},
                                        {"framesPerSecond", report.framesPerSecond},
                                        {"framesPresented", report.framesPresented},
@@ -109,7 +109,7 @@ void WriteJson(const Report &report, const std::filesystem::path &file) {
 }
 
 // Every figure must rest on something: a line of zeros is no summary.
-void RequireFigures(const Report &report) {
+void RequireFigures(const Report& report) {
   if (report.posesPerSecond <= 0.0 || report.framesPerSecond <= 0.0) {
     throw std::runtime_error("too few poses or frames for a rate");
   }
@@ -118,16 +118,17 @@ void RequireFigures(const Report &report) {
   }
 }
 
-void Print(const Report &report) {
-  std::printf("summary: %.1f poses/s, %.1f frames/s, %zu of %zu frames received, %llu dropped, pose to runtime median %.2f ms "
-              "p99 %.2f ms, frame to companion median %.2f ms p99 %.2f ms%s\n",
-              report.posesPerSecond, report.framesPerSecond, report.framesReceived, report.framesPresented,
-              static_cast<unsigned long long>(report.dropped), runtime::Percentile(report.poseMs, 0.5),
-              runtime::Percentile(report.poseMs, 0.99), runtime::Percentile(report.frameMs, 0.5),
-              runtime::Percentile(report.frameMs, 0.99), report.framesByTime ? " (by time)" : "");
+void Print(const Report& report) {
+  std::printf(
+      "summary: %.1f poses/s, %.1f frames/s, %zu of %zu frames received, %llu dropped, pose to runtime median %.2f ms "
+      "p99 %.2f ms, frame to companion median %.2f ms p99 %.2f ms%s\n",
+      report.posesPerSecond, report.framesPerSecond, report.framesReceived, report.framesPresented,
+      static_cast<unsigned long long>(report.dropped), runtime::Percentile(report.poseMs, 0.5),
+      runtime::Percentile(report.poseMs, 0.99), runtime::Percentile(report.frameMs, 0.5),
+      runtime::Percentile(report.frameMs, 0.99), report.framesByTime ? " (by time)" : "");
 }
 
-int Main(int argc, char **argv) {
+int Main(int argc, char** argv) {
   CLI::App app("Prints one line of figures of a session from the files of both its ends");
   Files files;
   app.add_option("--runtime-frames", files.runtimeFrames, "runtime_sim's --csv")->required();
@@ -145,13 +146,13 @@ int Main(int argc, char **argv) {
   return 0;
 }
 
-} // namespace
-} // namespace bench
+}  // namespace
+}  // namespace bench
 
-int main(int argc, char **argv) {
+int main(int argc, char** argv) {
   try {
     return bench::Main(argc, argv);
-  } catch (const std::exception &error) {
+  } catch (const std::exception& error) {
     std::fprintf(stderr, "report: %s\n", error.what());
     return 1;
   }

@@ -17,7 +17,7 @@ FrameFigures FiguresOf(std::span<const FrameReport> frames) {
   }
   std::vector<double> poseAges;
   std::vector<double> presents;
-  for (const FrameReport &frame : frames) {
+  for (const FrameReport& frame : frames) {
     figures.missedIntervals += frame.missedIntervals;
     presents.push_back(runtime::TicksToMilliseconds(frame.presentedTicks - frame.presentTicks));
     if (frame.poseTicks != 0) {
@@ -32,9 +32,9 @@ FrameFigures FiguresOf(std::span<const FrameReport> frames) {
   return figures;
 }
 
-} // namespace
+}  // namespace
 
-void FrameStatistics::Add(const FrameReport &report) {
+void FrameStatistics::Add(const FrameReport& report) {
   const std::lock_guard lock(mutex_);
   frames_.push_back(report);
 }
@@ -56,4 +56,4 @@ std::uint64_t FrameStatistics::Frames() const {
   return frames_.size();
 }
 
-} // namespace bench
+}  // namespace bench

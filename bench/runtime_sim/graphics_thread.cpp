@@ -14,10 +14,13 @@ namespace {
 
 // The device with its scene. Members go in reverse: the scene before the device it was made with.
 struct Graphics {
-  Graphics(FakeRuntime &runtime, const RuntimeSession &session) {
+  Graphics(FakeRuntime& runtime, const RuntimeSession& session, bool keepDevice) {
     RequireOk(CreateSharingDevice(&device, &context), "making the runtime's Direct3D device");
     scene = std::make_unique<SceneRenderer>(device, context);
     scene->SetMovingParts([&runtime, &session] { return BuildControllers(runtime, session); });
+    if (keepDevice) {
+      device->AddRef();  // never given back: see DeviceKeeper
+    }
   }
 
   Microsoft::WRL::ComPtr<ID3D11Device> device;
@@ -25,19 +28,19 @@ struct Graphics {
   std::unique_ptr<SceneRenderer> scene;
 };
 
-bool IsDirect(Mode mode, const ActiveDevice &headset) {
+bool IsDirect(Mode mode, const ActiveDevice& headset) {
   if (mode != Mode::Automatic) {
     return mode == Mode::Direct;
   }
   return headset.added.driver->GetComponent(vr::IVRDriverDirectModeComponent_Version) != nullptr;
 }
 
-} // namespace
+}  // namespace
 
-GraphicsThread::GraphicsThread(FakeRuntime &runtime, const RuntimeSession &session, const ActiveDevice &headset, Mode mode,
-                               double hertz, Compositor::Listener listener)
-    : modeName_(IsDirect(mode, headset) ? "direct" : "virtual") {
-  const Setup setup{runtime, session, headset, mode, hertz, std::move(listener)};
+GraphicsThread::GraphicsThread(FakeRuntime& runtime, const RuntimeSession& session, const ActiveDevice& headset,
+                               const SimulationOptions& options, Compositor::Listener listener)
+    : modeName_(IsDirect(options.mode, headset) ? "direct" : "virtual") {
+  const Setup setup{runtime, session, headset, options.fps, options.keepDevices, std::move(listener)};
   thread_ = std::thread([this, setup] { Work(setup); });
   std::unique_lock lock(mutex_);
   changed_.wait(lock, [this] { return state_ != State::Starting; });
@@ -55,7 +58,7 @@ GraphicsThread::~GraphicsThread() {
   }
 }
 
-void GraphicsThread::Work(const Setup &setup) {
+void GraphicsThread::Work(const Setup& setup) {
   std::string failure;
   try {
     if (modeName_ == "direct") {
@@ -63,14 +66,14 @@ void GraphicsThread::Work(const Setup &setup) {
     } else {
       RunVirtual(setup);
     }
-  } catch (const std::exception &error) {
+  } catch (const std::exception& error) {
     failure = error.what();
   }
   Enter(State::Ended, failure);
 }
 
-void GraphicsThread::RunDirect(const Setup &setup) {
-  Graphics graphics(setup.runtime, setup.session);
+void GraphicsThread::RunDirect(const Setup& setup) {
+  Graphics graphics(setup.runtime, setup.session, setup.keepDevice);
   DirectCompositor compositor(setup.runtime, setup.headset, *graphics.scene, graphics.device);
   RunFrames(compositor, setup);
   if (!driverIsGone_) {
@@ -78,13 +81,13 @@ void GraphicsThread::RunDirect(const Setup &setup) {
   }
 }
 
-void GraphicsThread::RunVirtual(const Setup &setup) {
-  Graphics graphics(setup.runtime, setup.session);
+void GraphicsThread::RunVirtual(const Setup& setup) {
+  Graphics graphics(setup.runtime, setup.session, setup.keepDevice);
   VirtualCompositor compositor(setup.runtime, setup.headset, *graphics.scene, graphics.device);
   RunFrames(compositor, setup);
 }
 
-void GraphicsThread::RunFrames(Compositor &compositor, const Setup &setup) {
+void GraphicsThread::RunFrames(Compositor& compositor, const Setup& setup) {
   geometry_ = compositor.Geometry();
   compositor.Listen(setup.listener);
   {
@@ -105,7 +108,7 @@ void GraphicsThread::RunFrames(Compositor &compositor, const Setup &setup) {
   leave();
 }
 
-void GraphicsThread::Enter(State state, const std::string &failure) {
+void GraphicsThread::Enter(State state, const std::string& failure) {
   const std::lock_guard lock(mutex_);
   state_ = state;
   failure_ = failure;
@@ -129,4 +132,4 @@ std::string GraphicsThread::Failure() const {
   return failure_;
 }
 
-} // namespace bench
+}  // namespace bench

@@ -16,12 +16,12 @@ namespace bench {
 /// The runtime's compositor with its scene, and everything it has of Direct3D, on one thread from making to
 /// letting go. The methods may be called from any other thread.
 class GraphicsThread {
-public:
+ public:
   /// Returns when the first frame is about to begin. Throws std::runtime_error if there is no way to make one.
-  GraphicsThread(FakeRuntime &runtime, const RuntimeSession &session, const ActiveDevice &headset, Mode mode, double hertz,
-                 Compositor::Listener listener);
-  GraphicsThread(const GraphicsThread &) = delete;
-  GraphicsThread &operator=(const GraphicsThread &) = delete;
+  GraphicsThread(FakeRuntime& runtime, const RuntimeSession& session, const ActiveDevice& headset,
+                 const SimulationOptions& options, Compositor::Listener listener);
+  GraphicsThread(const GraphicsThread&) = delete;
+  GraphicsThread& operator=(const GraphicsThread&) = delete;
   ~GraphicsThread();
 
   /// Asks for the end after the frame under way; swap sets are destroyed then, unless the driver was abandoned.
@@ -32,26 +32,26 @@ public:
   void AbandonDriver() { driverIsGone_ = true; }
   /// Why it ended by itself; empty if it did not.
   [[nodiscard]] std::string Failure() const;
-  [[nodiscard]] const std::string &ModeName() const { return modeName_; }
-  [[nodiscard]] const DisplayGeometry &Geometry() const { return geometry_; }
+  [[nodiscard]] const std::string& ModeName() const { return modeName_; }
+  [[nodiscard]] const DisplayGeometry& Geometry() const { return geometry_; }
 
-private:
+ private:
   enum class State { Starting, Running, Ended };
 
   struct Setup {
-    FakeRuntime &runtime;
-    const RuntimeSession &session;
+    FakeRuntime& runtime;
+    const RuntimeSession& session;
     ActiveDevice headset;
-    Mode mode;
     double hertz;
+    bool keepDevice;
     Compositor::Listener listener;
   };
 
-  void Work(const Setup &setup);
-  void RunDirect(const Setup &setup);
-  void RunVirtual(const Setup &setup);
-  void RunFrames(Compositor &compositor, const Setup &setup);
-  void Enter(State state, const std::string &failure = {});
+  void Work(const Setup& setup);
+  void RunDirect(const Setup& setup);
+  void RunVirtual(const Setup& setup);
+  void RunFrames(Compositor& compositor, const Setup& setup);
+  void Enter(State state, const std::string& failure = {});
 
   std::string modeName_;
   DisplayGeometry geometry_;
@@ -60,8 +60,8 @@ private:
   std::condition_variable changed_;
   State state_ = State::Starting;
   std::string failure_;
-  Compositor *compositor_ = nullptr; ///< while its frames run
+  Compositor* compositor_ = nullptr;  ///< while its frames run
   std::thread thread_;
 };
 
-} // namespace bench
+}  // namespace bench

@@ -7,7 +7,7 @@
 namespace bench {
 namespace {
 
-HapticStep ParseStep(const nlohmann::json &json) {
+HapticStep ParseStep(const nlohmann::json& json) {
   HapticStep step;
   step.atSeconds = json.value("at", step.atSeconds);
   step.everySeconds = json.value("every", step.everySeconds);
@@ -18,37 +18,37 @@ HapticStep ParseStep(const nlohmann::json &json) {
   return step;
 }
 
-std::vector<ActiveDevice> ControllersOf(const RuntimeSession &session) {
+std::vector<ActiveDevice> ControllersOf(const RuntimeSession& session) {
   std::vector<ActiveDevice> controllers = session.Devices();
-  std::erase_if(controllers, [](const ActiveDevice &device) {
+  std::erase_if(controllers, [](const ActiveDevice& device) {
     return device.added.deviceClass != vr::TrackedDeviceClass_Controller;
   });
   return controllers;
 }
 
-} // namespace
+}  // namespace
 
-HapticScript::HapticScript(const std::filesystem::path &file) {
+HapticScript::HapticScript(const std::filesystem::path& file) {
   std::ifstream stream(file, std::ios::binary);
   const nlohmann::json json = nlohmann::json::parse(stream, nullptr, false);
   if (!json.is_array()) {
     throw std::runtime_error("the haptics file " + file.string() + " is not a list");
   }
   try {
-    for (const nlohmann::json &step : json) {
+    for (const nlohmann::json& step : json) {
       steps_.push_back(ParseStep(step));
     }
-  } catch (const nlohmann::json::exception &error) {
+  } catch (const nlohmann::json::exception& error) {
     throw std::runtime_error("the haptics file " + file.string() + ": " + error.what());
   }
 }
 
-void HapticScript::Advance(double seconds, FakeRuntime &runtime, const RuntimeSession &session) {
+void HapticScript::Advance(double seconds, FakeRuntime& runtime, const RuntimeSession& session) {
   if (steps_.empty()) {
     return;
   }
   const std::vector<ActiveDevice> controllers = ControllersOf(session);
-  for (HapticStep &step : steps_) {
+  for (HapticStep& step : steps_) {
     if (seconds < step.atSeconds || step.controller >= controllers.size()) {
       continue;
     }
@@ -61,4 +61,4 @@ void HapticScript::Advance(double seconds, FakeRuntime &runtime, const RuntimeSe
   }
 }
 
-} // namespace bench
+}  // namespace bench

@@ -9,19 +9,19 @@
 
 namespace {
 
-std::atomic<bench::Simulation *> running = nullptr;
+std::atomic<bench::Simulation*> running = nullptr;
 
 BOOL WINAPI OnConsoleEvent(DWORD) {
-  if (bench::Simulation *simulation = running; simulation != nullptr) {
+  if (bench::Simulation* simulation = running; simulation != nullptr) {
     simulation->Stop();
     return TRUE;
   }
   return FALSE;
 }
 
-} // namespace
+}  // namespace
 
-int main(int argc, char **argv) {
+int main(int argc, char** argv) {
   bench::SimulationOptions options;
   if (const auto code = bench::ParseOptions(argc, argv, options)) {
     return *code;
@@ -33,7 +33,7 @@ int main(int argc, char **argv) {
     const int code = simulation.Run();
     running = nullptr;
     return code;
-  } catch (const std::exception &error) {
+  } catch (const std::exception& error) {
     running = nullptr;
     std::fprintf(stderr, "runtime: %s\n", error.what());
     return 1;

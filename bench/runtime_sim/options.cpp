@@ -7,7 +7,7 @@
 namespace bench {
 namespace {
 
-void AddSession(CLI::App &app, SimulationOptions &options) {
+void AddSession(CLI::App& app, SimulationOptions& options) {
   static const std::map<std::string, Mode> kModes = {
       {"auto", Mode::Automatic}, {"direct", Mode::Direct}, {"virtual", Mode::Virtual}};
   app.add_option("--driver", options.driver, "The driver's folder, or its library")->required();
@@ -18,17 +18,21 @@ void AddSession(CLI::App &app, SimulationOptions &options) {
   app.add_option("--server-rate", options.serverHertz, "RunFrame calls per second");
   app.add_option("--wait-for-pose", options.waitForPoseSeconds,
                  "Seconds to wait for the first head pose before frames begin");
-  app.add_option("--haptics", options.haptics, "JSON list of pulses: at, every, controller, duration, frequency, amplitude");
+  app.add_flag(
+      "--keep-devices", options.keepDevices,
+      "Never let go of Direct3D devices: for Wine with WINE_D3D_CONFIG=csmt=0x0, which hangs when it destroys them");
+  app.add_option("--haptics", options.haptics,
+                 "JSON list of pulses: at, every, controller, duration, frequency, amplitude");
 }
 
-void AddEnds(CLI::App &app, SimulationOptions &options) {
+void AddEnds(CLI::App& app, SimulationOptions& options) {
   app.add_option("--seconds", options.seconds, "End after so many seconds of frames (0: on Ctrl+C)");
   app.add_option("--frames", options.frames, "End after so many frames");
   app.add_option("--require-frames", options.requireFrames, "Fail unless at least so many frames were presented");
   app.add_option("--require-poses", options.requirePoses, "Fail unless at least so many head poses came");
 }
 
-void AddOutputs(CLI::App &app, SimulationOptions &options) {
+void AddOutputs(CLI::App& app, SimulationOptions& options) {
   app.add_option("--csv", options.framesCsv, "File with one line per frame presented");
   app.add_option("--poses-csv", options.posesCsv, "File with one line per head pose that came");
   app.add_option("--summary", options.summary, "File for the summary as JSON");
@@ -37,19 +41,19 @@ void AddOutputs(CLI::App &app, SimulationOptions &options) {
   app.add_flag("--quiet", options.quiet, "Do not print the driver's log");
 }
 
-} // namespace
+}  // namespace
 
-std::optional<int> ParseOptions(int argc, char **argv, SimulationOptions &options) {
+std::optional<int> ParseOptions(int argc, char** argv, SimulationOptions& options) {
   CLI::App app("Stands in for the VR runtime: loads a driver, runs its devices, renders a scene from its poses");
   AddSession(app, options);
   AddEnds(app, options);
   AddOutputs(app, options);
   try {
     app.parse(argc, argv);
-  } catch (const CLI::ParseError &error) {
+  } catch (const CLI::ParseError& error) {
     return app.exit(error);
   }
   return std::nullopt;
 }
 
-} // namespace bench
+}  // namespace bench

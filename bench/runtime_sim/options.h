@@ -20,17 +20,18 @@ struct SimulationOptions {
   std::filesystem::path driverLog;
   std::filesystem::path haptics;
   Mode mode = Mode::Automatic;
-  double seconds = 0.0; ///< of frames; 0: no limit
-  std::uint64_t frames = 0; ///< 0: no limit
-  double fps = 0.0;         ///< 0: the display rate that the driver reports
+  double seconds = 0.0;      ///< of frames; 0: no limit
+  std::uint64_t frames = 0;  ///< 0: no limit
+  double fps = 0.0;          ///< 0: the display rate that the driver reports
   double serverHertz = 90.0;
   double waitForPoseSeconds = 10.0;
   std::uint64_t requireFrames = 0;
   std::uint64_t requirePoses = 0;
+  bool keepDevices = false;
   bool quiet = false;
 };
 
 /// Reads the command line. When the program shall end at once (help, bad options), says why and gives the exit code.
-[[nodiscard]] std::optional<int> ParseOptions(int argc, char **argv, SimulationOptions &options);
+[[nodiscard]] std::optional<int> ParseOptions(int argc, char** argv, SimulationOptions& options);
 
-} // namespace bench
+}  // namespace bench

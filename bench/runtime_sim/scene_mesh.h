@@ -17,14 +17,14 @@ struct SceneVertex {
   std::array<float, 3> tint;
 };
 
-using Mesh = std::vector<SceneVertex>; ///< a list of triangles
+using Mesh = std::vector<SceneVertex>;  ///< a list of triangles
 
 /// A closed room around the standing place, 8 by 8 metres and 4 high, a different wall in each direction
 /// (north is -z), with pillars and crates at several distances.
 [[nodiscard]] Mesh BuildRoom();
 
 /// Adds a box of the given half sizes at a pose, each face with the whole surface, faces shaded apart.
-void AppendBox(Mesh &mesh, const runtime::PoseMatrix &pose, const std::array<float, 3> &halfSize, Surface surface,
-               const std::array<float, 3> &tint);
+void AppendBox(Mesh& mesh, const runtime::PoseMatrix& pose, const std::array<float, 3>& halfSize, Surface surface,
+               const std::array<float, 3>& tint);
 
-} // namespace bench
+}  // namespace bench

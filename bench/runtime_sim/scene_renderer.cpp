@@ -17,7 +17,7 @@ struct CameraConstants {
   float padding[3];
 };
 
-vr::HmdMatrix44_t ClipFromWorld(const vr::HmdMatrix44_t &projection, const runtime::PoseMatrix &eyeFromWorld) {
+vr::HmdMatrix44_t ClipFromWorld(const vr::HmdMatrix44_t& projection, const runtime::PoseMatrix& eyeFromWorld) {
   vr::HmdMatrix44_t clip{};
   for (int row = 0; row < 4; ++row) {
     for (int column = 0; column < 4; ++column) {
@@ -31,9 +31,10 @@ vr::HmdMatrix44_t ClipFromWorld(const vr::HmdMatrix44_t &projection, const runti
   return clip;
 }
 
-} // namespace
+}  // namespace
 
-SceneRenderer::SceneRenderer(Microsoft::WRL::ComPtr<ID3D11Device> device, Microsoft::WRL::ComPtr<ID3D11DeviceContext> context)
+SceneRenderer::SceneRenderer(Microsoft::WRL::ComPtr<ID3D11Device> device,
+                             Microsoft::WRL::ComPtr<ID3D11DeviceContext> context)
     : device_(std::move(device)), context_(std::move(context)) {
   CreateShaders();
   CreateStates();
@@ -47,10 +48,12 @@ SceneRenderer::SceneRenderer(Microsoft::WRL::ComPtr<ID3D11Device> device, Micros
 void SceneRenderer::CreateShaders() {
   const auto vertexCode = CompileSceneVertexShader();
   const auto pixelCode = CompileScenePixelShader();
-  RequireOk(device_->CreateVertexShader(vertexCode->GetBufferPointer(), vertexCode->GetBufferSize(), nullptr, &vertexShader_),
-            "making the vertex shader");
-  RequireOk(device_->CreatePixelShader(pixelCode->GetBufferPointer(), pixelCode->GetBufferSize(), nullptr, &pixelShader_),
-            "making the pixel shader");
+  RequireOk(
+      device_->CreateVertexShader(vertexCode->GetBufferPointer(), vertexCode->GetBufferSize(), nullptr, &vertexShader_),
+      "making the vertex shader");
+  RequireOk(
+      device_->CreatePixelShader(pixelCode->GetBufferPointer(), pixelCode->GetBufferSize(), nullptr, &pixelShader_),
+      "making the pixel shader");
   const D3D11_INPUT_ELEMENT_DESC elements[] = {
       {"POSITION", 0, DXGI_FORMAT_R32G32B32_FLOAT, 0, offsetof(SceneVertex, position), D3D11_INPUT_PER_VERTEX_DATA, 0},
       {"TEXCOORD", 0, DXGI_FORMAT_R32G32B32_FLOAT, 0, offsetof(SceneVertex, texture), D3D11_INPUT_PER_VERTEX_DATA, 0},
@@ -94,7 +97,7 @@ Microsoft::WRL::ComPtr<ID3D11ShaderResourceView> SceneRenderer::CreateSurfaces(b
   std::vector<D3D11_SUBRESOURCE_DATA> data;
   for (std::size_t slice = 0; slice < kSlices; ++slice) {
     slices.push_back(PaintSurface(static_cast<Surface>(slice), gammaEncoded));
-    for (const Picture &picture : slices.back()) {
+    for (const Picture& picture : slices.back()) {
       data.push_back({picture.bytes.data(), 4 * picture.size, 0});
     }
   }
@@ -113,7 +116,7 @@ Microsoft::WRL::ComPtr<ID3D11ShaderResourceView> SceneRenderer::CreateSurfaces(b
   return view;
 }
 
-Microsoft::WRL::ComPtr<ID3D11Buffer> SceneRenderer::CreateVertices(const Mesh &mesh) {
+Microsoft::WRL::ComPtr<ID3D11Buffer> SceneRenderer::CreateVertices(const Mesh& mesh) {
   D3D11_BUFFER_DESC description{};
   description.ByteWidth = static_cast<UINT>(mesh.size() * sizeof(SceneVertex));
   description.Usage = D3D11_USAGE_IMMUTABLE;
@@ -142,7 +145,7 @@ void SceneRenderer::CreateDepth(std::uint32_t width, std::uint32_t height) {
   depthHeight_ = height;
 }
 
-void SceneRenderer::WriteCamera(const EyeView &view) {
+void SceneRenderer::WriteCamera(const EyeView& view) {
   CameraConstants constants{};
   constants.clipFromWorld = ClipFromWorld(view.projection, runtime::InvertRigid(view.worldFromEye));
   constants.tintExponent = view.gammaEncoded ? 1.0F : 2.2F;
@@ -152,8 +155,8 @@ void SceneRenderer::WriteCamera(const EyeView &view) {
   context_->Unmap(camera_.Get(), 0);
 }
 
-void SceneRenderer::BindPipeline(const EyeView &view) {
-  ID3D11RenderTargetView *target = view.target;
+void SceneRenderer::BindPipeline(const EyeView& view) {
+  ID3D11RenderTargetView* target = view.target;
   context_->OMSetRenderTargets(1, &target, depth_.Get());
   context_->OMSetDepthStencilState(depthState_.Get(), 0);
   context_->RSSetState(rasterizer_.Get());
@@ -167,14 +170,14 @@ void SceneRenderer::BindPipeline(const EyeView &view) {
   context_->PSSetSamplers(0, 1, sampler_.GetAddressOf());
 }
 
-void SceneRenderer::Draw(ID3D11Buffer *vertices, std::uint32_t count) {
+void SceneRenderer::Draw(ID3D11Buffer* vertices, std::uint32_t count) {
   const UINT stride = sizeof(SceneVertex);
   const UINT offset = 0;
   context_->IASetVertexBuffers(0, 1, &vertices, &stride, &offset);
   context_->Draw(count, 0);
 }
 
-void SceneRenderer::PaintEye(const EyeView &view) {
+void SceneRenderer::PaintEye(const EyeView& view) {
   if (depthWidth_ != view.targetWidth || depthHeight_ != view.targetHeight) {
     CreateDepth(view.targetWidth, view.targetHeight);
   }
@@ -194,4 +197,4 @@ void SceneRenderer::PaintEye(const EyeView &view) {
   context_->OMSetRenderTargets(0, nullptr, nullptr);
 }
 
-} // namespace bench
+}  // namespace bench

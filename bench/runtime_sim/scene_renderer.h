@@ -14,7 +14,7 @@ namespace bench {
 /// Draws the room, and what moves in it, with Direct3D 11. All methods but the constructor run on the
 /// compositor's thread; the device's context is used by nobody else meanwhile.
 class SceneRenderer : public FramePainter {
-public:
+ public:
   /// What moves: asked once per frame, before the left eye.
   using MovingParts = std::function<Mesh()>;
 
@@ -23,17 +23,17 @@ public:
 
   void SetMovingParts(MovingParts parts) { movingParts_ = std::move(parts); }
 
-  void PaintEye(const EyeView &view) override;
+  void PaintEye(const EyeView& view) override;
 
-private:
+ private:
   void CreateShaders();
   void CreateStates();
   void CreateDepth(std::uint32_t width, std::uint32_t height);
   [[nodiscard]] Microsoft::WRL::ComPtr<ID3D11ShaderResourceView> CreateSurfaces(bool gammaEncoded);
-  [[nodiscard]] Microsoft::WRL::ComPtr<ID3D11Buffer> CreateVertices(const Mesh &mesh);
-  void WriteCamera(const EyeView &view);
-  void BindPipeline(const EyeView &view);
-  void Draw(ID3D11Buffer *vertices, std::uint32_t count);
+  [[nodiscard]] Microsoft::WRL::ComPtr<ID3D11Buffer> CreateVertices(const Mesh& mesh);
+  void WriteCamera(const EyeView& view);
+  void BindPipeline(const EyeView& view);
+  void Draw(ID3D11Buffer* vertices, std::uint32_t count);
 
   Microsoft::WRL::ComPtr<ID3D11Device> device_;
   Microsoft::WRL::ComPtr<ID3D11DeviceContext> context_;
@@ -56,4 +56,4 @@ private:
   MovingParts movingParts_;
 };
 
-} // namespace bench
+}  // namespace bench

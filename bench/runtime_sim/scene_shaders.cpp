@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include <d3dcompiler.h>
 #include <windows.h>
+#include <d3dcompiler.h>
 
 namespace bench {
 namespace {
@@ -43,26 +43,26 @@ pD3DCompile FindCompiler() {
   if (function == nullptr) {
     throw std::runtime_error("there is no d3dcompiler_47.dll");
   }
-  return reinterpret_cast<pD3DCompile>(reinterpret_cast<void *>(function));
+  return reinterpret_cast<pD3DCompile>(reinterpret_cast<void*>(function));
 }
 
-Microsoft::WRL::ComPtr<ID3DBlob> Compile(const char *entry, const char *target) {
+Microsoft::WRL::ComPtr<ID3DBlob> Compile(const char* entry, const char* target) {
   static const pD3DCompile compile = FindCompiler();
   Microsoft::WRL::ComPtr<ID3DBlob> code;
   Microsoft::WRL::ComPtr<ID3DBlob> messages;
   const HRESULT result =
       compile(kSource.data(), kSource.size(), "scene", nullptr, nullptr, entry, target, 0, 0, &code, &messages);
   if (result != S_OK) {
-    const auto *text = messages ? static_cast<const char *>(messages->GetBufferPointer()) : "no message";
+    const auto* text = messages ? static_cast<const char*>(messages->GetBufferPointer()) : "no message";
     throw std::runtime_error(std::string("the scene's shader does not compile: ") + text);
   }
   return code;
 }
 
-} // namespace
+}  // namespace
 
 Microsoft::WRL::ComPtr<ID3DBlob> CompileSceneVertexShader() { return Compile("VertexMain", "vs_4_0"); }
 
 Microsoft::WRL::ComPtr<ID3DBlob> CompileScenePixelShader() { return Compile("PixelMain", "ps_4_0"); }
 
-} // namespace bench
+}  // namespace bench

@@ -10,4 +10,4 @@ namespace bench {
 [[nodiscard]] Microsoft::WRL::ComPtr<ID3DBlob> CompileSceneVertexShader();
 [[nodiscard]] Microsoft::WRL::ComPtr<ID3DBlob> CompileScenePixelShader();
 
-} // namespace bench
+}  // namespace bench

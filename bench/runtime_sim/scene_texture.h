@@ -17,4 +17,4 @@ struct Picture {
 /// Screen colours if `gammaEncoded`, else linear ones (the screen's raised to 2.2).
 [[nodiscard]] std::vector<Picture> PaintSurface(Surface surface, bool gammaEncoded);
 
-} // namespace bench
+}  // namespace bench

@@ -6,6 +6,7 @@
 
 #include "runtime/clock.h"
 #include "runtime/wait.h"
+#include "sharing/device_group.h"
 #include "sharing/sharing_device.h"
 
 namespace bench {
@@ -24,13 +25,21 @@ void Intercept(DriverModule::Module module) {
   }
 }
 
-} // namespace
+}  // namespace
 
-Simulation::Simulation(const SimulationOptions &options)
-    : options_(options), driver_(FindDriver(options.driver)), runtime_(driver_.name), poseCsv_(options.posesCsv),
-      frameCsv_(options.framesCsv), haptics_(options.haptics.empty() ? HapticScript() : HapticScript(options.haptics)),
-      module_(driver_.library, Intercept), session_(runtime_, module_.Provider()) {
+Simulation::Simulation(const SimulationOptions& options)
+    : options_(options),
+      driver_(FindDriver(options.driver)),
+      runtime_(driver_.name),
+      poseCsv_(options.posesCsv),
+      frameCsv_(options.framesCsv),
+      haptics_(options.haptics.empty() ? HapticScript() : HapticScript(options.haptics)),
+      module_(driver_.library, Intercept),
+      session_(runtime_, module_.Provider()) {
   LoadSettings();
+  if (options_.keepDevices) {
+    SetObserver(DeviceGroup::kIntercepted, &deviceKeeper_);
+  }
   runtime_.Journal().LimitMemory(kKeptCalls);
   runtime_.Poses().LimitMemory(kKeptCalls);
   runtime_.Input().LimitMemory(kKeptCalls);
@@ -41,7 +50,7 @@ Simulation::Simulation(const SimulationOptions &options)
   if (!options_.quiet) {
     runtime_.Log().EchoToStandardOutput("driver: ");
   }
-  runtime_.Poses().Listen([this](const PoseRecord &record) {
+  runtime_.Poses().Listen([this](const PoseRecord& record) {
     if (record.device == kHead) {
       poseCsv_.Add(record);
     }
@@ -49,6 +58,7 @@ Simulation::Simulation(const SimulationOptions &options)
 }
 
 Simulation::~Simulation() {
+  SetObserver(DeviceGroup::kIntercepted, nullptr);
   if (!graphics_) {
     return;
   }
@@ -92,8 +102,8 @@ void Simulation::WaitForFirstPose() {
   std::fflush(stdout);
   const std::size_t before = runtime_.Poses().Count(kHead);
   const std::chrono::milliseconds timeout(static_cast<std::int64_t>(options_.waitForPoseSeconds * 1000.0));
-  static_cast<void>(
-      WaitUntil([&] { return stopRequested_ || runtime_.Poses().Count(kHead) > std::max<std::size_t>(before, 1); }, timeout));
+  static_cast<void>(WaitUntil(
+      [&] { return stopRequested_ || runtime_.Poses().Count(kHead) > std::max<std::size_t>(before, 1); }, timeout));
 }
 
 void Simulation::StartGraphics() {
@@ -102,13 +112,13 @@ void Simulation::StartGraphics() {
     throw std::runtime_error("the driver has no headset");
   }
   headPosesAtStart_ = headPosesSeen_ = runtime_.Poses().Count(kHead);
-  graphics_ = std::make_unique<GraphicsThread>(runtime_, session_, *headset, options_.mode, options_.fps,
-                                               [this](const FrameReport &report) {
-                                                 statistics_.Add(report);
-                                                 frameCsv_.Add(report);
-                                               });
+  graphics_ =
+      std::make_unique<GraphicsThread>(runtime_, session_, *headset, options_, [this](const FrameReport& report) {
+        statistics_.Add(report);
+        frameCsv_.Add(report);
+      });
   modeName_ = graphics_->ModeName();
-  const DisplayGeometry &geometry = graphics_->Geometry();
+  const DisplayGeometry& geometry = graphics_->Geometry();
   std::printf("runtime: %s mode, %u x %u an eye, window %u x %u\n", modeName_.c_str(), geometry.renderWidth,
               geometry.renderHeight, geometry.windowWidth, geometry.windowHeight);
 }
@@ -124,7 +134,7 @@ void Simulation::Watch() {
   const auto seconds = [start] { return runtime::TicksToSeconds(runtime::NowTicks() - start); };
   while (!Finished(seconds())) {
     haptics_.Advance(seconds(), runtime_, session_);
-    if (graphics_->WaitStopped(10ms)) { // it ends by itself only when it fails
+    if (graphics_->WaitStopped(10ms)) {  // it ends by itself only when it fails
       throw std::runtime_error("the compositor stopped: " + graphics_->Failure());
     }
     if (seconds() >= nextLine) {
@@ -138,12 +148,14 @@ void Simulation::Watch() {
 void Simulation::PrintLive(double seconds) {
   const std::size_t poses = runtime_.Poses().Count(kHead);
   const FrameFigures recent = statistics_.TakeRecent();
-  std::printf("runtime: %6.1f s  poses %zu/s  frames %llu/s  pose age %.1f ms  dropped %llu  in all %llu frames, %llu dropped\n",
-              seconds, poses - headPosesSeen_, static_cast<unsigned long long>(recent.frames), recent.poseAgeMedianMs,
-              static_cast<unsigned long long>(recent.missedIntervals), static_cast<unsigned long long>(statistics_.Frames()),
-              static_cast<unsigned long long>(statistics_.All().missedIntervals));
+  std::printf(
+      "runtime: %6.1f s  poses %zu/s  frames %llu/s  pose age %.1f ms  dropped %llu  in all %llu frames, %llu "
+      "dropped\n",
+      seconds, poses - headPosesSeen_, static_cast<unsigned long long>(recent.frames), recent.poseAgeMedianMs,
+      static_cast<unsigned long long>(recent.missedIntervals), static_cast<unsigned long long>(statistics_.Frames()),
+      static_cast<unsigned long long>(statistics_.All().missedIntervals));
   std::fflush(stdout);
   headPosesSeen_ = poses;
 }
 
-} // namespace bench
+}  // namespace bench

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "csv_log.h"
+#include "device_keeper.h"
 #include "frame_statistics.h"
 #include "graphics_thread.h"
 #include "haptic_script.h"
@@ -20,9 +21,9 @@ namespace bench {
 /// One session of the stand-in runtime with one driver, from loading to unloading. Used by one thread, but
 /// for Stop, which any may call.
 class Simulation {
-public:
+ public:
   /// Loads the driver. Throws std::runtime_error if it, its settings or an output file is not usable.
-  explicit Simulation(const SimulationOptions &options);
+  explicit Simulation(const SimulationOptions& options);
   ~Simulation();
 
   /// Runs the session to its end; 0 if all went well, else the program's exit code. Throws
@@ -31,7 +32,7 @@ public:
   /// Asks Run to end early.
   void Stop() { stopRequested_ = true; }
 
-private:
+ private:
   void LoadSettings();
   void WaitForFirstPose();
   void StartGraphics();
@@ -50,6 +51,7 @@ private:
   FrameCsv frameCsv_;
   HapticScript haptics_;
   FrameStatistics statistics_;
+  DeviceKeeper deviceKeeper_;
   DriverModule module_;
   RuntimeSession session_;
   std::unique_ptr<GraphicsThread> graphics_;
@@ -63,4 +65,4 @@ private:
   std::atomic<bool> stopRequested_ = false;
 };
 
-} // namespace bench
+}  // namespace bench

@@ -15,13 +15,13 @@ using namespace std::chrono_literals;
 constexpr int kExitRequirement = 3;
 constexpr vr::TrackedDeviceIndex_t kHead = vr::k_unTrackedDeviceIndex_Hmd;
 
-} // namespace
+}  // namespace
 
 void Simulation::Shutdown() {
   const auto headset = session_.Headset();
   displayFrequency_ = static_cast<double>(
       runtime_.Properties().Get<float>(headset->container, vr::Prop_DisplayFrequency_Float).value_or(0.0F));
-  for (const ActiveDevice &device : session_.Devices()) {
+  for (const ActiveDevice& device : session_.Devices()) {
     devices_.push_back({{"serial", device.added.serial},
                         {"class", static_cast<int>(device.added.deviceClass)},
                         {"index", device.added.index},
@@ -50,11 +50,12 @@ int Simulation::Conclude() {
   WriteSummary();
   const FrameFigures all = statistics_.All();
   const std::size_t poses = runtime_.Poses().Count(kHead) - headPosesAtStart_;
-  std::printf("runtime: %.1f s, %zu poses (%.1f/s), %llu frames (%.1f/s), %llu dropped, pose age %.2f ms (p99 %.2f), "
-              "Present %.2f ms (p99 %.2f), Cleanup %.0f ms\n",
-              secondsRun_, poses, static_cast<double>(poses) / secondsRun_, static_cast<unsigned long long>(all.frames),
-              all.FramesPerSecond(), static_cast<unsigned long long>(all.missedIntervals), all.poseAgeMedianMs,
-              all.poseAgeP99Ms, all.presentMedianMs, all.presentP99Ms, cleanupMs_);
+  std::printf(
+      "runtime: %.1f s, %zu poses (%.1f/s), %llu frames (%.1f/s), %llu dropped, pose age %.2f ms (p99 %.2f), "
+      "Present %.2f ms (p99 %.2f), Cleanup %.0f ms\n",
+      secondsRun_, poses, static_cast<double>(poses) / secondsRun_, static_cast<unsigned long long>(all.frames),
+      all.FramesPerSecond(), static_cast<unsigned long long>(all.missedIntervals), all.poseAgeMedianMs,
+      all.poseAgeP99Ms, all.presentMedianMs, all.presentP99Ms, cleanupMs_);
   if (all.frames < options_.requireFrames || poses < options_.requirePoses) {
     std::fprintf(stderr, "runtime: fewer frames or poses than required\n");
     return kExitRequirement;
@@ -98,7 +99,7 @@ void Simulation::WriteDriverLog() {
     return;
   }
   std::ofstream stream(options_.driverLog, std::ios::binary | std::ios::trunc);
-  for (const std::string &line : runtime_.Log().Lines()) {
+  for (const std::string& line : runtime_.Log().Lines()) {
     stream << line;
   }
   if (!stream) {
@@ -106,4 +107,4 @@ void Simulation::WriteDriverLog() {
   }
 }
 
-} // namespace bench
+}  // namespace bench

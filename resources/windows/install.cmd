@@ -138,6 +138,7 @@ set "wanted=colon"
 goto take_rest
 
 rem After the key: blanks, a colon, blanks, an opening bracket, blanks, and then the string. All else ends it.
+rem Of the two comparisons with a blank the second is with a tab.
 :take_next
 set "first=%rest:~0,1%"
 if "%first%"=="?" goto take_string

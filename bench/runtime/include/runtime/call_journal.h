@@ -18,10 +18,10 @@ namespace bench {
 
 /// One call, in the order in which the calls reached the stand-in.
 struct JournalEntry {
-  std::uint64_t sequence = 0; ///< 0 for the first call, never reused
-  std::int64_t ticks = 0;     ///< performance counter on arrival
-  std::uint32_t threadId = 0; ///< the calling thread
-  std::string call;           ///< "Interface.Method"
+  std::uint64_t sequence = 0;  ///< 0 for the first call, never reused
+  std::int64_t ticks = 0;      ///< performance counter on arrival
+  std::uint32_t threadId = 0;  ///< the calling thread
+  std::string call;            ///< "Interface.Method"
   nlohmann::ordered_json arguments;
 };
 
@@ -29,7 +29,7 @@ struct JournalEntry {
 /// runtime ("IVRSettings.GetBool") and the runtime's calls that matter for order ("driver.Init").
 /// Every method may be called from any thread.
 class CallJournal {
-public:
+ public:
   void Append(std::string call, nlohmann::ordered_json arguments);
 
   /// A copy of the entries kept in memory, oldest first; with a name, only that call's.
@@ -45,7 +45,7 @@ public:
   void LimitMemory(std::size_t entries);
   /// Writes every later entry as one JSON object a line. Throws std::runtime_error if the file
   /// cannot be made.
-  void RecordTo(const std::filesystem::path &file);
+  void RecordTo(const std::filesystem::path& file);
 
   /// Waits until `condition` holds; it is checked again after every call that arrives. It runs
   /// without the journal's lock, so it may use the journal and every other part of the stand-in.
@@ -63,7 +63,7 @@ public:
     }
   }
 
-private:
+ private:
   [[nodiscard]] std::uint64_t NextSequence() const;
   bool WaitForNewerThan(std::uint64_t sequence, std::chrono::steady_clock::time_point deadline);
 
@@ -76,4 +76,4 @@ private:
   std::ofstream recording_;
 };
 
-} // namespace bench
+}  // namespace bench

@@ -16,4 +16,4 @@ namespace bench::runtime {
 /// Waits until the performance counter reaches `deadlineTicks`; returns at once if it has passed.
 void SleepUntilTicks(std::int64_t deadlineTicks);
 
-} // namespace bench::runtime
+}  // namespace bench::runtime

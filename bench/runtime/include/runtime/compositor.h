@@ -21,11 +21,11 @@ namespace bench {
 /// One frame of the compositor. Ticks are of the performance counter.
 struct FrameReport {
   std::uint64_t index = 0;
-  std::int64_t poseTicks = 0;         ///< when the pose that was rendered had come from the driver; 0: none had
-  std::int64_t renderTicks = 0;       ///< when the pose was taken and rendering began
-  std::int64_t presentTicks = 0;      ///< when Present was called
-  std::int64_t presentedTicks = 0;    ///< when Present came back
-  runtime::PoseMatrix pose{};         ///< the head's pose that was rendered and, in direct mode, submitted
+  std::int64_t poseTicks = 0;       ///< when the pose that was rendered had come from the driver; 0: none had
+  std::int64_t renderTicks = 0;     ///< when the pose was taken and rendering began
+  std::int64_t presentTicks = 0;    ///< when Present was called
+  std::int64_t presentedTicks = 0;  ///< when Present came back
+  runtime::PoseMatrix pose{};       ///< the head's pose that was rendered and, in direct mode, submitted
   /// Display intervals since the frame before in which nothing was handed to the driver: whole periods
   /// between the two Present calls, less the one that belongs to the frame.
   std::uint32_t missedIntervals = 0;
@@ -38,13 +38,13 @@ struct FrameReport {
 /// the frame to the driver, at the display rate that the driver reports. Derived classes hand over in one of
 /// the two ways that drivers offer. RunFrame and the loop are never used at once.
 class Compositor {
-public:
-  using Listener = std::function<void(const FrameReport &)>;
+ public:
+  using Listener = std::function<void(const FrameReport&)>;
 
   /// `runtime` and `painter` must outlive the compositor, and the driver its loop.
-  Compositor(FakeRuntime &runtime, const ActiveDevice &headset, FramePainter &painter);
-  Compositor(const Compositor &) = delete;
-  Compositor &operator=(const Compositor &) = delete;
+  Compositor(FakeRuntime& runtime, const ActiveDevice& headset, FramePainter& painter);
+  Compositor(const Compositor&) = delete;
+  Compositor& operator=(const Compositor&) = delete;
   virtual ~Compositor() = default;
 
   /// One frame, without a wait for its time. Throws std::runtime_error if Direct3D fails.
@@ -62,26 +62,26 @@ public:
   [[nodiscard]] std::string Failure() const;
   /// Called after each frame on the compositor's thread. Set before Start.
   void Listen(Listener listener) { listener_ = std::move(listener); }
-  [[nodiscard]] const DisplayGeometry &Geometry() const { return geometry_; }
+  [[nodiscard]] const DisplayGeometry& Geometry() const { return geometry_; }
 
-protected:
+ protected:
   /// Ends the loop and waits for it. The destructors of derived classes call it first.
   void Join();
   /// Paints and presents; fills the two Present times of the report.
-  virtual void HandOver(FrameReport &report) = 0;
+  virtual void HandOver(FrameReport& report) = 0;
   /// Called after a frame was handed over: whatever the driver's way has for waiting and timing.
-  virtual void AfterPresent(const FrameReport &report) = 0;
+  virtual void AfterPresent(const FrameReport& report) = 0;
   [[nodiscard]] bool StopRequested() const { return stopRequested_; }
   /// An eye's camera for a head pose; target and viewport are left to the derived class.
-  [[nodiscard]] EyeView ViewOf(vr::EVREye eye, const runtime::PoseMatrix &head) const;
-  [[nodiscard]] FramePainter &Painter() { return painter_; }
+  [[nodiscard]] EyeView ViewOf(vr::EVREye eye, const runtime::PoseMatrix& head) const;
+  [[nodiscard]] FramePainter& Painter() { return painter_; }
 
-private:
+ private:
   [[nodiscard]] std::int64_t PeriodTicks(double hertz) const;
 
-  FakeRuntime &runtime_;
+  FakeRuntime& runtime_;
   ActiveDevice headset_;
-  FramePainter &painter_;
+  FramePainter& painter_;
   DisplayGeometry geometry_;
   float ipdMeters_ = 0.0F;
   double hertz_ = 0.0;
@@ -96,4 +96,4 @@ private:
   std::string failure_;
 };
 
-} // namespace bench
+}  // namespace bench

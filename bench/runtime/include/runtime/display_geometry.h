@@ -20,7 +20,7 @@ struct ProjectionTangents {
 
 struct EyeGeometry {
   ProjectionTangents projection;
-  std::uint32_t x = 0; ///< where the eye's picture lies in the window, in pixels
+  std::uint32_t x = 0;  ///< where the eye's picture lies in the window, in pixels
   std::uint32_t y = 0;
   std::uint32_t width = 0;
   std::uint32_t height = 0;
@@ -32,17 +32,17 @@ struct DisplayGeometry {
   std::int32_t windowY = 0;
   std::uint32_t windowWidth = 0;
   std::uint32_t windowHeight = 0;
-  std::uint32_t renderWidth = 0; ///< recommended size of one eye's picture
+  std::uint32_t renderWidth = 0;  ///< recommended size of one eye's picture
   std::uint32_t renderHeight = 0;
-  std::array<EyeGeometry, 2> eyes{}; ///< left, right
+  std::array<EyeGeometry, 2> eyes{};  ///< left, right
 };
 
-[[nodiscard]] DisplayGeometry ReadDisplayGeometry(vr::IVRDisplayComponent &display);
+[[nodiscard]] DisplayGeometry ReadDisplayGeometry(vr::IVRDisplayComponent& display);
 
 /// The usual right-handed projection with depth 0 at `nearMeters` and 1 at `farMeters`, for column vectors.
-[[nodiscard]] vr::HmdMatrix44_t ProjectionMatrix(const ProjectionTangents &tangents, float nearMeters, float farMeters);
+[[nodiscard]] vr::HmdMatrix44_t ProjectionMatrix(const ProjectionTangents& tangents, float nearMeters, float farMeters);
 
 /// Where an eye stands in the head: half the distance of the pupils to its side.
 [[nodiscard]] runtime::PoseMatrix HeadFromEye(vr::EVREye eye, float ipdMeters);
 
-} // namespace bench
+}  // namespace bench

@@ -21,14 +21,15 @@ struct PropertyWriteRecord {
   vr::ETrackedDeviceProperty property = {};
   vr::PropertyTypeTag_t tag = 0;
   vr::EPropertyWriteType writeType = {};
-  std::vector<std::uint8_t> bytes; ///< as long as the size that the driver gave
-  std::uint32_t call = 0;          ///< number of the WritePropertyBatch call, from 0
+  std::vector<std::uint8_t> bytes;  ///< as long as the size that the driver gave
+  std::uint32_t call = 0;           ///< number of the WritePropertyBatch call, from 0
   std::uint32_t entryInCall = 0;
   std::uint32_t entriesInCall = 0;
   vr::ETrackedPropertyError result = {};
 
   /// The value as a T; T must be as large as the bytes, or nothing comes back.
-  template <typename T> [[nodiscard]] std::optional<T> As() const {
+  template <typename T>
+  [[nodiscard]] std::optional<T> As() const {
     if (bytes.size() != sizeof(T)) {
       return std::nullopt;
     }
@@ -44,8 +45,8 @@ struct PropertyWriteRecord {
 /// the runtime can give out; writes to any other container are recorded and answered
 /// TrackedProp_InvalidDevice. Callable from any thread.
 class FakeProperties : public vr::IVRProperties {
-public:
-  explicit FakeProperties(CallRecorder &recorder) : recorder_(recorder) {}
+ public:
+  explicit FakeProperties(CallRecorder& recorder) : recorder_(recorder) {}
 
   /// The container of a device; k_ulInvalidPropertyContainer for an index beyond the runtime's limit.
   [[nodiscard]] static vr::PropertyContainerHandle_t ContainerOf(vr::TrackedDeviceIndex_t device);
@@ -57,7 +58,8 @@ public:
   [[nodiscard]] std::optional<PropertyWriteRecord> Find(vr::PropertyContainerHandle_t container,
                                                         vr::ETrackedDeviceProperty property) const;
   template <typename T>
-  [[nodiscard]] std::optional<T> Get(vr::PropertyContainerHandle_t container, vr::ETrackedDeviceProperty property) const {
+  [[nodiscard]] std::optional<T> Get(vr::PropertyContainerHandle_t container,
+                                     vr::ETrackedDeviceProperty property) const {
     const auto found = Find(container, property);
     return found ? found->As<T>() : std::nullopt;
   }
@@ -66,20 +68,20 @@ public:
   /// Every later write of that property is refused with `error`; the stored value stays.
   void FailWrite(vr::ETrackedDeviceProperty property, vr::ETrackedPropertyError error);
 
-  vr::ETrackedPropertyError ReadPropertyBatch(vr::PropertyContainerHandle_t ulContainerHandle, vr::PropertyRead_t *pBatch,
-                                              uint32_t unBatchEntryCount) override;
-  vr::ETrackedPropertyError WritePropertyBatch(vr::PropertyContainerHandle_t ulContainerHandle, vr::PropertyWrite_t *pBatch,
-                                               uint32_t unBatchEntryCount) override;
-  const char *GetPropErrorNameFromEnum(vr::ETrackedPropertyError error) override;
+  vr::ETrackedPropertyError ReadPropertyBatch(vr::PropertyContainerHandle_t ulContainerHandle,
+                                              vr::PropertyRead_t* pBatch, uint32_t unBatchEntryCount) override;
+  vr::ETrackedPropertyError WritePropertyBatch(vr::PropertyContainerHandle_t ulContainerHandle,
+                                               vr::PropertyWrite_t* pBatch, uint32_t unBatchEntryCount) override;
+  const char* GetPropErrorNameFromEnum(vr::ETrackedPropertyError error) override;
   vr::PropertyContainerHandle_t TrackedDeviceToPropertyContainer(vr::TrackedDeviceIndex_t nDevice) override;
 
-private:
+ private:
   using Key = std::pair<vr::PropertyContainerHandle_t, vr::ETrackedDeviceProperty>;
 
-  vr::ETrackedPropertyError Store(const PropertyWriteRecord &write);
-  vr::ETrackedPropertyError ReadOne(vr::PropertyContainerHandle_t container, vr::PropertyRead_t &read);
+  vr::ETrackedPropertyError Store(const PropertyWriteRecord& write);
+  vr::ETrackedPropertyError ReadOne(vr::PropertyContainerHandle_t container, vr::PropertyRead_t& read);
 
-  CallRecorder &recorder_;
+  CallRecorder& recorder_;
   mutable std::mutex mutex_;
   std::vector<PropertyWriteRecord> writes_;
   std::map<Key, PropertyWriteRecord> values_;
@@ -87,4 +89,4 @@ private:
   std::uint32_t writeCalls_ = 0;
 };
 
-} // namespace bench
+}  // namespace bench

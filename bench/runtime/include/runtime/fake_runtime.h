@@ -21,32 +21,32 @@ namespace bench {
 /// The host side of the driver boundary: the context that a driver's Init receives, and behind it one
 /// of each host interface. It must outlive the driver module that was given it. Callable from any thread.
 class FakeRuntime : public vr::IVRDriverContext {
-public:
-  explicit FakeRuntime(const std::string &driverName = "ombrel");
+ public:
+  explicit FakeRuntime(const std::string& driverName = "ombrel");
 
-  [[nodiscard]] CallJournal &Journal() { return recorder_.Journal(); }
+  [[nodiscard]] CallJournal& Journal() { return recorder_.Journal(); }
   /// Scripts exceptions: see CallRecorder::ThrowFrom.
-  [[nodiscard]] CallRecorder &Recorder() { return recorder_; }
-  [[nodiscard]] FakeServerHost &Host() { return host_; }
-  [[nodiscard]] PoseLog &Poses() { return host_.Poses(); }
-  [[nodiscard]] FakeSettings &Settings() { return settings_; }
-  [[nodiscard]] FakeProperties &Properties() { return properties_; }
-  [[nodiscard]] FakeDriverInput &Input() { return input_; }
-  [[nodiscard]] FakeDriverLog &Log() { return log_; }
-  [[nodiscard]] FakeDriverManager &Manager() { return manager_; }
-  [[nodiscard]] FakeResources &Resources() { return resources_; }
+  [[nodiscard]] CallRecorder& Recorder() { return recorder_; }
+  [[nodiscard]] FakeServerHost& Host() { return host_; }
+  [[nodiscard]] PoseLog& Poses() { return host_.Poses(); }
+  [[nodiscard]] FakeSettings& Settings() { return settings_; }
+  [[nodiscard]] FakeProperties& Properties() { return properties_; }
+  [[nodiscard]] FakeDriverInput& Input() { return input_; }
+  [[nodiscard]] FakeDriverLog& Log() { return log_; }
+  [[nodiscard]] FakeDriverManager& Manager() { return manager_; }
+  [[nodiscard]] FakeResources& Resources() { return resources_; }
 
   /// That version string is answered with null and VRInitError_Init_InterfaceNotFound, until provided again.
-  void Withhold(const std::string &interfaceVersion);
-  void Provide(const std::string &interfaceVersion);
+  void Withhold(const std::string& interfaceVersion);
+  void Provide(const std::string& interfaceVersion);
   /// Every version string asked for, in order, whatever the answer was.
   [[nodiscard]] std::vector<std::string> RequestedInterfaces() const;
 
-  void *GetGenericInterface(const char *pchInterfaceVersion, vr::EVRInitError *peError) override;
+  void* GetGenericInterface(const char* pchInterfaceVersion, vr::EVRInitError* peError) override;
   vr::DriverHandle_t GetDriverHandle() override;
 
-private:
-  [[nodiscard]] void *Find(const std::string &interfaceVersion);
+ private:
+  [[nodiscard]] void* Find(const std::string& interfaceVersion);
 
   CallRecorder recorder_;
   FakeServerHost host_;
@@ -61,4 +61,4 @@ private:
   std::set<std::string> withheld_;
 };
 
-} // namespace bench
+}  // namespace bench

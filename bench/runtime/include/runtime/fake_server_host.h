@@ -19,7 +19,7 @@ namespace bench {
 struct AddedDevice {
   std::string serial;
   vr::ETrackedDeviceClass deviceClass = {};
-  vr::ITrackedDeviceServerDriver *driver = nullptr;
+  vr::ITrackedDeviceServerDriver* driver = nullptr;
   bool accepted = false;
   /// The index that an accepted device will be activated with: 0 for the first headset, else counted from 1.
   vr::TrackedDeviceIndex_t index = vr::k_unTrackedDeviceIndexInvalid;
@@ -27,45 +27,46 @@ struct AddedDevice {
 
 /// IVRServerDriverHost_005. Callable from any thread.
 class FakeServerHost : public vr::IVRServerDriverHost {
-public:
-  explicit FakeServerHost(CallRecorder &recorder) : recorder_(recorder) {}
+ public:
+  explicit FakeServerHost(CallRecorder& recorder) : recorder_(recorder) {}
 
   /// Every TrackedDeviceAdded call, in order.
   [[nodiscard]] std::vector<AddedDevice> Added() const;
   /// The accepted devices that nobody has taken for activation yet, in order.
   [[nodiscard]] std::vector<AddedDevice> TakePending();
   /// TrackedDeviceAdded will answer false for that serial.
-  void RefuseDevice(const std::string &serial);
+  void RefuseDevice(const std::string& serial);
 
-  [[nodiscard]] PoseLog &Poses() { return poses_; }
+  [[nodiscard]] PoseLog& Poses() { return poses_; }
 
-  void PushEvent(const vr::VREvent_t &event);
+  void PushEvent(const vr::VREvent_t& event);
   /// An Input_HapticVibration event as the runtime makes it for a haptic output.
-  void PushHaptic(vr::PropertyContainerHandle_t container, vr::VRInputComponentHandle_t component, float durationSeconds,
-                  float frequency, float amplitude);
+  void PushHaptic(vr::PropertyContainerHandle_t container, vr::VRInputComponentHandle_t component,
+                  float durationSeconds, float frequency, float amplitude);
   [[nodiscard]] std::size_t QueuedEvents() const;
   /// PollNextEvent calls whose size argument was not that of VREvent_t (48); they get no event.
   [[nodiscard]] std::size_t PollsWithWrongSize() const;
   [[nodiscard]] std::size_t VsyncEvents() const;
   void SetExiting(bool exiting);
 
-  bool TrackedDeviceAdded(const char *pchDeviceSerialNumber, vr::ETrackedDeviceClass eDeviceClass,
-                          vr::ITrackedDeviceServerDriver *pDriver) override;
-  void TrackedDevicePoseUpdated(uint32_t unWhichDevice, const vr::DriverPose_t &newPose, uint32_t unPoseStructSize) override;
+  bool TrackedDeviceAdded(const char* pchDeviceSerialNumber, vr::ETrackedDeviceClass eDeviceClass,
+                          vr::ITrackedDeviceServerDriver* pDriver) override;
+  void TrackedDevicePoseUpdated(uint32_t unWhichDevice, const vr::DriverPose_t& newPose,
+                                uint32_t unPoseStructSize) override;
   void VsyncEvent(double vsyncTimeOffsetSeconds) override;
-  void VendorSpecificEvent(uint32_t unWhichDevice, vr::EVREventType eventType, const vr::VREvent_Data_t &eventData,
+  void VendorSpecificEvent(uint32_t unWhichDevice, vr::EVREventType eventType, const vr::VREvent_Data_t& eventData,
                            double eventTimeOffset) override;
   bool IsExiting() override;
-  bool PollNextEvent(vr::VREvent_t *pEvent, uint32_t uncbVREvent) override;
-  void GetRawTrackedDevicePoses(float fPredictedSecondsFromNow, vr::TrackedDevicePose_t *pTrackedDevicePoseArray,
+  bool PollNextEvent(vr::VREvent_t* pEvent, uint32_t uncbVREvent) override;
+  void GetRawTrackedDevicePoses(float fPredictedSecondsFromNow, vr::TrackedDevicePose_t* pTrackedDevicePoseArray,
                                 uint32_t unTrackedDevicePoseArrayCount) override;
   void TrackedDeviceDisplayTransformUpdated(uint32_t unWhichDevice, vr::HmdMatrix34_t eyeToHeadLeft,
                                             vr::HmdMatrix34_t eyeToHeadRight) override;
 
-private:
+ private:
   [[nodiscard]] vr::TrackedDeviceIndex_t NextIndex(vr::ETrackedDeviceClass deviceClass);
 
-  CallRecorder &recorder_;
+  CallRecorder& recorder_;
   PoseLog poses_;
   mutable std::mutex mutex_;
   std::vector<AddedDevice> added_;
@@ -79,4 +80,4 @@ private:
   bool exiting_ = false;
 };
 
-} // namespace bench
+}  // namespace bench

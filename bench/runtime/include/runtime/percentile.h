@@ -7,4 +7,4 @@ namespace bench::runtime {
 /// The smallest of `values` that at least `share` (0 to 1) of them do not exceed; 0 without values.
 [[nodiscard]] double Percentile(std::vector<double> values, double share);
 
-} // namespace bench::runtime
+}  // namespace bench::runtime

@@ -16,17 +16,17 @@ namespace bench {
 struct PoseRecord {
   vr::TrackedDeviceIndex_t device = vr::k_unTrackedDeviceIndexInvalid;
   vr::DriverPose_t pose{};
-  std::uint32_t structSize = 0; ///< as the driver gave it; the pose is zero unless it is 280
-  std::int64_t ticks = 0;       ///< performance counter on arrival
+  std::uint32_t structSize = 0;  ///< as the driver gave it; the pose is zero unless it is 280
+  std::int64_t ticks = 0;        ///< performance counter on arrival
   std::uint32_t threadId = 0;
 };
 
 /// Keeps every pose that the driver sent. Callable from any thread.
 class PoseLog {
-public:
-  using Listener = std::function<void(const PoseRecord &)>;
+ public:
+  using Listener = std::function<void(const PoseRecord&)>;
 
-  void Add(const PoseRecord &record);
+  void Add(const PoseRecord& record);
 
   /// Poses ever received; with a device, only that one's.
   [[nodiscard]] std::size_t Count() const;
@@ -41,7 +41,7 @@ public:
   /// added before the driver sends poses and stay for the log's life.
   void Listen(Listener listener);
 
-private:
+ private:
   mutable std::mutex mutex_;
   std::deque<PoseRecord> poses_;
   std::map<vr::TrackedDeviceIndex_t, PoseRecord> latest_;
@@ -51,4 +51,4 @@ private:
   std::size_t memoryLimit_ = SIZE_MAX;
 };
 
-} // namespace bench
+}  // namespace bench

@@ -8,13 +8,13 @@ namespace bench::runtime {
 using PoseMatrix = vr::HmdMatrix34_t;
 
 [[nodiscard]] PoseMatrix IdentityPose();
-[[nodiscard]] PoseMatrix PoseFromQuaternion(const vr::HmdQuaternion_t &rotation, const double (&translation)[3]);
+[[nodiscard]] PoseMatrix PoseFromQuaternion(const vr::HmdQuaternion_t& rotation, const double (&translation)[3]);
 /// First `right`, then `left`.
-[[nodiscard]] PoseMatrix Multiply(const PoseMatrix &left, const PoseMatrix &right);
+[[nodiscard]] PoseMatrix Multiply(const PoseMatrix& left, const PoseMatrix& right);
 /// For transforms without scale.
-[[nodiscard]] PoseMatrix InvertRigid(const PoseMatrix &pose);
+[[nodiscard]] PoseMatrix InvertRigid(const PoseMatrix& pose);
 /// Where the device's head stands in the world: world-from-driver, the pose, driver-from-head.
 /// Time offset and velocities are not looked at: this runtime predicts nothing.
-[[nodiscard]] PoseMatrix WorldFromHead(const vr::DriverPose_t &pose);
+[[nodiscard]] PoseMatrix WorldFromHead(const vr::DriverPose_t& pose);
 
-} // namespace bench::runtime
+}  // namespace bench::runtime

@@ -27,11 +27,11 @@ struct ActiveDevice {
 /// the server thread; what the driver throws reaches the caller, except from RunFrame at a rate, where it
 /// is counted. Every call into the driver but RunFrame is in the journal ("driver.Activate").
 class RuntimeSession {
-public:
+ public:
   /// The provider's module must stay loaded until the session is gone.
-  RuntimeSession(FakeRuntime &runtime, vr::IServerTrackedDeviceProvider &provider);
-  RuntimeSession(const RuntimeSession &) = delete;
-  RuntimeSession &operator=(const RuntimeSession &) = delete;
+  RuntimeSession(FakeRuntime& runtime, vr::IServerTrackedDeviceProvider& provider);
+  RuntimeSession(const RuntimeSession&) = delete;
+  RuntimeSession& operator=(const RuntimeSession&) = delete;
   /// Cleans up if that has not been done.
   ~RuntimeSession();
 
@@ -45,7 +45,7 @@ public:
   void Deactivate();
   void Cleanup();
   /// Runs anything on the server thread and waits for its end.
-  void OnServerThread(const std::function<void()> &task) { thread_.Run(task); }
+  void OnServerThread(const std::function<void()>& task) { thread_.Run(task); }
 
   [[nodiscard]] std::vector<ActiveDevice> Devices() const;
   [[nodiscard]] std::optional<ActiveDevice> Find(vr::ETrackedDeviceClass deviceClass) const;
@@ -59,12 +59,12 @@ public:
   [[nodiscard]] std::size_t ThrownFrames() const { return thrownFrames_; }
   [[nodiscard]] std::uint32_t ServerThreadId() const { return thread_.ThreadId(); }
 
-private:
+ private:
   void ActivatePendingHere();
   void RunFrameHere();
 
-  FakeRuntime &runtime_;
-  vr::IServerTrackedDeviceProvider &provider_;
+  FakeRuntime& runtime_;
+  vr::IServerTrackedDeviceProvider& provider_;
   mutable std::mutex mutex_;
   std::vector<ActiveDevice> devices_;
   std::atomic<std::size_t> frames_ = 0;
@@ -74,4 +74,4 @@ private:
   ServerThread thread_;
 };
 
-} // namespace bench
+}  // namespace bench

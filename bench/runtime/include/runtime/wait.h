@@ -20,4 +20,4 @@ template <typename Condition>
   return true;
 }
 
-} // namespace bench
+}  // namespace bench

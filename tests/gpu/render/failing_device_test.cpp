@@ -1,0 +1,134 @@
+#include "renderer_fixture.h"
+
+namespace ombrel::test {
+namespace {
+
+using testing::Each;
+using testing::SizeIs;
+
+class FailingDeviceTest : public RendererTest {
+ protected:
+  // All that a headset asks of a renderer that has its device. The results are looked at elsewhere; here nothing must
+  // go wrong.
+  void DoEverything() {
+    renderer->Configure(kOutput);
+    renderer->CreateOutputTextures();
+    const SwapTexture swap = renderer->CreateSwapTexture({64, 48, kRgba, 1});
+    renderer->RegisterTexture(swap.handle);
+    static_cast<void>(renderer->Sharing());
+    for (const std::int32_t output : {0, 1}) {
+      renderer->AcquireOutput(output, 1);
+      renderer->AcquireSyncTexture(swap.handle, 1);
+      renderer->BeginLayers();
+      renderer->ComposeLayer(output, {swap.handle, swap.handle, &kWhole});
+      renderer->CopyToOutput(swap.handle, output, true, 1);
+      renderer->ReleaseOutput(output);
+      renderer->ClearOutput(output);
+      renderer->ReleaseSyncTexture();
+    }
+    renderer->UnregisterTexture(swap.handle);
+    renderer->CreateOutputTextures();
+  }
+};
+
+TEST_F(FailingDeviceTest, WithoutADeviceEveryCallIsHarmless) {
+  calls.Fail(bench::DeviceCall::kCreateDevice, E_FAIL);
+  renderer->CreateDevice();
+  DoEverything();
+  EXPECT_THAT(calls.All(), SizeIs(0));
+}
+
+TEST_F(FailingDeviceTest, WithoutADeviceThereIsNothing) {
+  calls.Fail(bench::DeviceCall::kCreateDevice, E_FAIL);
+  EXPECT_FALSE(Start());
+  EXPECT_FALSE(renderer->IsReady());
+  EXPECT_THAT(renderer->Sharing().handles, Each(0u));
+  EXPECT_FALSE(renderer->AcquireOutput(0, 1));
+  EXPECT_FALSE(renderer->ReleaseOutput(0));
+  EXPECT_EQ(renderer->CreateSwapTexture({64, 48, kRgba, 1}).handle, 0u);
+}
+
+TEST_F(FailingDeviceTest, BeforeADeviceIsMadeEveryCallIsHarmless) {
+  EXPECT_FALSE(renderer->CreateOutputTextures());
+  renderer->RegisterTexture(0x7777);
+  renderer->BeginLayers();
+  renderer->ComposeLayer(0, {1, 2, &kWhole});
+  renderer->ClearOutput(0);
+  EXPECT_TRUE(renderer->CopyToOutput(1, 0, true, 1));
+  EXPECT_FALSE(renderer->IsReady());
+}
+
+TEST_F(FailingDeviceTest, ATextureThatCannotBeMadeHasNoHandle) {
+  ASSERT_TRUE(Start());
+  calls.Fail(bench::DeviceCall::kCreateTexture2D, DXGI_ERROR_DEVICE_REMOVED);
+  EXPECT_EQ(renderer->CreateSwapTexture({64, 48, kRgba, 1}).handle, 0u);
+  calls.Allow(bench::DeviceCall::kCreateTexture2D);
+  calls.Fail(bench::DeviceCall::kGetSharedHandle, E_FAIL);
+  EXPECT_EQ(renderer->CreateSwapTexture({64, 48, kRgba, 1}).handle, 0u);
+  EXPECT_THAT(renderer->Sharing().handles, Each(0u));
+}
+
+TEST_F(FailingDeviceTest, AViewThatCannotBeMadeIsLeftOut) {
+  ASSERT_TRUE(Start());
+  calls.Fail(bench::DeviceCall::kCreateShaderResourceView, E_OUTOFMEMORY);
+  const auto handle = MakeEyeTexture();
+  Compose(handle, handle);
+  for (const Drawn& drawn : calls.Of<Drawn>()) EXPECT_EQ(drawn.view, nullptr);
+}
+
+TEST_F(FailingDeviceTest, WhatFailedBeforeCanSucceedLater) {
+  calls.Fail(bench::DeviceCall::kCreateTexture2D, E_OUTOFMEMORY);
+  EXPECT_FALSE(Start());
+  calls.Allow(bench::DeviceCall::kCreateTexture2D);
+  EXPECT_TRUE(renderer->CreateOutputTextures());
+  EXPECT_TRUE(renderer->IsReady());
+}
+
+using bench::DeviceCall;
+
+// Calls that come when a device is there.
+constexpr std::array kCalls{DeviceCall::kCreateBuffer,
+                            DeviceCall::kCreateTexture2D,
+                            DeviceCall::kCreateShaderResourceView,
+                            DeviceCall::kCreateBlendState,
+                            DeviceCall::kCreateSamplerState,
+                            DeviceCall::kCreateRenderTargetView,
+                            DeviceCall::kMap,
+                            DeviceCall::kOpenSharedResource,
+                            DeviceCall::kGetSharedHandle,
+                            DeviceCall::kAcquireSync,
+                            DeviceCall::kReleaseSync};
+
+TEST_F(FailingDeviceTest, AnyCallMayFailFromTheBeginning) {
+  for (const DeviceCall call : kCalls) {
+    calls.Fail(call, DXGI_ERROR_DEVICE_REMOVED);
+    renderer = MakeHeadsetRenderer();
+    renderer->CreateDevice();
+    DoEverything();
+    EXPECT_GE(calls.Asked(call), 1u) << static_cast<int>(call);
+    calls.Allow(call);
+  }
+}
+
+TEST_F(FailingDeviceTest, AnyCallMayFailLaterAndSucceedAgain) {
+  renderer->CreateDevice();
+  for (const DeviceCall call : kCalls) {
+    DoEverything();
+    calls.Fail(call, DXGI_ERROR_DEVICE_REMOVED);
+    DoEverything();
+    calls.Allow(call);
+  }
+  EXPECT_TRUE(renderer->CreateOutputTextures());
+}
+
+TEST_F(FailingDeviceTest, WithoutShadersEveryCallIsHarmless) {
+  for (const DeviceCall call : {DeviceCall::kCreateVertexShader, DeviceCall::kCreatePixelShader}) {
+    calls.Fail(call, E_OUTOFMEMORY);
+    renderer = MakeHeadsetRenderer();
+    renderer->CreateDevice();
+    DoEverything();
+  }
+}
+
+}  // namespace
+}  // namespace ombrel::test

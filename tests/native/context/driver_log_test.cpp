@@ -1,0 +1,109 @@
+#include "context/driver_log.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+#include <thread>
+
+#include "support/fake_runtime.h"
+
+namespace ombrel::test {
+namespace {
+
+using Lines = Journal::Lines;
+
+class DriverLogTest : public testing::Test {
+ protected:
+  ~DriverLogTest() override { ClearLogSink(); }
+
+  FakeDriverLog sink_;
+};
+
+TEST_F(DriverLogTest, DropsMessagesWhileThereIsNoSink) {
+  Log("nobody %d\n", 1);
+  SetLogSinkIfNone(&sink_);
+  EXPECT_EQ(sink_.lines.Size(), 0U);
+}
+
+TEST_F(DriverLogTest, PassesTheTextOnAsItStands) {
+  SetLogSinkIfNone(&sink_);
+  Log("Preparing HMD, mode %d\n", 2);
+  Log("HMD activated with id %d \n", -1);
+  Log("no line end, %s and %f", "text", 72.0);
+  EXPECT_EQ(sink_.lines.All(),
+            (Lines{"Preparing HMD, mode 2\n", "HMD activated with id -1 \n", "no line end, text and 72.000000"}));
+}
+
+TEST_F(DriverLogTest, KeepsTheSinkThatIsThere) {
+  FakeDriverLog other;
+  SetLogSinkIfNone(&sink_);
+  SetLogSinkIfNone(&other);
+  Log("here\n");
+  EXPECT_EQ(sink_.lines.Size(), 1U);
+  EXPECT_EQ(other.lines.Size(), 0U);
+}
+
+TEST_F(DriverLogTest, ReachesNothingOnceTheSinkIsCleared) {
+  SetLogSinkIfNone(&sink_);
+  ClearLogSink();
+  Log("late\n");
+  EXPECT_EQ(sink_.lines.Size(), 0U);
+}
+
+TEST_F(DriverLogTest, TakesAnotherSinkOnceTheFirstIsCleared) {
+  FakeDriverLog other;
+  SetLogSinkIfNone(&sink_);
+  ClearLogSink();
+  SetLogSinkIfNone(&other);
+  Log("there\n");
+  EXPECT_EQ(other.lines.All(), Lines{"there\n"});
+}
+
+TEST_F(DriverLogTest, PassesTheLongestMessageWholeAndCutsALongerOne) {
+  SetLogSinkIfNone(&sink_);
+  Log("%s", std::string(1023, 'a').c_str());
+  Log("%s", std::string(5000, 'b').c_str());
+  ASSERT_EQ(sink_.lines.Size(), 2U);
+  EXPECT_EQ(sink_.lines.All()[0], std::string(1023, 'a'));
+  EXPECT_LT(sink_.lines.All()[1].size(), 1024U);
+}
+
+class ThrowingLog final : public vr::IVRDriverLog {
+ public:
+  void Log(const char* /*message*/) override { throw std::runtime_error("no"); }
+};
+
+TEST_F(DriverLogTest, OutlivesASinkThatThrows) {
+  ThrowingLog throwing;
+  SetLogSinkIfNone(&throwing);
+  EXPECT_NO_THROW(Log("lost\n"));
+}
+
+TEST_F(DriverLogTest, KeepsTheMessagesOfSeveralThreadsApart) {
+  SetLogSinkIfNone(&sink_);
+  constexpr int kMessages = 200;
+  const auto log = [](int thread) {
+    for (int i = 0; i < kMessages; ++i) Log("thread %d\n", thread);
+  };
+  std::thread one(log, 1), two(log, 2);
+  one.join();
+  two.join();
+  EXPECT_EQ(sink_.lines.Count("thread 1\n"), 200U);
+  EXPECT_EQ(sink_.lines.Count("thread 2\n"), 200U);
+}
+
+TEST_F(DriverLogTest, MayLoseItsSinkWhileOthersLog) {
+  std::thread logger([] {
+    for (int i = 0; i < 2000; ++i) Log("still\n");
+  });
+  for (int i = 0; i < 200; ++i) {
+    SetLogSinkIfNone(&sink_);
+    ClearLogSink();
+  }
+  logger.join();
+  EXPECT_EQ(sink_.lines.Size(), sink_.lines.Count("still\n"));
+}
+
+}  // namespace
+}  // namespace ombrel::test

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "context/driver_context.h"
+#include "context/driver_log.h"
+#include "hmd/hmd_driver_direct.h"
+#include "hmd/hmd_driver_virtual.h"
+#include "support/background.h"
+#include "support/fake_companion.h"
+#include "support/fake_renderer.h"
+#include "support/fake_runtime.h"
+
+namespace ombrel::test {
+
+// A runtime, a companion that offers nothing yet, and a headset, once it is made.
+class HeadsetTest : public testing::Test {
+ protected:
+  using Lines = Journal::Lines;
+
+  HeadsetTest() {
+    EXPECT_EQ(Context().Init(&runtime_), vr::VRInitError_None);
+    SetLogSinkIfNone(&runtime_.log);
+  }
+  ~HeadsetTest() override {
+    if (headset_) headset_->Core().StopLink();
+    headset_.reset();
+    ClearLogSink();
+    Context().Clear();
+  }
+
+  void Set(const std::string& key, std::int32_t value) { runtime_.settings.values["driver_ombrel/" + key] = value; }
+  template <typename Headset = HMDDriverDirect>
+  void Make() {
+    auto renderer = std::make_unique<FakeRenderer>();
+    renderer_ = renderer.get();
+    renderer_->onCall = onRendererCall_;
+    headset_ = std::make_unique<Headset>(std::move(renderer));
+  }
+  [[nodiscard]] vr::DriverPose_t Pose() const {
+    vr::DriverPose_t pose{};
+    EXPECT_EQ(headset_->GetPose(&pose), &pose);
+    return pose;
+  }
+  [[nodiscard]] Lines LogLines() const { return runtime_.log.lines.All(); }
+  // Waits for that many poses at the runtime.
+  [[nodiscard]] bool WaitForPoses(std::size_t count) const { return runtime_.host.updates.WaitForSize(count); }
+
+  FakeRuntime runtime_;
+  FakeCompanion companion_;
+  FakeRenderer* renderer_ = nullptr;
+  std::function<void(const std::string&)> onRendererCall_;  // of the headset that is made next
+  std::unique_ptr<HMDDriver> headset_;
+};
+
+}  // namespace ombrel::test

@@ -1,0 +1,168 @@
+// A headset with a companion at the other end of its link.
+#include <array>
+#include <atomic>
+#include <cmath>
+
+#include "hmd_fixture.h"
+
+namespace ombrel::test {
+namespace {
+
+using Lines = Journal::Lines;
+
+class HeadsetLinkTest : public HeadsetTest {
+ protected:
+  // Made, activated as device 3, and connected.
+  template <typename Headset = HMDDriverDirect>
+  [[nodiscard]] bool MakeConnected() {
+    Make<Headset>();
+    headset_->Activate(3);
+    return companion_.Connect();
+  }
+};
+
+TEST_F(HeadsetLinkTest, PassesAPoseOnToTheRuntime) {
+  ASSERT_TRUE(MakeConnected());
+  ASSERT_TRUE(companion_.SendPose(0, 0.6F, 0, 0.8F));
+  ASSERT_TRUE(WaitForPoses(2));
+  const vr::DriverPose_t pose = runtime_.host.LastPose();
+  EXPECT_EQ(pose.qRotation.w, static_cast<double>(0.8F));
+  EXPECT_EQ(pose.qRotation.y, static_cast<double>(0.6F));
+  EXPECT_EQ(pose.vecPosition[0], 0.25);
+  EXPECT_EQ(pose.vecPosition[1], 1.5);
+  EXPECT_EQ(pose.vecPosition[2], -0.75);
+  EXPECT_EQ(runtime_.host.updates.All()[1], "3 280");
+  EXPECT_EQ(Pose().qRotation.y, pose.qRotation.y);
+}
+
+TEST_F(HeadsetLinkTest, AppliesTheUsersOffsets) {
+  Set("RotationOffsetYDeg", 90);
+  ASSERT_TRUE(MakeConnected());
+  ASSERT_TRUE(companion_.SendPose(0, 0, 0, 1));
+  ASSERT_TRUE(WaitForPoses(2));
+  EXPECT_NEAR(runtime_.host.LastPose().qRotation.w, std::sqrt(0.5), 1e-6);
+  EXPECT_NEAR(runtime_.host.LastPose().qRotation.y, std::sqrt(0.5), 1e-6);
+}
+
+TEST_F(HeadsetLinkTest, PassesTheTrackingStateOn) {
+  ASSERT_TRUE(MakeConnected());
+  ASSERT_TRUE(companion_.Send(4, Bytes().U8(2).U32(254)));
+  ASSERT_TRUE(WaitForPoses(2));
+  EXPECT_EQ(runtime_.host.LastPose().result, vr::TrackingResult_Uninitialized);
+  EXPECT_FALSE(runtime_.host.LastPose().deviceIsConnected);
+  ASSERT_TRUE(companion_.Send(4, Bytes().U8(5).U32(254)));
+  ASSERT_TRUE(WaitForPoses(3));
+  EXPECT_EQ(runtime_.host.LastPose().result, vr::TrackingResult_Running_OK);
+}
+
+TEST_F(HeadsetLinkTest, SendsThePoseForAPositionToo) {
+  ASSERT_TRUE(MakeConnected());
+  ASSERT_TRUE(companion_.Send(4, Bytes().F32({1, 2, 3}).U32(5)));
+  EXPECT_TRUE(WaitForPoses(2));
+}
+
+TEST_F(HeadsetLinkTest, TakesPosesInOnlyOnceItIsActive) {
+  Make();
+  ASSERT_TRUE(companion_.Connect());
+  ASSERT_TRUE(companion_.SendPose(0, 0.6F, 0, 0.8F));
+  ASSERT_TRUE(companion_.Send(9, Bytes().U32(72)));
+  // The frame rate comes behind the pose.
+  ASSERT_TRUE(runtime_.properties.lines.WaitForSize(1));
+  EXPECT_EQ(Pose().qRotation.y, 0.0);
+  EXPECT_EQ(runtime_.host.updates.Size(), 0U);
+  headset_->Activate(3);
+  EXPECT_EQ(runtime_.host.LastPose().qRotation.y, static_cast<double>(0.6F));
+}
+
+TEST_F(HeadsetLinkTest, PassesAFrameRateOn) {
+  ASSERT_TRUE(MakeConnected());
+  ASSERT_TRUE(companion_.Send(9, Bytes().U32(72)));
+  EXPECT_TRUE(runtime_.log.lines.WaitForLine("Updating headset fps, new value: 72.000000 \n"));
+  EXPECT_EQ(runtime_.properties.lines.All().back(), "1003: 2002 1 4 72.000000");
+}
+
+TEST_F(HeadsetLinkTest, LogsNothingOfTheLinkItself) {
+  Make();
+  const std::size_t before = runtime_.log.lines.Size();
+  ASSERT_TRUE(companion_.Connect());
+  ASSERT_TRUE(companion_.out.Send(Bytes().U32(0xFFFFFFFF).U32(4)));
+  EXPECT_TRUE(companion_.in.WaitForClientGone());
+  EXPECT_EQ(runtime_.log.lines.Size(), before);
+}
+
+// A waiting frame may only go on when the runtime has the pose that it is to show.
+TEST_F(HeadsetLinkTest, TellsTheRuntimeOfAPoseBeforeItLetsAFrameGo) {
+  ASSERT_TRUE(MakeConnected<HMDDriverVirtual>());
+  ASSERT_TRUE(renderer_->journal.WaitForLine("AcquireOutput 0 16"));
+  Background frame([this] {
+    while (renderer_->journal.Count("Sharing") == 0) headset_->Core().HandOffTexture(5);
+  });
+  ASSERT_TRUE(renderer_->journal.WaitForLine("AcquireOutput 1 16"));
+  Barrier runtime;
+  runtime_.host.onPose = [&] { runtime.Pass(); };
+  ASSERT_TRUE(companion_.SendPose(0, 0, 0, 1));
+  ASSERT_TRUE(runtime.WaitForVisitor());
+  EXPECT_TRUE(frame.StaysBlocked());
+  runtime.Open();
+  EXPECT_TRUE(frame.Finishes());
+}
+
+TEST_F(HeadsetLinkTest, ACompanionThatIsThereLongBeforeActivationGetsFramesAfterwards) {
+  Make();
+  ASSERT_TRUE(companion_.Connect());
+  EXPECT_FALSE(companion_.in.HasData(1500));
+  headset_->Activate(3);
+  ASSERT_TRUE(renderer_->journal.WaitForLine("AcquireOutput 0 16"));
+  std::vector<LayerRecord> layers;
+  Background frames([&] {
+    while (renderer_->journal.Count("Sharing") == 0) headset_->Core().HandOffLayers(0, layers, {});
+  });
+  EXPECT_TRUE(frames.Finishes());
+  EXPECT_TRUE(companion_.Receive().has_value());
+}
+
+// Whoever asks for the pose gets a whole one: here all parts of its rotation are equal in size.
+TEST_F(HeadsetLinkTest, NobodySeesHalfAPose) {
+  ASSERT_TRUE(MakeConnected());
+  std::atomic<bool> done{false};
+  std::atomic<int> halves{0};
+  Background reader([&] {
+    while (!done) {
+      const vr::HmdQuaternion_t q = Pose().qRotation;
+      const bool first = q.w == 1.0;
+      const bool whole = first || (q.w == q.x && q.x == q.y && q.y == q.z);
+      halves += whole ? 0 : 1;
+    }
+  });
+  for (int i = 0; i < 500; ++i) {
+    const float part = i % 2 == 0 ? 0.5F : -0.5F;
+    ASSERT_TRUE(companion_.SendPose(part, part, part, part));
+  }
+  EXPECT_TRUE(WaitForPoses(501));
+  done = true;
+  EXPECT_TRUE(reader.Finishes());
+  EXPECT_EQ(halves, 0);
+}
+
+// A companion that is quick, and a device that takes its time: messages come while the headset is being made.
+TEST_F(HeadsetLinkTest, MayBeMadeUnderAFloodOfMessages) {
+  companion_.Offer();
+  std::unique_ptr<Background> flood;
+  onRendererCall_ = [&](const std::string& line) {
+    if (line != "CreateDevice") return;
+    ASSERT_TRUE(companion_.Accept());
+    flood = std::make_unique<Background>([this] {
+      while (companion_.SendPose(0, 0.6F, 0, 0.8F)) {
+      }
+    });
+  };
+  Make();
+  EXPECT_TRUE(WaitUntil([this] { return headset_->Core().Client().HasTrackingData(); }));
+  headset_->Activate(3);
+  EXPECT_TRUE(WaitForPoses(10));
+  headset_->Core().StopLink();
+  EXPECT_TRUE(flood->Finishes());
+}
+
+}  // namespace
+}  // namespace ombrel::test

@@ -1,0 +1,108 @@
+// The wait for the end of a frame period.
+#include <chrono>
+
+#include "core_fixture.h"
+
+namespace ombrel::test {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Milliseconds = std::chrono::duration<double, std::milli>;
+
+class PacingWaitTest : public OmbrelCoreTest {
+ protected:
+  Milliseconds TimeOf(const std::function<void()>& call) const {
+    const auto begin = Clock::now();
+    call();
+    return Clock::now() - begin;
+  }
+  Milliseconds TimeOfWait() const {
+    return TimeOf([this] { core_->WaitForNextFrame(); });
+  }
+  // Whether a wait of a second ends early when `release` is called. A machine that is busy just then may make it miss
+  // the moment, but not five times.
+  [[nodiscard]] bool EndsEarly(const std::function<void()>& prepare, const std::function<void()>& release) {
+    for (int attempt = 0; attempt < 5; ++attempt) {
+      prepare();
+      core_->OnFramerateUpdated(0);
+      core_->WaitForNextFrame();
+      Milliseconds waited{};
+      Background wait([&] { waited = TimeOfWait(); });
+      static_cast<void>(wait.StaysBlocked());
+      release();
+      if (!wait.Finishes()) return false;
+      if (waited < Milliseconds(900)) return true;
+    }
+    return false;
+  }
+};
+
+TEST_F(PacingWaitTest, FillsThePeriodThatBeganWithTheLastWait) {
+  core_->OnFramerateUpdated(20);
+  core_->WaitForNextFrame();
+  EXPECT_GE(TimeOfWait(), Milliseconds(49.9));
+}
+
+TEST_F(PacingWaitTest, WaitsOnlyForWhatIsLeftOfThePeriod) {
+  core_->OnFramerateUpdated(10);
+  // The period over again would take 140 each time; on a busy machine an attempt or two may.
+  Milliseconds shortest(1000);
+  for (int attempt = 0; attempt < 5; ++attempt) {
+    core_->WaitForNextFrame();
+    const Milliseconds both = TimeOf([this] {
+      std::this_thread::sleep_for(std::chrono::milliseconds(40));
+      core_->WaitForNextFrame();
+    });
+    EXPECT_GE(both, Milliseconds(99.9));
+    shortest = std::min(shortest, both);
+  }
+  EXPECT_LT(shortest, Milliseconds(139));
+}
+
+TEST_F(PacingWaitTest, SpinsToTheEndOfAVeryShortPeriod) {
+  core_->OnFramerateUpdated(2000);
+  core_->WaitForNextFrame();
+  EXPECT_GE(TimeOfWait(), Milliseconds(0.4));
+}
+
+TEST_F(PacingWaitTest, DoesNotWaitWhenThePeriodIsOver) {
+  // Nothing was paced yet: the last wait ended at the beginning of time.
+  core_->OnFramerateUpdated(1);
+  EXPECT_LT(TimeOfWait(), Milliseconds(900));
+}
+
+TEST_F(PacingWaitTest, LastsASecondAtMost) {
+  core_->OnFramerateUpdated(0);
+  core_->WaitForNextFrame();
+  const Milliseconds waited = TimeOfWait();
+  EXPECT_GE(waited, Milliseconds(998));
+  EXPECT_LT(waited, Milliseconds(3000));
+}
+
+TEST_F(PacingWaitTest, EndsWhenTheLinkGoesDown) {
+  PrepareOutput();
+  SetUpCore();
+  const auto connect = [this] {
+    const std::size_t ups = listener_.journal.Count("up");
+    EXPECT_TRUE(companion_.Connect() && listener_.journal.WaitForLine("up", ups + 1));
+  };
+  EXPECT_TRUE(EndsEarly(connect, [this] { companion_.Disconnect(); }));
+}
+
+TEST_F(PacingWaitTest, EndsWhenTheLinkStops) {
+  const auto renew = [this] {
+    core_ = std::make_unique<OmbrelCore>(std::make_unique<FakeRenderer>());
+    core_->SetUp();
+  };
+  EXPECT_TRUE(EndsEarly(renew, [this] { core_->StopLink(); }));
+}
+
+TEST_F(PacingWaitTest, DoesNotWaitOnceTheLinkHasStopped) {
+  core_->OnFramerateUpdated(0);
+  core_->WaitForNextFrame();
+  core_->StopLink();
+  EXPECT_LT(TimeOfWait(), Milliseconds(900));
+}
+
+}  // namespace
+}  // namespace ombrel::test

@@ -1,0 +1,202 @@
+#include "render/direct_mode_component.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <memory>
+#include <vector>
+
+#include "context/driver_log.h"
+#include "support/background.h"
+#include "support/fake_companion.h"
+#include "support/fake_renderer.h"
+#include "support/fake_runtime.h"
+
+namespace ombrel::test {
+namespace {
+
+using Lines = Journal::Lines;
+
+class Component final : public DirectModeComponent {
+ public:
+  using DirectModeComponent::DirectModeComponent;
+};
+
+class DirectModeComponentTest : public testing::Test {
+ protected:
+  using Eye = vr::IVRDriverDirectModeComponent::SubmitLayerPerEye_t;
+
+  DirectModeComponentTest() { log_.lines.Clear(); }
+  ~DirectModeComponentTest() override {
+    core_.StopLink();
+    ClearLogSink();
+  }
+
+  std::array<std::uint64_t, 3> CreateSet(std::uint32_t process) {
+    const vr::IVRDriverDirectModeComponent::SwapTextureSetDesc_t desc{1280, 1440, 28, 1};
+    vr::SharedTextureHandle_t handles[3]{1, 1, 1};
+    component_.CreateSwapTextureSet(process, &desc, &handles);
+    return {handles[0], handles[1], handles[2]};
+  }
+  void Submit(std::uint64_t left, std::uint64_t right, float uMin) {
+    Eye eyes[2]{};
+    eyes[0].hTexture = left;
+    eyes[1].hTexture = right;
+    eyes[0].bounds = {uMin, 0.125F, 0.5F, 0.75F};
+    eyes[1].bounds = {uMin + 0.25F, 0, 1, 1};
+    const vr::HmdMatrix34_t pose{};
+    component_.SubmitLayer(eyes, &pose);
+  }
+  [[nodiscard]] bool Connect() {
+    core_.PrepareOutput({.format = 28, .width = 100, .height = 100, .invertY = 0});
+    core_.SetUp();
+    return companion_.Connect() && renderer_->journal.WaitForLine("AcquireOutput 0 16");
+  }
+  // Presents until a frame is taken.
+  [[nodiscard]] bool PresentTaken() {
+    return WaitUntil([this] {
+      component_.Present(0);
+      return renderer_->journal.Count("BeginLayers") > 0;
+    });
+  }
+
+  FakeDriverLog log_;
+  bool hasSink_ = (SetLogSinkIfNone(&log_), true);
+  FakeCompanion companion_;
+  std::unique_ptr<FakeRenderer> made_ = std::make_unique<FakeRenderer>();
+  FakeRenderer* renderer_ = made_.get();
+  OmbrelCore core_{std::move(made_)};
+  Component component_{core_, *renderer_};
+};
+
+TEST_F(DirectModeComponentTest, LogsItsConstruction) {
+  const Component another(core_, *renderer_);
+  EXPECT_EQ(log_.lines.All(), Lines{"Creating Direct driver component \n"});
+}
+
+TEST_F(DirectModeComponentTest, MakesAndRegistersThreeTextures) {
+  EXPECT_EQ(CreateSet(1), (std::array<std::uint64_t, 3>{100, 101, 102}));
+  EXPECT_EQ(log_.lines.All(), Lines{"Create swap requested, w: 1280, h: 1440, format: 28 samples: 1 \n"});
+  EXPECT_EQ(renderer_->journal.All(), (Lines{"CreateSwapTexture 1280 1440 28 1", "CreateSwapTexture 1280 1440 28 1",
+                                             "CreateSwapTexture 1280 1440 28 1", "RegisterTexture 100",
+                                             "RegisterTexture 101", "RegisterTexture 102"}));
+  EXPECT_EQ(renderer_->liveSwapTextures, 3);
+}
+
+TEST_F(DirectModeComponentTest, SkipsATextureThatCouldNotBeMade) {
+  std::uint64_t next = 0;
+  renderer_->nextSwapHandle = [&] { return next++ == 1 ? 0U : 50U + next; };
+  EXPECT_EQ(CreateSet(1), (std::array<std::uint64_t, 3>{51, 0, 53}));
+  EXPECT_EQ(renderer_->journal.From(3), (Lines{"RegisterTexture 51", "RegisterTexture 53"}));
+  renderer_->journal.Clear();
+  component_.DestroySwapTextureSet(0);
+  EXPECT_TRUE(renderer_->journal.All().empty());
+  component_.DestroySwapTextureSet(53);
+  EXPECT_EQ(renderer_->journal.All(), (Lines{"UnregisterTexture 53", "UnregisterTexture 51"}));
+}
+
+TEST_F(DirectModeComponentTest, AnyHandleDestroysItsWholeSet) {
+  for (std::size_t i = 0; i < 3; ++i) {
+    const auto set = CreateSet(1);
+    const auto other = CreateSet(1);
+    renderer_->journal.Clear();
+    log_.lines.Clear();
+    component_.DestroySwapTextureSet(set[i]);
+    EXPECT_EQ(log_.lines.All(), Lines{"Destroy set: " + std::to_string(set[i]) + "\n"});
+    Lines expected;
+    for (const std::uint64_t handle : {set[2], set[1], set[0]}) {
+      expected.push_back("UnregisterTexture " + std::to_string(handle));
+    }
+    EXPECT_EQ(renderer_->journal.All(), expected);
+    EXPECT_EQ(renderer_->liveSwapTextures, 3);
+    component_.DestroySwapTextureSet(other[0]);
+    EXPECT_EQ(renderer_->liveSwapTextures, 0);
+  }
+}
+
+TEST_F(DirectModeComponentTest, AnUnknownHandleDestroysNothing) {
+  CreateSet(1);
+  component_.DestroySwapTextureSet(5);
+  EXPECT_EQ(renderer_->liveSwapTextures, 3);
+}
+
+TEST_F(DirectModeComponentTest, DestroysAllSetsOfAProcessWithoutAWord) {
+  CreateSet(1);
+  CreateSet(2);
+  CreateSet(1);
+  log_.lines.Clear();
+  component_.DestroyAllSwapTextureSets(1);
+  EXPECT_EQ(renderer_->liveSwapTextures, 3);
+  EXPECT_EQ(log_.lines.Size(), 0U);
+  component_.DestroyAllSwapTextureSets(2);
+  EXPECT_EQ(renderer_->liveSwapTextures, 0);
+}
+
+TEST_F(DirectModeComponentTest, IndicesGoRoundInThrees) {
+  vr::SharedTextureHandle_t handles[2]{7, 7};
+  std::uint32_t indices[2]{2, 0};
+  component_.GetNextSwapTextureSetIndex(handles, &indices);
+  EXPECT_EQ(indices[0], 0U);
+  EXPECT_EQ(indices[1], 1U);
+  component_.GetNextSwapTextureSetIndex(nullptr, &indices);
+  EXPECT_EQ(indices[0], 1U);
+  EXPECT_EQ(indices[1], 2U);
+}
+
+TEST_F(DirectModeComponentTest, AllLayersOfAFrameAreDrawnWithTheLastBounds) {
+  std::vector<EyeBounds> drawn;
+  renderer_->onLayer = [&](const LayerRecord& layer) { drawn.push_back(*layer.bounds); };
+  Submit(1, 2, 0.0F);
+  Submit(3, 4, 0.0625F);
+  ASSERT_TRUE(Connect());
+  ASSERT_TRUE(PresentTaken());
+  EXPECT_EQ(renderer_->journal.Count("ComposeLayer 0 1 2"), 1U);
+  EXPECT_EQ(renderer_->journal.Count("ComposeLayer 0 3 4"), 1U);
+  ASSERT_EQ(drawn.size(), 2U);
+  for (const EyeBounds& bounds : drawn) {
+    EXPECT_EQ(bounds[0].uMin, 0.0625F);
+    EXPECT_EQ(bounds[0].vMin, 0.125F);
+    EXPECT_EQ(bounds[0].uMax, 0.5F);
+    EXPECT_EQ(bounds[0].vMax, 0.75F);
+    EXPECT_EQ(bounds[1].uMin, 0.3125F);
+  }
+}
+
+TEST_F(DirectModeComponentTest, LayersPileUpWhileTheLinkIsDown) {
+  for (std::uint64_t frame = 1; frame <= 3; ++frame) {
+    Submit(frame, 10 + frame, 0);
+    component_.Present(9);
+    component_.PostPresent();
+  }
+  EXPECT_TRUE(renderer_->journal.All().empty());
+  ASSERT_TRUE(Connect());
+  ASSERT_TRUE(PresentTaken());
+  EXPECT_EQ(renderer_->journal.Count("ComposeLayer 0 1 11"), 1U);
+  EXPECT_EQ(renderer_->journal.Count("ComposeLayer 0 2 12"), 1U);
+  EXPECT_EQ(renderer_->journal.Count("ComposeLayer 0 3 13"), 1U);
+}
+
+TEST_F(DirectModeComponentTest, PassesTheSyncTextureOnAndForgetsTheLayersAfterwards) {
+  ASSERT_TRUE(Connect());
+  ASSERT_TRUE(PresentTaken());
+  renderer_->journal.Clear();
+  Submit(1, 2, 0);
+  component_.Present(77);
+  component_.Present(78);
+  EXPECT_EQ(renderer_->journal.Count("AcquireSyncTexture 77 16"), 1U);
+  EXPECT_EQ(renderer_->journal.Count("AcquireSyncTexture 78 16"), 1U);
+  EXPECT_EQ(renderer_->journal.Count("ComposeLayer 1 1 2"), 1U);
+  EXPECT_EQ(renderer_->journal.Count("ComposeLayer 0 1 2"), 0U);
+}
+
+TEST_F(DirectModeComponentTest, TellsNothingOfItsFrameTiming) {
+  component_.Present(0);
+  vr::DriverDirectMode_FrameTiming timing;
+  std::memset(&timing, 0x5C, sizeof(timing));
+  const vr::DriverDirectMode_FrameTiming before = timing;
+  component_.GetFrameTiming(&timing);
+  EXPECT_EQ(std::memcmp(&timing, &before, sizeof(timing)), 0);
+}
+
+}  // namespace
+}  // namespace ombrel::test

@@ -1,0 +1,91 @@
+#include "render/virtual_display_component.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "support/background.h"
+#include "support/fake_companion.h"
+#include "support/fake_renderer.h"
+#include "support/fake_runtime.h"
+
+namespace ombrel::test {
+namespace {
+
+class Component final : public VirtualDisplayComponent {
+ public:
+  using VirtualDisplayComponent::VirtualDisplayComponent;
+};
+
+class VirtualDisplayComponentTest : public testing::Test {
+ protected:
+  ~VirtualDisplayComponentTest() override { core_.StopLink(); }
+
+  void Present(std::uint64_t texture) {
+    vr::PresentInfo_t info{};
+    info.backbufferTextureHandle = texture;
+    component_.Present(&info, sizeof(info));
+  }
+  std::uint64_t Frames() {
+    float seconds = -1.0F;
+    std::uint64_t frames = 99;
+    EXPECT_TRUE(component_.GetTimeSinceLastVsync(&seconds, &frames));
+    return frames;
+  }
+  float SecondsSinceVsync() {
+    float seconds = -1.0F;
+    std::uint64_t frames = 99;
+    EXPECT_TRUE(component_.GetTimeSinceLastVsync(&seconds, &frames));
+    return seconds;
+  }
+
+  FakeCompanion companion_;
+  FakeServerDriverHost host_;
+  std::unique_ptr<FakeRenderer> made_ = std::make_unique<FakeRenderer>();
+  FakeRenderer* renderer_ = made_.get();
+  OmbrelCore core_{std::move(made_)};
+  Component component_{core_, &host_};
+};
+
+TEST_F(VirtualDisplayComponentTest, CountsNoFramesAtFirstAndAnswersBeforeAnyWait) {
+  EXPECT_EQ(Frames(), 0U);
+  EXPECT_GT(SecondsSinceVsync(), 0.0F);
+}
+
+TEST_F(VirtualDisplayComponentTest, CountsEachPresentWithTheLinkDownToo) {
+  Present(5);
+  Present(6);
+  EXPECT_EQ(Frames(), 2U);
+}
+
+TEST_F(VirtualDisplayComponentTest, CountsAPresentWhoseTextureCouldNotBeHad) {
+  renderer_->canCopy = false;
+  core_.PrepareOutput({.format = 28, .width = 100, .height = 100, .invertY = 0});
+  core_.SetUp();
+  ASSERT_TRUE(companion_.Connect());
+  std::uint64_t presents = 0;
+  ASSERT_TRUE(WaitUntil([&] {
+    Present(5);
+    ++presents;
+    return renderer_->journal.Count("CopyToOutput 5 0 16") > 0;
+  }));
+  EXPECT_EQ(Frames(), presents);
+}
+
+TEST_F(VirtualDisplayComponentTest, TellsOfAVsyncBehindEachWait) {
+  component_.WaitForPresent();
+  component_.WaitForPresent();
+  EXPECT_EQ(host_.vsyncs.All(), (Journal::Lines{"0.000000", "0.000000"}));
+  EXPECT_EQ(Frames(), 0U);
+}
+
+TEST_F(VirtualDisplayComponentTest, CountsTheTimeFromTheLastVsync) {
+  component_.WaitForPresent();
+  const float first = SecondsSinceVsync();
+  EXPECT_GE(first, 0.0F);
+  EXPECT_GE(SecondsSinceVsync(), first);
+  EXPECT_LT(first, 10.0F);
+}
+
+}  // namespace
+}  // namespace ombrel::test

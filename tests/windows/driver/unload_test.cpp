@@ -1,0 +1,139 @@
+// The end of a driver while its companion stays: how long it takes, what it leaves, and that the library can go.
+#include <windows.h>
+// windows.h must come first.
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+#include "runtime/wait.h"
+#include "support/driver_threads.h"
+#include "support/link_test.h"
+#include "support/test_files.h"
+
+namespace ombrel::test {
+namespace {
+
+using std::chrono::milliseconds;
+using Clock = std::chrono::steady_clock;
+
+// Sends poses from a thread of its own for as long as it lives.
+class PoseStream {
+ public:
+  explicit PoseStream(bench::PipeServer& server)
+      : thread_([this, &server] {
+          while (!stop_) {
+            static_cast<void>(server.Send(bench::EncodeQuaternionAndPosition({}, {})));
+            std::this_thread::sleep_for(milliseconds(1));
+          }
+        }) {}
+  ~PoseStream() {
+    stop_ = true;
+    thread_.join();
+  }
+
+ private:
+  std::atomic<bool> stop_ = false;
+  std::thread thread_;
+};
+
+// With Direct3D, which has threads of its own.
+class UnloadTest : public LinkTest {
+ protected:
+  UnloadTest() : LinkTest(Graphics::kReal) {}
+
+  milliseconds CleanupTime() {
+    const auto begin = Clock::now();
+    Provider().Cleanup();
+    return std::chrono::duration_cast<milliseconds>(Clock::now() - begin);
+  }
+};
+
+TEST_F(UnloadTest, CleanupIsDoneInASecondAndAHalfWhileAReadIsBlocked) {
+  Connect();
+  EXPECT_LE(CleanupTime(), milliseconds(1500));
+}
+
+TEST_F(UnloadTest, CleanupIsDoneInASecondAndAHalfWhilePosesStream) {
+  Connect();
+  const PoseStream stream(server);
+  EXPECT_LE(CleanupTime(), milliseconds(1500));
+}
+
+TEST_F(UnloadTest, CleanupIsDoneInASecondAndAHalfWhileTheLinkIsBeingMade) {
+  bench::PipeServer half({.secondPipeDelayMs = 60000});
+  ASSERT_TRUE(half.Open());
+  InitAndActivateHeadset();
+  EXPECT_LE(CleanupTime(), milliseconds(1500));
+}
+
+TEST_F(UnloadTest, CleanupLeavesNoThreadOfTheDriver) {
+  const std::size_t before = ThreadsOfProcess();
+  InitAndActivateHeadset();
+  ASSERT_TRUE(server.Open());
+  ASSERT_TRUE(server.WaitForConnection(kTimeoutMs));
+  Fence();
+  EXPECT_EQ(ThreadsOfModule(module.Handle()), 2U) << "one that connects and one that reads";
+  Provider().Cleanup();
+  EXPECT_EQ(ThreadsOfModule(module.Handle()), 0U);
+  server.Close();
+  EXPECT_TRUE(bench::WaitUntil([&] { return ThreadsOfProcess() <= before; }, milliseconds(kTimeoutMs)))
+      << "Direct3D ends its own in its time";
+}
+
+TEST_F(UnloadTest, CleanupClosesTheDriversEndsOfThePipes) {
+  Connect();
+  Provider().Cleanup();
+  EXPECT_TRUE(server.WaitForDisconnection(kTimeoutMs));
+}
+
+TEST_F(UnloadTest, NoPoseComesAfterCleanup) {
+  Connect();
+  const PoseStream stream(server);
+  ASSERT_TRUE(WaitFor([&] { return PosesSent() > 20; }));
+  Provider().Cleanup();
+  const std::size_t poses = PosesSent();
+  EXPECT_FALSE(runtime.Journal().WaitUntil([&] { return PosesSent() > poses; }, milliseconds(300)));
+}
+
+TEST_F(UnloadTest, LibraryMayGoAtOnceWhileTheCompanionKeepsSending) {
+  Connect();
+  const PoseStream stream(server);
+  Unload();
+  EXPECT_EQ(GetModuleHandleA("driver_ombrel.dll"), nullptr);
+  EXPECT_TRUE(server.WaitForDisconnection(kTimeoutMs));
+}
+
+TEST_F(UnloadTest, LibraryMayComeAndGoManyTimesWhileTheCompanionKeepsSending) {
+  EnsureCompanionProcess();
+  Unload();
+  ASSERT_TRUE(server.Open());
+  const PoseStream stream(server);
+  for (int round = 0; round < 8; ++round) {
+    bench::FakeRuntime fresh;
+    bench::DriverModule driver(DriverLibrary());
+    vr::IServerTrackedDeviceProvider& provider = driver.Provider();
+    ASSERT_EQ(provider.Init(&fresh), vr::VRInitError_None);
+    fresh.Host().Added().at(0).driver->Activate(0);
+    EXPECT_TRUE(fresh.Journal().WaitUntil([&] { return fresh.Poses().Count(0) > 20; }, milliseconds(kTimeoutMs)));
+    provider.Cleanup();
+    driver.Unload();
+    ASSERT_EQ(GetModuleHandleA("driver_ombrel.dll"), nullptr);
+  }
+}
+
+TEST_F(UnloadTest, DriverStartsAgainWithTheSameCompanion) {
+  Connect();
+  for (int round = 0; round < 5; ++round) {
+    Provider().Cleanup();
+    ASSERT_EQ(Init(), vr::VRInitError_None);
+    runtime.Host().Added().back().driver->Activate(0);
+    ASSERT_TRUE(bench::WaitUntil([&] { return server.Connections() == static_cast<std::uint32_t>(round) + 2; },
+                                 milliseconds(kTimeoutMs)));
+    Fence();
+  }
+}
+
+}  // namespace
+}  // namespace ombrel::test

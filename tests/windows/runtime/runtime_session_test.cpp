@@ -1,0 +1,144 @@
+#include "runtime/runtime_session.h"
+
+#include <thread>
+
+#include <windows.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace bench {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+
+class TestDevice : public vr::ITrackedDeviceServerDriver {
+ public:
+  explicit TestDevice(FakeRuntime& owner) : runtime(owner) {}
+  vr::EVRInitError Activate(uint32_t index) override {
+    activatedAs = index;
+    threadId = GetCurrentThreadId();
+    insideAdded = runtime.Journal().Calls().back() == "IVRServerDriverHost.TrackedDeviceAdded";
+    return vr::VRInitError_None;
+  }
+  void Deactivate() override { ++deactivations; }
+  void EnterStandby() override {}
+  void* GetComponent(const char*) override { return nullptr; }
+  void DebugRequest(const char*, char*, uint32_t) override {}
+  vr::DriverPose_t* GetPose(vr::DriverPose_t* result) override { return result; }
+
+  FakeRuntime& runtime;
+  uint32_t activatedAs = vr::k_unTrackedDeviceIndexInvalid;
+  std::uint32_t threadId = 0;
+  int deactivations = 0;
+  bool insideAdded = false;
+};
+
+class TestProvider : public vr::IServerTrackedDeviceProvider {
+ public:
+  explicit TestProvider(FakeRuntime& runtime) : runtime_(runtime), headset(runtime) {}
+  vr::EVRInitError Init(vr::IVRDriverContext* context) override {
+    initContext = context;
+    runtime_.Host().TrackedDeviceAdded("head", vr::TrackedDeviceClass_HMD, &headset);
+    return initResult;
+  }
+  void Cleanup() override { ++cleanups; }
+  const char* const* GetInterfaceVersions() override { return nullptr; }
+  void RunFrame() override {
+    ++frames;
+    if (throwFromFrames) {
+      throw std::runtime_error("frame");
+    }
+  }
+  bool ShouldBlockStandbyMode() override { return false; }
+  void EnterStandby() override {}
+  void LeaveStandby() override {}
+
+ private:
+  FakeRuntime& runtime_;
+
+ public:
+  TestDevice headset;
+  vr::IVRDriverContext* initContext = nullptr;
+  vr::EVRInitError initResult = vr::VRInitError_None;
+  std::atomic<int> frames = 0;
+  int cleanups = 0;
+  bool throwFromFrames = false;
+};
+
+class RuntimeSessionTest : public testing::Test {
+ protected:
+  FakeRuntime runtime;
+  TestProvider provider{runtime};
+  RuntimeSession session{runtime, provider};
+};
+
+TEST_F(RuntimeSessionTest, ActivatesOnTheServerThreadAfterInit) {
+  EXPECT_EQ(session.Init(), vr::VRInitError_None);
+  EXPECT_EQ(provider.initContext, &runtime);
+  EXPECT_EQ(provider.headset.activatedAs, 0U);
+  EXPECT_EQ(provider.headset.threadId, session.ServerThreadId());
+  EXPECT_FALSE(provider.headset.insideAdded);
+  ASSERT_TRUE(session.Headset().has_value());
+  EXPECT_EQ(session.Headset()->container, FakeProperties::ContainerOf(0));
+  EXPECT_THAT(runtime.Journal().Calls("driver."),
+              ElementsAre("driver.Init", "driver.Init returned", "driver.Activate", "driver.Activate returned"));
+}
+
+TEST_F(RuntimeSessionTest, ActivatesNothingAfterAFailedInit) {
+  provider.initResult = vr::VRInitError_Init_HmdNotFound;
+  EXPECT_EQ(session.Init(), vr::VRInitError_Init_HmdNotFound);
+  EXPECT_EQ(provider.headset.activatedAs, vr::k_unTrackedDeviceIndexInvalid);
+}
+
+TEST_F(RuntimeSessionTest, ADeviceAddedLaterByAnotherThreadIsActivatedOnTheServerThread) {
+  session.Init();
+  TestDevice controller(runtime);
+  session.StartFrames(500.0);
+  std::thread([&] {
+    runtime.Host().TrackedDeviceAdded("hand", vr::TrackedDeviceClass_Controller, &controller);
+  }).join();
+  EXPECT_TRUE(session.WaitForDevices(2, 10s));
+  EXPECT_EQ(controller.activatedAs, 1U);
+  EXPECT_EQ(controller.threadId, session.ServerThreadId());
+}
+
+TEST_F(RuntimeSessionTest, ARefusedDeviceStaysInactive) {
+  runtime.Host().RefuseDevice("head");
+  session.Init();
+  EXPECT_FALSE(session.Headset().has_value());
+  EXPECT_EQ(provider.headset.activatedAs, vr::k_unTrackedDeviceIndexInvalid);
+}
+
+TEST_F(RuntimeSessionTest, CleansUpOnceAndRunsNoFrameAfterwards) {
+  session.Init();
+  session.StartFrames(500.0);
+  session.Cleanup();
+  const int frames = provider.frames;
+  session.Cleanup();
+  EXPECT_EQ(provider.cleanups, 1);
+  EXPECT_EQ(provider.frames, frames);
+  EXPECT_TRUE(session.Devices().empty());
+}
+
+TEST_F(RuntimeSessionTest, DeactivatesBeforeTheEnd) {
+  session.Init();
+  session.Deactivate();
+  EXPECT_EQ(provider.headset.deactivations, 1);
+  EXPECT_FALSE(session.Headset().has_value());
+}
+
+TEST_F(RuntimeSessionTest, CountsFramesThatThrowAndGoesOn) {
+  session.Init();
+  provider.throwFromFrames = true;
+  session.StartFrames(500.0);
+  const auto deadline = std::chrono::steady_clock::now() + 10s;
+  while (session.ThrownFrames() < 3 && std::chrono::steady_clock::now() < deadline) {
+    std::this_thread::yield();
+  }
+  EXPECT_GE(session.ThrownFrames(), 3U);
+  EXPECT_EQ(session.Frames(), 0U);
+}
+
+}  // namespace
+}  // namespace bench

@@ -1,0 +1,181 @@
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include <d3d11.h>
+#include <wrl/client.h>
+
+#include <openvr_driver.h>
+
+#include "picture_target.h"
+#include "sharing/sharing_device.h"
+
+namespace bench {
+
+/// A headset with both ways of taking frames, which writes down what the compositor does with it and looks
+/// at the pictures with a Direct3D device of its own.
+class ToyHeadset : public vr::ITrackedDeviceServerDriver,
+                   public vr::IVRDisplayComponent,
+                   public vr::IVRDriverDirectModeComponent,
+                   public vr::IVRVirtualDisplay {
+ public:
+  static constexpr std::uint32_t kWidth = 16;
+  static constexpr std::uint32_t kHeight = 8;
+
+  ToyHeadset() { RequireOk(CreateSharingDevice(&device, &context), "making the driver's device"); }
+
+  vr::EVRInitError Activate(uint32_t) override { return vr::VRInitError_None; }
+  void Deactivate() override {}
+  void EnterStandby() override {}
+  void* GetComponent(const char* name) override {
+    const std::string wanted = name;
+    if (wanted == vr::IVRDisplayComponent_Version) {
+      return static_cast<vr::IVRDisplayComponent*>(this);
+    }
+    if (wanted == vr::IVRDriverDirectModeComponent_Version) {
+      return static_cast<vr::IVRDriverDirectModeComponent*>(this);
+    }
+    return wanted == vr::IVRVirtualDisplay_Version ? static_cast<vr::IVRVirtualDisplay*>(this) : nullptr;
+  }
+  void DebugRequest(const char*, char*, uint32_t) override {}
+  vr::DriverPose_t* GetPose(vr::DriverPose_t* result) override { return result; }
+
+  void GetWindowBounds(int32_t* x, int32_t* y, uint32_t* width, uint32_t* height) override {
+    *x = *y = -1;
+    *width = 2 * kWidth;
+    *height = kHeight;
+  }
+  bool IsDisplayOnDesktop() override { return false; }
+  bool IsDisplayRealDisplay() override { return false; }
+  void GetRecommendedRenderTargetSize(uint32_t* width, uint32_t* height) override {
+    *width = kWidth;
+    *height = kHeight;
+  }
+  void GetEyeOutputViewport(vr::EVREye eye, uint32_t* x, uint32_t* y, uint32_t* width, uint32_t* height) override {
+    *x = eye == vr::Eye_Left ? 0 : kWidth;
+    *y = 0;
+    *width = kWidth;
+    *height = kHeight;
+  }
+  void GetProjectionRaw(vr::EVREye, float* left, float* right, float* top, float* bottom) override {
+    *left = *top = -1;
+    *right = *bottom = 1;
+  }
+  vr::DistortionCoordinates_t* ComputeDistortion(vr::DistortionCoordinates_t* result, vr::EVREye, float,
+                                                 float) override {
+    return result;
+  }
+
+  void CreateSwapTextureSet(uint32_t, const SwapTextureSetDesc_t* desc,
+                            vr::SharedTextureHandle_t (*handles)[3]) override {
+    calls.push_back("CreateSwapTextureSet");
+    descriptions.push_back(*desc);
+    for (auto& handle : *handles) {
+      Microsoft::WRL::ComPtr<ID3D11Texture2D> texture = CreateTexture(*desc);
+      Microsoft::WRL::ComPtr<IDXGIResource> resource;
+      HANDLE shared = nullptr;
+      RequireOk(texture.As(&resource), "finding the resource");
+      RequireOk(resource->GetSharedHandle(&shared), "finding the handle");
+      handle = reinterpret_cast<vr::SharedTextureHandle_t>(shared);
+      swapTextures.emplace_back(handle, texture);
+    }
+  }
+  void DestroySwapTextureSet(vr::SharedTextureHandle_t handle) override { destroyed.push_back(handle); }
+  void GetNextSwapTextureSetIndex(vr::SharedTextureHandle_t[2], uint32_t (*indices)[2]) override {
+    calls.push_back("GetNextSwapTextureSetIndex");
+    (*indices)[0] = ((*indices)[0] + 1) % 3;
+    (*indices)[1] = ((*indices)[1] + 1) % 3;
+  }
+  void SubmitLayer(const SubmitLayerPerEye_t (&perEye)[2], const vr::HmdMatrix34_t* pose) override {
+    calls.push_back("SubmitLayer");
+    layer = {perEye[0], perEye[1]};
+    submittedPose = *pose;
+  }
+  void Present(vr::SharedTextureHandle_t sync) override {
+    calls.push_back("Present");
+    syncWasFree = TryHold(sync);
+    colours.push_back({CentreOf(layer[0].hTexture), CentreOf(layer[1].hTexture)});
+  }
+  void PostPresent() override { calls.push_back("PostPresent"); }
+  void GetFrameTiming(vr::DriverDirectMode_FrameTiming* timing) override {
+    calls.push_back("GetFrameTiming");
+    timingSize = timing->m_nSize;
+  }
+
+  void Present(const vr::PresentInfo_t* info, uint32_t size) override {
+    calls.push_back("Present");
+    presentSize = size;
+    presentInfo = *info;
+    backbuffer = ReadShared(info->backbufferTextureHandle);
+  }
+  void WaitForPresent() override { calls.push_back("WaitForPresent"); }
+  bool GetTimeSinceLastVsync(float* seconds, uint64_t* counter) override {
+    calls.push_back("GetTimeSinceLastVsync");
+    *seconds = 0.0F;
+    *counter = 0;
+    return true;
+  }
+
+  std::vector<std::string> calls;
+  std::vector<SwapTextureSetDesc_t> descriptions;
+  std::vector<std::pair<vr::SharedTextureHandle_t, Microsoft::WRL::ComPtr<ID3D11Texture2D>>> swapTextures;
+  std::vector<vr::SharedTextureHandle_t> destroyed;
+  std::array<SubmitLayerPerEye_t, 2> layer{};
+  vr::HmdMatrix34_t submittedPose{};
+  std::vector<std::array<Pixel, 2>> colours;
+  PictureCopy backbuffer;
+  vr::PresentInfo_t presentInfo{};
+  std::uint32_t presentSize = 0;
+  std::uint32_t timingSize = 0;
+  bool syncWasFree = false;
+
+ private:
+  Microsoft::WRL::ComPtr<ID3D11Texture2D> CreateTexture(const SwapTextureSetDesc_t& desc) {
+    D3D11_TEXTURE2D_DESC description{};
+    description.Width = desc.nWidth;
+    description.Height = desc.nHeight;
+    description.MipLevels = description.ArraySize = 1;
+    description.Format = static_cast<DXGI_FORMAT>(desc.nFormat);
+    description.SampleDesc.Count = desc.nSampleCount;
+    description.BindFlags = D3D11_BIND_SHADER_RESOURCE | D3D11_BIND_RENDER_TARGET;
+    description.MiscFlags = D3D11_RESOURCE_MISC_SHARED;
+    Microsoft::WRL::ComPtr<ID3D11Texture2D> texture;
+    RequireOk(device->CreateTexture2D(&description, nullptr, &texture), "making a swap texture");
+    return texture;
+  }
+  Pixel CentreOf(vr::SharedTextureHandle_t handle) {
+    for (const auto& [known, texture] : swapTextures) {
+      if (known == handle) {
+        return ReadPixels(*device.Get(), *context.Get(), *texture.Get()).At(kWidth / 2, kHeight / 2);
+      }
+    }
+    return {};
+  }
+  Microsoft::WRL::ComPtr<ID3D11Texture2D> Open(vr::SharedTextureHandle_t handle) {
+    Microsoft::WRL::ComPtr<ID3D11Texture2D> texture;
+    RequireOk(device->OpenSharedResource(reinterpret_cast<HANDLE>(handle), IID_PPV_ARGS(&texture)),
+              "opening a texture");
+    return texture;
+  }
+  bool TryHold(vr::SharedTextureHandle_t handle) {
+    Microsoft::WRL::ComPtr<IDXGIKeyedMutex> mutex;
+    RequireOk(Open(handle).As(&mutex), "finding the mutex");
+    return mutex->AcquireSync(0, 0) == S_OK && mutex->ReleaseSync(0) == S_OK;
+  }
+  PictureCopy ReadShared(vr::SharedTextureHandle_t handle) {
+    const auto texture = Open(handle);
+    Microsoft::WRL::ComPtr<IDXGIKeyedMutex> mutex;
+    RequireOk(texture.As(&mutex), "finding the mutex");
+    RequireOk(mutex->AcquireSync(0, 1000), "holding the finished texture");
+    PictureCopy copy = ReadPixels(*device.Get(), *context.Get(), *texture.Get());
+    RequireOk(mutex->ReleaseSync(0), "giving the finished texture back");
+    return copy;
+  }
+
+  Microsoft::WRL::ComPtr<ID3D11Device> device;
+  Microsoft::WRL::ComPtr<ID3D11DeviceContext> context;
+};
+
+}  // namespace bench
