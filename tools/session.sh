@@ -1,8 +1,9 @@
 # A session of the driver between stand-ins of the runtime and the companion; source it after lib.sh.
 # shellcheck shell=bash disable=SC2154
 
+# Without a thread per Direct3D device that spins while it waits: three of them starve a machine of two cores.
 windows() {
-  WINEPREFIX=$wine_prefix tools/wine.sh "$@"
+  WINE_D3D_CONFIG=csmt=0x0 WINEPREFIX=$wine_prefix tools/wine.sh "$@"
 }
 
 # wait_for_line FILE TEXT SECONDS
@@ -35,7 +36,7 @@ run_session() {
   # A smaller picture than the driver's default, since here the processor draws it, twice, and carries it across.
   say "starting the runtime with the driver in dist/ombrel, for $((2 * frames)) frames"
   windows "$bench/runtime_sim/runtime_sim.exe" --driver dist/ombrel --settings tools/demo_settings.json \
-    --frames $((2 * frames)) --seconds 150 --require-frames "$frames" --summary "$out/runtime.json" \
+    --keep-devices --frames $((2 * frames)) --seconds 150 --require-frames "$frames" --summary "$out/runtime.json" \
     --driver-log "$out/driver.log" --csv "$out/runtime_frames.csv" --poses-csv "$out/runtime_poses.csv" || failed=1
   wait "$companion" || failed=1
 

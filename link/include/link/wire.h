@@ -8,8 +8,8 @@
 #include <span>
 #include <type_traits>
 
-// The messages that the driver and the companion program exchange, as bytes. Everything is little-endian; floats are
-// IEEE-754 single precision unless a field says otherwise. docs/protocol.md tells the same to companion authors.
+// The messages that driver and companion exchange, as bytes: little-endian, floats in IEEE-754 single precision unless a
+// field says otherwise. docs/protocol.md tells the same to companion authors.
 namespace ombrel {
 
 static_assert(std::endian::native == std::endian::little, "records are copied to and from the wire as they are");
@@ -49,7 +49,6 @@ static_assert(sizeof(LinkMessageHeader) == 8);
 
 // Longer payloads end the connection: nothing that a companion sends comes near.
 inline constexpr std::size_t kMaxPayload = 64 * 1024;
-
 inline constexpr std::size_t kFrameSharingNameLength = 58;
 
 struct FrameSharingInfo {
@@ -99,10 +98,10 @@ struct ControllerUpdate {
 };
 static_assert(sizeof(ControllerUpdate) == 192 && std::is_trivially_copyable_v<ControllerUpdate>);
 static_assert(offsetof(ControllerUpdate, trackingState) == 4 && offsetof(ControllerUpdate, pose) == 16);
-static_assert(offsetof(ControllerUpdate, state) == 80 && offsetof(ControllerUpdate, acceleration) == 144);
-static_assert(offsetof(ControllerUpdate, velocity) == 168);
+static_assert(offsetof(ControllerUpdate, state) == 80 && offsetof(ControllerUpdate, velocity) == 168);
+static_assert(offsetof(ControllerUpdate, acceleration) == 144);
 
-// Takes a record from the bytes at `offset`. The caller has checked that it fits.
+// The record at `offset`. The caller has checked that it fits.
 template <typename Record>
 [[nodiscard]] Record ReadRecord(std::span<const std::byte> bytes, std::size_t offset = 0) {
   static_assert(std::is_trivially_copyable_v<Record>);

@@ -50,7 +50,8 @@ TEST_F(FrameSequenceTest, TheDriverHoldsTheOutputThatItDrawsNext) {
 
 TEST_F(FrameSequenceTest, OutputsAreReleasedInTurnsAndTakenInTurns) {
   for (int frame = 0; frame < 4; ++frame) ASSERT_TRUE(HandOver());
-  const auto outputs = TakeAnnouncement().sharedHandles;
+  const auto announcement = TakeAnnouncement();
+  const auto& outputs = announcement.sharedHandles;
   std::vector<std::uint32_t> acquired, released;
   for (const Acquired& call : calls.Of<Acquired>()) acquired.push_back(call.handle);
   for (const Released& call : calls.Of<Released>()) released.push_back(call.handle);

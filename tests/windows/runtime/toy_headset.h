@@ -29,36 +29,18 @@ class ToyHeadset : public vr::ITrackedDeviceServerDriver,
   vr::EVRInitError Activate(uint32_t) override { return vr::VRInitError_None; }
   void Deactivate() override {}
   void EnterStandby() override {}
-  void* GetComponent(const char* name) override {
-    const std::string wanted = name;
-    if (wanted == vr::IVRDisplayComponent_Version) {
-      return static_cast<vr::IVRDisplayComponent*>(this);
-    }
-    if (wanted == vr::IVRDriverDirectModeComponent_Version) {
-      return static_cast<vr::IVRDriverDirectModeComponent*>(this);
-    }
-    return wanted == vr::IVRVirtualDisplay_Version ? static_cast<vr::IVRVirtualDisplay*>(this) : nullptr;
-  }
+  void* GetComponent(const char* name) override;
   void DebugRequest(const char*, char*, uint32_t) override {}
   vr::DriverPose_t* GetPose(vr::DriverPose_t* result) override { return result; }
 
-  void GetWindowBounds(int32_t* x, int32_t* y, uint32_t* width, uint32_t* height) override {
-    *x = *y = -1;
-    *width = 2 * kWidth;
-    *height = kHeight;
-  }
+  void GetWindowBounds(int32_t* x, int32_t* y, uint32_t* width, uint32_t* height) override;
   bool IsDisplayOnDesktop() override { return false; }
   bool IsDisplayRealDisplay() override { return false; }
   void GetRecommendedRenderTargetSize(uint32_t* width, uint32_t* height) override {
     *width = kWidth;
     *height = kHeight;
   }
-  void GetEyeOutputViewport(vr::EVREye eye, uint32_t* x, uint32_t* y, uint32_t* width, uint32_t* height) override {
-    *x = eye == vr::Eye_Left ? 0 : kWidth;
-    *y = 0;
-    *width = kWidth;
-    *height = kHeight;
-  }
+  void GetEyeOutputViewport(vr::EVREye eye, uint32_t* x, uint32_t* y, uint32_t* width, uint32_t* height) override;
   void GetProjectionRaw(vr::EVREye, float* left, float* right, float* top, float* bottom) override {
     *left = *top = -1;
     *right = *bottom = 1;
@@ -69,19 +51,7 @@ class ToyHeadset : public vr::ITrackedDeviceServerDriver,
   }
 
   void CreateSwapTextureSet(uint32_t, const SwapTextureSetDesc_t* desc,
-                            vr::SharedTextureHandle_t (*handles)[3]) override {
-    calls.push_back("CreateSwapTextureSet");
-    descriptions.push_back(*desc);
-    for (auto& handle : *handles) {
-      Microsoft::WRL::ComPtr<ID3D11Texture2D> texture = CreateTexture(*desc);
-      Microsoft::WRL::ComPtr<IDXGIResource> resource;
-      HANDLE shared = nullptr;
-      RequireOk(texture.As(&resource), "finding the resource");
-      RequireOk(resource->GetSharedHandle(&shared), "finding the handle");
-      handle = reinterpret_cast<vr::SharedTextureHandle_t>(shared);
-      swapTextures.emplace_back(handle, texture);
-    }
-  }
+                            vr::SharedTextureHandle_t (*handles)[3]) override;
   void DestroySwapTextureSet(vr::SharedTextureHandle_t handle) override { destroyed.push_back(handle); }
   void GetNextSwapTextureSetIndex(vr::SharedTextureHandle_t[2], uint32_t (*indices)[2]) override {
     calls.push_back("GetNextSwapTextureSetIndex");
@@ -132,47 +102,11 @@ class ToyHeadset : public vr::ITrackedDeviceServerDriver,
   bool syncWasFree = false;
 
  private:
-  Microsoft::WRL::ComPtr<ID3D11Texture2D> CreateTexture(const SwapTextureSetDesc_t& desc) {
-    D3D11_TEXTURE2D_DESC description{};
-    description.Width = desc.nWidth;
-    description.Height = desc.nHeight;
-    description.MipLevels = description.ArraySize = 1;
-    description.Format = static_cast<DXGI_FORMAT>(desc.nFormat);
-    description.SampleDesc.Count = desc.nSampleCount;
-    description.BindFlags = D3D11_BIND_SHADER_RESOURCE | D3D11_BIND_RENDER_TARGET;
-    description.MiscFlags = D3D11_RESOURCE_MISC_SHARED;
-    Microsoft::WRL::ComPtr<ID3D11Texture2D> texture;
-    RequireOk(device->CreateTexture2D(&description, nullptr, &texture), "making a swap texture");
-    return texture;
-  }
-  Pixel CentreOf(vr::SharedTextureHandle_t handle) {
-    for (const auto& [known, texture] : swapTextures) {
-      if (known == handle) {
-        return ReadPixels(*device.Get(), *context.Get(), *texture.Get()).At(kWidth / 2, kHeight / 2);
-      }
-    }
-    return {};
-  }
-  Microsoft::WRL::ComPtr<ID3D11Texture2D> Open(vr::SharedTextureHandle_t handle) {
-    Microsoft::WRL::ComPtr<ID3D11Texture2D> texture;
-    RequireOk(device->OpenSharedResource(reinterpret_cast<HANDLE>(handle), IID_PPV_ARGS(&texture)),
-              "opening a texture");
-    return texture;
-  }
-  bool TryHold(vr::SharedTextureHandle_t handle) {
-    Microsoft::WRL::ComPtr<IDXGIKeyedMutex> mutex;
-    RequireOk(Open(handle).As(&mutex), "finding the mutex");
-    return mutex->AcquireSync(0, 0) == S_OK && mutex->ReleaseSync(0) == S_OK;
-  }
-  PictureCopy ReadShared(vr::SharedTextureHandle_t handle) {
-    const auto texture = Open(handle);
-    Microsoft::WRL::ComPtr<IDXGIKeyedMutex> mutex;
-    RequireOk(texture.As(&mutex), "finding the mutex");
-    RequireOk(mutex->AcquireSync(0, 1000), "holding the finished texture");
-    PictureCopy copy = ReadPixels(*device.Get(), *context.Get(), *texture.Get());
-    RequireOk(mutex->ReleaseSync(0), "giving the finished texture back");
-    return copy;
-  }
+  Microsoft::WRL::ComPtr<ID3D11Texture2D> CreateTexture(const SwapTextureSetDesc_t& desc);
+  Pixel CentreOf(vr::SharedTextureHandle_t handle);
+  Microsoft::WRL::ComPtr<ID3D11Texture2D> Open(vr::SharedTextureHandle_t handle);
+  bool TryHold(vr::SharedTextureHandle_t handle);
+  PictureCopy ReadShared(vr::SharedTextureHandle_t handle);
 
   Microsoft::WRL::ComPtr<ID3D11Device> device;
   Microsoft::WRL::ComPtr<ID3D11DeviceContext> context;
