@@ -1,5 +1,5 @@
 # Packs the driver's folder: cmake -DROOT=<dist/ombrel> -DARCHIVE=<zip> -P ...
-# Names are sorted and times are fixed, so that the same files make the same archive.
+# Names are sorted and times are fixed, so that archives differ as little as their files do.
 cmake_path(GET ROOT PARENT_PATH parent)
 file(GLOB_RECURSE files LIST_DIRECTORIES false RELATIVE "${parent}" "${ROOT}/*")
 list(SORT files)

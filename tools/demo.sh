@@ -6,7 +6,7 @@ set -euo pipefail
 . "$(dirname "$0")/lib.sh"
 
 prepare "${build_packages[@]}" "${display_packages[@]}"
-build mingw-release dist runtime_sim companion_sim latency_report
+build mingw-release dist runtime_sim companion_sim demo_report
 start_display
 # shellcheck source=tools/session.sh
 . tools/session.sh

@@ -41,9 +41,9 @@ run_session() {
   wait "$companion" || failed=1
 
   say "results, in $out"
-  windows "$bench/companion_sim/latency_report.exe" --summary "$out/latency.json" \
+  tail -n 1 "$out/companion.log"
+  windows "$bench/runtime_sim/demo_report.exe" --json "$out/summary.json" \
     --companion-poses "$out/companion_poses.csv" --runtime-poses "$out/runtime_poses.csv" \
     --runtime-frames "$out/runtime_frames.csv" --companion-frames "$out/companion_frames.csv" || failed=1
-  tail -n 3 "$out/companion.log"
   return "$failed"
 }

@@ -76,6 +76,14 @@ TEST_F(RefusalTest, WhenTheRuntimeHasNoVrpathreg) {
   ExpectBothRefused(4, TextOf(runtime));
 }
 
+TEST_F(RefusalTest, ShowingTheFolderAsWindowsWritesIt) {
+  for (const char* folder : {R"(C:\\No where\\Steam)", "C:/No where/Steam", R"(C:\/No where\/Steam)"}) {
+    SCOPED_TRACE(folder);
+    WriteRegistryText("{ \"runtime\" : [ \"" + std::string(folder) + "\" ] }");
+    ExpectRefused("install.cmd", 4, R"("C:\No where\Steam")");
+  }
+}
+
 TEST_F(RefusalTest, WhenVrpathregFails) {
   for (const int code : {1, -1}) {
     LetVrpathregAnswer(code);

@@ -1,6 +1,6 @@
 // Stands in for the runtime's vrpathreg.exe: keeps the list of drivers in the path registry as that does, and notes its
-// arguments, one JSON list a line, in the file vrpathreg.calls beside itself. A file vrpathreg.answer beside it holds the
-// exit code with which it then ends at once, and changes nothing.
+// arguments, one JSON list a line, in the file vrpathreg.calls beside itself. A file vrpathreg.answer beside it holds
+// the exit code with which it then ends at once, and changes nothing.
 #include <windows.h>
 
 #include <shellapi.h>
