@@ -41,6 +41,7 @@ void OmbrelCore::PrepareOutput(const OutputConfiguration& configuration) {
   if (!renderer_->IsReady()) {
     renderer_->Configure(configuration);
     renderer_->CreateOutputTextures();
+    outputConfigured_ = true;
   }
   SetUpConnection();
 }
@@ -58,8 +59,8 @@ void OmbrelCore::OnConnectionStateChanged() {
 // On the connect thread, or, when the companion was there before the output, on the server thread. setUpMutex_ is held,
 // stateMutex_ is not: poses go on while textures are made.
 void OmbrelCore::SetUpConnection() {
-  if (!setUpPending_ || !renderer_->IsReady()) return;
-  if (!renderer_->CreateOutputTextures()) return;
+  // Not whether the renderer is ready: textures that could not be made for one connection may be for the next.
+  if (!setUpPending_ || !outputConfigured_ || !renderer_->CreateOutputTextures()) return;
   setUpPending_ = false;
   currentTexture_ = 1;
   AcquireNextTexture();

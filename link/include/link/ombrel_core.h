@@ -83,6 +83,7 @@ class OmbrelCore final : public IFramerateUpdatedListener,
 
   Mutex setUpMutex_;  // one set-up, or its undoing, at a time; taken before stateMutex_
   bool setUpPending_ = false;
+  bool outputConfigured_ = false;
   bool initialised_ = false;
 
   CompanionPipeClient client_;  // last, so that its threads never meet a core half made or half gone
