@@ -40,8 +40,8 @@ void OmbrelCore::PrepareOutput(const OutputConfiguration& configuration) {
   const std::lock_guard setUp(setUpMutex_);
   if (!renderer_->IsReady()) {
     renderer_->Configure(configuration);
-    renderer_->CreateOutputTextures();
     outputConfigured_ = true;
+    if (!renderer_->CreateOutputTextures()) return;  // the next connection may have more luck
   }
   SetUpConnection();
 }
