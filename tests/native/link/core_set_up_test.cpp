@@ -62,12 +62,33 @@ TEST_F(OmbrelCoreTest, GoesWithoutFramesWhenTheOutputsCannotBeMade) {
   PrepareOutput();
   SetUpCore();
   ASSERT_TRUE(companion_.Connect());
+  ASSERT_TRUE(WaitForCall("CreateOutputTextures", 2));
   ASSERT_TRUE(SendPose());
-  HandOff();
+  HandOff(77);
   core_->HandOffTexture(5);
-  // The connection asks for them once more, and then nothing is done with what is not there.
-  const Lines asked{"Configure 28 2560 1440 1", "CreateOutputTextures", "CreateOutputTextures"};
-  EXPECT_TRUE(WaitUntil([&] { return Calls() == asked; }));
+  EXPECT_EQ(Calls(), (Lines{"Configure 28 2560 1440 1", "CreateOutputTextures", "CreateOutputTextures"}));
+}
+
+TEST_F(OmbrelCoreTest, OutputsThatCouldNotBeMadeAreMadeForTheNextConnection) {
+  PrepareOutput();
+  renderer_->canCreateOutputs = false;
+  SetUpCore();
+  ASSERT_TRUE(companion_.Connect());
+  ASSERT_TRUE(WaitForCall("CreateOutputTextures", 2));
+  renderer_->canCreateOutputs = true;
+  companion_.Offer();
+  companion_.Disconnect();
+  ASSERT_TRUE(companion_.Accept());
+  EXPECT_TRUE(WaitForStreaming());
+  EXPECT_TRUE(Receive());
+}
+
+TEST_F(OmbrelCoreTest, OutputsThatCouldNotBeMadeAreMadeByAnotherActivation) {
+  renderer_->canCreateOutputs = false;
+  PrepareOutput();
+  SetUpCore();
+  ASSERT_TRUE(companion_.Connect());
+  ASSERT_TRUE(WaitForCall("CreateOutputTextures", 2));
   renderer_->canCreateOutputs = true;
   PrepareOutput();
   EXPECT_TRUE(WaitForStreaming());
