@@ -68,11 +68,16 @@ TEST_F(MsvcHostTest, FramesReachHostAndInput) {
 }
 
 TEST_F(MsvcHostTest, NoCallReachesAMethodThatTheDriverDoesNotUse) {
-  const std::vector<std::string> used = {"GetGenericInterface",      "GetBool",
-                                         "GetInt32",                 "Log",
-                                         "TrackedDeviceAdded",       "TrackedDeviceToPropertyContainer",
-                                         "WritePropertyBatch",       "CreateBooleanComponent",
-                                         "UpdateBooleanComponent",   "TrackedDevicePoseUpdated",
+  const std::vector<std::string> used = {"GetGenericInterface",
+                                         "GetBool",
+                                         "GetInt32",
+                                         "Log",
+                                         "TrackedDeviceAdded",
+                                         "TrackedDeviceToPropertyContainer",
+                                         "WritePropertyBatch",
+                                         "CreateBooleanComponent",
+                                         "UpdateBooleanComponent",
+                                         "TrackedDevicePoseUpdated",
                                          "PollNextEvent"};
   for (void* device : devices) ASSERT_EQ(MsvcDeviceActivate(device, 1), 0);
   MsvcProviderRunFrame(provider);

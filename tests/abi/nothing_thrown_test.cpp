@@ -41,7 +41,7 @@ class ThrowingTest : public DriverTest {
 
 struct Fault {
   const char* name;
-  const char* call;               // the runtime's method that throws
+  const char* call;                // the runtime's method that throws
   void (ThrowingTest::*action)();  // the runtime's call into the driver meanwhile
   bool needsInit = true;
 };
@@ -122,9 +122,7 @@ TEST_F(ThrowingTest, InitCanFollowOneThatAFaultEnded) {
 // without any memory.
 thread_local int allocationsBeforeFailure = -1;  // negative: none fails
 
-void* FailingMalloc(std::size_t size) {
-  return allocationsBeforeFailure-- == 0 ? nullptr : std::malloc(size);
-}
+void* FailingMalloc(std::size_t size) { return allocationsBeforeFailure-- == 0 ? nullptr : std::malloc(size); }
 
 TEST_F(ThrowingTest, InitSurvivesTheFailureOfAnyAllocation) {
   EnsureCompanionProcess();

@@ -22,7 +22,8 @@ bool MsvcDisplayIsReal(void* display);
 void MsvcDisplayGetRenderTargetSize(void* display, uint32_t* width, uint32_t* height);
 void MsvcDisplayGetEyeViewport(void* display, int32_t eye, uint32_t* x, uint32_t* y, uint32_t* width, uint32_t* height);
 void MsvcDisplayGetProjection(void* display, int32_t eye, float* left, float* right, float* top, float* bottom);
-void MsvcDisplayComputeDistortion(void* display, int32_t eye, float u, float v, void* result);  // DistortionCoordinates_t
+void MsvcDisplayComputeDistortion(void* display, int32_t eye, float u, float v,
+                                  void* result);  // DistortionCoordinates_t
 
 // IVRDriverDirectModeComponent_005
 void MsvcDirectCreateSet(void* direct, uint32_t processId, uint32_t width, uint32_t height, uint32_t format,

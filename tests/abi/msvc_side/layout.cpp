@@ -14,9 +14,7 @@ struct FramerateListener {
 };
 struct Headset : vr::ITrackedDeviceServerDriver, vr::IVRDisplayComponent, TrackingListener, FramerateListener {};
 
-Headset* AsHeadset(void* device) {
-  return static_cast<Headset*>(static_cast<vr::ITrackedDeviceServerDriver*>(device));
-}
+Headset* AsHeadset(void* device) { return static_cast<Headset*>(static_cast<vr::ITrackedDeviceServerDriver*>(device)); }
 
 static_assert(sizeof(vr::DriverPose_t) == 280, "");
 static_assert(sizeof(vr::VREvent_t) == 48, "");

@@ -1,3 +1,4 @@
+#include <future>
 #include <set>
 
 #include "direct_fixture.h"
@@ -118,6 +119,21 @@ TEST_F(SwapSetsTest, AProcessWithoutSetsLosesNothing) {
   const SwapSet set = CreateSwapSet(10);
   Direct().DestroyAllSwapTextureSets(12);
   EXPECT_EQ(CountOpen(set), 3);
+}
+
+TEST_F(SwapSetsTest, SetsOfOthersMayComeAndGoWhileFramesFlow) {
+  Connect();
+  const auto eye = MakeEye(kGreen);
+  auto others = std::async(std::launch::async, [this] {
+    for (std::size_t i = 0; i < 30; ++i) Direct().DestroySwapTextureSet(CreateSwapSet(5)[i % 3]);
+  });
+  do {
+    SubmitLayer(eye, PoseNumber(1));
+    ASSERT_TRUE(HandOver());
+  } while (others.wait_for(milliseconds(0)) != std::future_status::ready);
+  const auto draws = calls.Of<Drawn>();
+  EXPECT_NE(draws[0].view, nullptr);
+  for (const Drawn& drawn : draws) EXPECT_EQ(drawn.view, draws[0].view);
 }
 
 TEST_F(SwapSetsTest, TexturesThatCannotBeMadeAreLeftOut) {

@@ -8,9 +8,8 @@ namespace ombrel::test {
 namespace {
 
 const std::vector<std::string>& AskedByInit() {
-  static const std::vector<std::string> names = {"IVRServerDriverHost_005", "IVRSettings_002",
-                                                 "IVRProperties_001",       "IVRDriverLog_001",
-                                                 "IVRDriverManager_001",    "IVRResources_001"};
+  static const std::vector<std::string> names = {"IVRServerDriverHost_005", "IVRSettings_002",      "IVRProperties_001",
+                                                 "IVRDriverLog_001",        "IVRDriverManager_001", "IVRResources_001"};
   return names;
 }
 

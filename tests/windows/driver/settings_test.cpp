@@ -25,10 +25,10 @@ class SettingsTest : public DriverTest {
 
 TEST_F(SettingsTest, EachKeyIsReadOnceAndInOrder) {
   ASSERT_EQ(Init(), vr::VRInitError_None);
-  EXPECT_THAT(KeysRead(), testing::ElementsAre("GetBool fakeSensorEnabled", "GetInt32 hmdMode", "GetInt32 windowWidth",
-                                               "GetInt32 windowHeight", "GetInt32 renderScale",
-                                               "GetInt32 RotationOffsetXDeg", "GetInt32 RotationOffsetYDeg",
-                                               "GetInt32 RotationOffsetZDeg"));
+  EXPECT_THAT(KeysRead(),
+              testing::ElementsAre("GetBool fakeSensorEnabled", "GetInt32 hmdMode", "GetInt32 windowWidth",
+                                   "GetInt32 windowHeight", "GetInt32 renderScale", "GetInt32 RotationOffsetXDeg",
+                                   "GetInt32 RotationOffsetYDeg", "GetInt32 RotationOffsetZDeg"));
 }
 
 TEST_F(SettingsTest, NothingIsReadAfterInit) {
@@ -60,17 +60,13 @@ TEST_P(FakeSensorSettingTest, DecidesWhetherThereIsABaseStation) {
 
 INSTANTIATE_TEST_SUITE_P(
     , FakeSensorSettingTest,
-    testing::Values(FakeSensorCase{.name = "Missing", .stored = {}, .added = true},
-                    FakeSensorCase{.name = "Off", .stored = false, .added = false},
-                    FakeSensorCase{.name = "On", .stored = true, .added = true},
-                    FakeSensorCase{.name = "OffButUnreadable",
-                                   .stored = false,
-                                   .error = vr::VRSettingsError_ReadFailed,
-                                   .added = true},
-                    FakeSensorCase{.name = "OffButNoIPC",
-                                   .stored = false,
-                                   .error = vr::VRSettingsError_IPCFailed,
-                                   .added = true}),
+    testing::Values(
+        FakeSensorCase{.name = "Missing", .stored = {}, .added = true},
+        FakeSensorCase{.name = "Off", .stored = false, .added = false},
+        FakeSensorCase{.name = "On", .stored = true, .added = true},
+        FakeSensorCase{
+            .name = "OffButUnreadable", .stored = false, .error = vr::VRSettingsError_ReadFailed, .added = true},
+        FakeSensorCase{.name = "OffButNoIPC", .stored = false, .error = vr::VRSettingsError_IPCFailed, .added = true}),
     [](const auto& test) { return std::string(test.param.name); });
 
 struct SizeCase {
@@ -98,19 +94,22 @@ TEST_P(SizeTest, FollowsTheSettings) {
   EXPECT_EQ(height, GetParam().eyeHeight);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    , SizeTest,
-    testing::Values(SizeCase{"NoKeys", {}, {}, {}, 500, 600}, SizeCase{"Scaled150", 2560, 1440, 150, 1920, 2160},
-                    SizeCase{"Scaled100", 2560, 1440, 100, 1280, 1440}, SizeCase{"Scale50IsAs100", 2560, 1440, 50, 1280, 1440},
-                    SizeCase{"NoScaleIsAs100", 2560, 1440, {}, 1280, 1440},
-                    SizeCase{"NegativeScaleIsAs100", 2560, 1440, -150, 1280, 1440},
-                    SizeCase{"OddWidthIsHalvedFirst", 1921, 1440, 150, 1440, 2160},
-                    SizeCase{"OddWidth1921", 1921, 1440, 100, 960, 1440}, SizeCase{"NoHeight", 2560, 0, 100, 1280, 600},
-                    SizeCase{"NegativeSizes", -2560, -1440, 100, 500, 600}, SizeCase{"JustBelowTheLimits", 998, 599, 100, 500, 600},
-                    SizeCase{"JustAboveTheLimits", 1002, 601, 100, 501, 601},
-                    SizeCase{"FractionsAreCutOff", 2002, 1001, 133, 1331, 1331},
-                    SizeCase{"ScaleBringsItAboveTheLimits", 600, 400, 200, 600, 800}),
-    [](const auto& test) { return std::string(test.param.name); });
+INSTANTIATE_TEST_SUITE_P(, SizeTest,
+                         testing::Values(SizeCase{"NoKeys", {}, {}, {}, 500, 600},
+                                         SizeCase{"Scaled150", 2560, 1440, 150, 1920, 2160},
+                                         SizeCase{"Scaled100", 2560, 1440, 100, 1280, 1440},
+                                         SizeCase{"Scale50IsAs100", 2560, 1440, 50, 1280, 1440},
+                                         SizeCase{"NoScaleIsAs100", 2560, 1440, {}, 1280, 1440},
+                                         SizeCase{"NegativeScaleIsAs100", 2560, 1440, -150, 1280, 1440},
+                                         SizeCase{"OddWidthIsHalvedFirst", 1921, 1440, 150, 1440, 2160},
+                                         SizeCase{"OddWidth1921", 1921, 1440, 100, 960, 1440},
+                                         SizeCase{"NoHeight", 2560, 0, 100, 1280, 600},
+                                         SizeCase{"NegativeSizes", -2560, -1440, 100, 500, 600},
+                                         SizeCase{"JustBelowTheLimits", 998, 599, 100, 500, 600},
+                                         SizeCase{"JustAboveTheLimits", 1002, 601, 100, 501, 601},
+                                         SizeCase{"FractionsAreCutOff", 2002, 1001, 133, 1331, 1331},
+                                         SizeCase{"ScaleBringsItAboveTheLimits", 600, 400, 200, 600, 800}),
+                         [](const auto& test) { return std::string(test.param.name); });
 
 }  // namespace
 }  // namespace ombrel::test

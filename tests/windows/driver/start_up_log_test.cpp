@@ -18,19 +18,19 @@ TEST_F(LogTest, WholeStartUpAndActivation) {
   ASSERT_EQ(Init(), vr::VRInitError_None);
   Headset().Activate(0);
   FakeSensor().Activate(1);
-  EXPECT_THAT(LogLines(), ElementsAre("Ombrel process is running\n",                              //
-                                      "Preparing HMD, mode 0\n",                                  //
-                                      "Using settings values\n",                                  //
-                                      "driver_ombrel: Serial Number: 0.8\n",                      //
-                                      "driver_ombrel: Model Number: Ombrel\n",                    //
-                                      "driver_ombrel: Window: -1 -1 3840 2160\n",                 //
-                                      "driver_ombrel: Render Target: 1920 2160\n",                //
+  EXPECT_THAT(LogLines(), ElementsAre("Ombrel process is running\n",                               //
+                                      "Preparing HMD, mode 0\n",                                   //
+                                      "Using settings values\n",                                   //
+                                      "driver_ombrel: Serial Number: 0.8\n",                       //
+                                      "driver_ombrel: Model Number: Ombrel\n",                     //
+                                      "driver_ombrel: Window: -1 -1 3840 2160\n",                  //
+                                      "driver_ombrel: Render Target: 1920 2160\n",                 //
                                       "driver_ombrel: Seconds from Vsync to Photons: 0.005000\n",  //
-                                      "driver_ombrel: Display Frequency: 60.000000\n",            //
-                                      "driver_ombrel: IPD: 0.065000\n",                           //
-                                      "Creating Direct driver component \n",                      //
-                                      "Fake sensor registered with result 1\n",                   //
-                                      "HMD activated with id 0 \n",                               //
+                                      "driver_ombrel: Display Frequency: 60.000000\n",             //
+                                      "driver_ombrel: IPD: 0.065000\n",                            //
+                                      "Creating Direct driver component \n",                       //
+                                      "Fake sensor registered with result 1\n",                    //
+                                      "HMD activated with id 0 \n",                                //
                                       "Activate fake sensor 1 \n"));
 }
 
@@ -100,6 +100,14 @@ TEST_P(ModeTest, IsLoggedAndGivesADirectModeHeadset) {
 }
 
 INSTANTIATE_TEST_SUITE_P(, ModeTest, testing::Values(0, 2, 7, -1));
+
+TEST_F(LogTest, ModeOneGivesAVirtualDisplay) {
+  Set("hmdMode", 1);
+  ASSERT_EQ(Init(), vr::VRInitError_None);
+  EXPECT_EQ(LogLines().at(1), "Preparing HMD, mode 1\n");
+  EXPECT_NE(Headset().GetComponent("IVRVirtualDisplay_002"), nullptr);
+  EXPECT_EQ(Headset().GetComponent("IVRDriverDirectModeComponent_005"), nullptr);
+}
 
 }  // namespace
 }  // namespace ombrel::test
