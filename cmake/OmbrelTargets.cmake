@@ -22,12 +22,17 @@ function(ombrel_add_library name)
     PRIVATE ombrel_warnings ${arg_PRIVATE_DEPENDS})
 endfunction()
 
+option(OMBREL_UNITY "Compile several files of a test or a bench program at once" ON)
+
 # ombrel_quick_to_build(TARGET): for what takes longer to compile than to run. Under sanitizers a test's own code
-# takes twice as long to compile with optimization as without; the libraries that it tests keep theirs.
+# takes twice as long to compile with optimization as without; the libraries that it tests keep theirs. Reading headers
+# is most of the rest, so files are compiled by the half dozen; without OMBREL_UNITY each shows that it includes what
+# it needs.
 function(ombrel_quick_to_build target)
   if(OMBREL_SANITIZE)
     target_compile_options(${target} PRIVATE -O0)
   elseif(NOT MSVC)
     target_compile_options(${target} PRIVATE -O1)
   endif()
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ${OMBREL_UNITY} UNITY_BUILD_BATCH_SIZE 6)
 endfunction()

@@ -13,7 +13,8 @@ endif()
 # ombrel_add_test(NAME LABEL native|windows|gpu SOURCES file... [DEPENDS target...]
 #                 [ARGS argument...] [ENVIRONMENT name=value...] [TIMEOUT seconds])
 # One ctest entry per GoogleTest program: starting Wine is slow. GoogleMock's main is linked.
-# Windows and GPU tests run one at a time, since pipe and process names are shared by all of them.
+# Tests of a label run one at a time, since pipe and process names are shared by all of them; under Wine, Windows and GPU
+# tests have a prefix each, and so names of their own.
 function(ombrel_add_test name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "LABEL;TIMEOUT" "SOURCES;DEPENDS;ARGS;ENVIRONMENT")
   if(NOT arg_TIMEOUT)
@@ -26,6 +27,9 @@ function(ombrel_add_test name)
   set_tests_properties(${name} PROPERTIES
     LABELS "${arg_LABEL}" TIMEOUT ${arg_TIMEOUT} ENVIRONMENT "${arg_ENVIRONMENT}")
   if(NOT arg_LABEL STREQUAL "native")
-    set_tests_properties(${name} PROPERTIES RESOURCE_LOCK windows)
+    set_tests_properties(${name} PROPERTIES RESOURCE_LOCK ${arg_LABEL})
+  endif()
+  if(arg_LABEL STREQUAL "gpu" AND OMBREL_GPU_EMULATOR)
+    set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR "${OMBREL_GPU_EMULATOR}")
   endif()
 endfunction()

@@ -17,3 +17,5 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 # Tests and build-time programs run under Wine.
 set(CMAKE_CROSSCOMPILING_EMULATOR
   "${CMAKE_CURRENT_LIST_DIR}/../tools/wine.sh;--prefix;${CMAKE_BINARY_DIR}/wine")
+set(OMBREL_GPU_EMULATOR
+  "${CMAKE_CURRENT_LIST_DIR}/../tools/wine.sh;--prefix;${CMAKE_BINARY_DIR}/wine_gpu")

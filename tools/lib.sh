@@ -80,9 +80,12 @@ start_display() {
 }
 
 stop_what_was_started() {
-  if [ -d "$wine_prefix" ]; then
-    WINEPREFIX=$wine_prefix /usr/lib/wine/wineserver -k 2>/dev/null || true
-  fi
+  local prefix
+  for prefix in "$wine_prefix" "${wine_prefix}_gpu"; do
+    if [ -d "$prefix" ]; then
+      WINEPREFIX=$prefix /usr/lib/wine/wineserver -k 2>/dev/null || true
+    fi
+  done
   if [ -n "$display_pid" ]; then
     kill "$display_pid" || true
   fi

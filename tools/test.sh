@@ -34,7 +34,7 @@ run_tests host-asan -j "$(nproc)"
 build host-tsan "${threaded[@]}"
 run_tests host-tsan -R "^($(IFS='|' && echo "${threaded[*]}"))\$"
 build mingw-release
-run_tests mingw-release
+run_tests mingw-release -j "$(nproc)"
 
 say "all tests have run"
 echo "$passed passed, $failed failed, $skipped skipped"

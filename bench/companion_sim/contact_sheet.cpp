@@ -90,7 +90,7 @@ Image ContactSheet::Draw() const {
   for (std::size_t i = 0; i < tiles.size(); ++i) {
     const int x = kGap + static_cast<int>(i % kColumns) * cellWidth;
     const int y = kGap + static_cast<int>(i / kColumns) * cellHeight;
-    DrawText(sheet, x, y + 4, Caption(*tiles[i]));
+    WriteCaption(sheet, x, y + 4, Caption(*tiles[i]));
     Paste(tiles[i]->picture, sheet, x, y + kLabelHeight);
   }
   return sheet;

@@ -65,7 +65,7 @@ void Paste(const Image& source, Image& target, int x, int y) {
   }
 }
 
-void DrawText(Image& image, int x, int y, const std::string& text) {
+void WriteCaption(Image& image, int x, int y, const std::string& text) {
   std::vector<FontVertex> vertices(400 * text.size() / sizeof(FontVertex) + 4);
   std::string writable = text;
   const int quads = stb_easy_font_print(0, 0, writable.data(), nullptr, vertices.data(),

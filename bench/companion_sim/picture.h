@@ -14,7 +14,7 @@ Image Shrink(const Image& image, int width);
 void Paste(const Image& source, Image& target, int x, int y);
 
 // Writes a line of text in white, two pixels to a dot.
-void DrawText(Image& image, int x, int y, const std::string& text);
+void WriteCaption(Image& image, int x, int y, const std::string& text);
 
 // False when the file could not be written.
 bool SavePng(const Image& image, const std::filesystem::path& path);

@@ -15,7 +15,6 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int kExitInitFailed = 2;
-constexpr vr::TrackedDeviceIndex_t kHead = vr::k_unTrackedDeviceIndex_Hmd;
 // What is kept of a session that may run for hours.
 constexpr std::size_t kKeptCalls = 10000;
 

@@ -33,6 +33,8 @@ class Simulation {
   void Stop() { stopRequested_ = true; }
 
  private:
+  static constexpr vr::TrackedDeviceIndex_t kHead = vr::k_unTrackedDeviceIndex_Hmd;
+
   void LoadSettings();
   void WaitForFirstPose();
   void StartGraphics();

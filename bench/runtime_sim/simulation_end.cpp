@@ -13,8 +13,6 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int kExitRequirement = 3;
-constexpr vr::TrackedDeviceIndex_t kHead = vr::k_unTrackedDeviceIndex_Hmd;
-
 }  // namespace
 
 void Simulation::Shutdown() {

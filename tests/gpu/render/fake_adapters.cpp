@@ -3,8 +3,6 @@
 #include <algorithm>
 
 namespace ombrel::test {
-namespace {
-
 // What the two interfaces have in common, and nobody asks of them.
 template <class Interface>
 class FakeObject : public Interface {
@@ -25,8 +23,6 @@ class FakeObject : public Interface {
  private:
   int references_ = 0;
 };
-
-}  // namespace
 
 class FakeAdapters::Adapter : public FakeObject<IDXGIAdapter> {
  public:

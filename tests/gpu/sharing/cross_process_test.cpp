@@ -10,10 +10,6 @@
 namespace bench::test {
 namespace {
 
-constexpr auto kTimeout = static_cast<HRESULT>(WAIT_TIMEOUT);
-constexpr auto kAbandoned = static_cast<HRESULT>(WAIT_ABANDONED);
-constexpr DWORD kLongMs = 20'000;
-
 Pixels ReadFile(const std::string& path, UINT width = kWidth, UINT height = kHeight) {
   Pixels pixels(std::size_t{width} * height + 1);  // one more, to notice a longer file
   std::ifstream stream(path, std::ios::binary);

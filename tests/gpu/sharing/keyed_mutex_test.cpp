@@ -16,10 +16,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kTimeout = static_cast<HRESULT>(WAIT_TIMEOUT);
-constexpr auto kAbandoned = static_cast<HRESULT>(WAIT_ABANDONED);
-constexpr DWORD kLongMs = 10'000;
-
 // One shared texture with a keyed mutex, on two devices.
 class KeyedMutexTest : public testing::Test {
  protected:

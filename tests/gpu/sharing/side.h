@@ -13,6 +13,11 @@ using Microsoft::WRL::ComPtr;
 inline constexpr UINT kWidth = 61;  // odd, so that rows of mapped textures have padding
 inline constexpr UINT kHeight = 37;
 
+// What AcquireSync answers besides S_OK, and a wait that ends only where something is wrong.
+inline constexpr auto kTimeout = static_cast<HRESULT>(WAIT_TIMEOUT);
+inline constexpr auto kAbandoned = static_cast<HRESULT>(WAIT_ABANDONED);
+inline constexpr DWORD kLongMs = 20'000;
+
 // 32-bit words, row by row without gaps: one to a pixel, or two where pixels have 64 bits.
 using Pixels = std::vector<std::uint32_t>;
 

@@ -10,7 +10,7 @@ namespace {
 
 using nlohmann::json;
 
-constexpr const char* kFile = "resources/driver.vrresources";
+constexpr const char* kIconsFile = "resources/driver.vrresources";
 constexpr const char* kStates[] = {"Off",        "Searching", "SearchingAlert", "Ready",
                                    "ReadyAlert", "NotReady",  "Standby",        "AlertLow"};
 
@@ -41,11 +41,11 @@ void CheckPicture(const DriverFiles& files, const std::string& file, PictureSize
 }
 
 void CheckDevice(const DriverFiles& files, const std::string& device, PictureSize size, Findings& findings) {
-  const json& icons = files.Document(kFile)["statusicons"][device];
+  const json& icons = files.Document(kIconsFile)["statusicons"][device];
   for (const std::string& property : Properties()) {
     const auto file = files.Resolve(TextAt(icons, property));
     if (!file) {
-      findings.push_back(std::string(kFile) + ": " + device + " has no " + property);
+      findings.push_back(std::string(kIconsFile) + ": " + device + " has no " + property);
     } else if (files.Has(*file)) {
       CheckPicture(files, *file, size, findings);
       CheckPicture(files, DenseForm(*file), {size.width * 2, size.height * 2}, findings);
@@ -53,7 +53,8 @@ void CheckDevice(const DriverFiles& files, const std::string& device, PictureSiz
   }
   for (const auto& [property, value] : icons.items()) {
     if (!Properties().contains(property)) {
-      findings.push_back(std::string(kFile) + ": " + device + " has " + property + ", which the runtime does not know");
+      findings.push_back(std::string(kIconsFile) + ": " + device + " has " + property +
+                         ", which the runtime does not know");
     }
   }
 }
@@ -61,18 +62,19 @@ void CheckDevice(const DriverFiles& files, const std::string& device, PictureSiz
 }  // namespace
 
 void CheckIcons(const DriverFiles& files, Findings& findings) {
-  const json& document = files.Document(kFile);
-  if (TextAt(document, "jsonid") != "vrresources") findings.push_back(std::string(kFile) + ": \"jsonid\" is wrong");
+  const json& document = files.Document(kIconsFile);
+  if (TextAt(document, "jsonid") != "vrresources")
+    findings.push_back(std::string(kIconsFile) + ": \"jsonid\" is wrong");
   const json icons = document.is_object() ? document.value("statusicons", json()) : json();
   for (const auto& [device, size] : Devices()) {
     if (icons.is_object() && icons.contains(device)) {
       CheckDevice(files, device, size, findings);
     } else {
-      findings.push_back(std::string(kFile) + ": has no icons for " + device);
+      findings.push_back(std::string(kIconsFile) + ": has no icons for " + device);
     }
   }
   for (const auto& [device, value] : icons.items()) {
-    if (!Devices().contains(device)) findings.push_back(std::string(kFile) + ": the driver makes no " + device);
+    if (!Devices().contains(device)) findings.push_back(std::string(kIconsFile) + ": the driver makes no " + device);
   }
 }
 

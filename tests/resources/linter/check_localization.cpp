@@ -7,13 +7,13 @@ namespace {
 
 using nlohmann::json;
 
-constexpr const char* kFile = "resources/localization/localization.json";
+constexpr const char* kLocalizationFile = "resources/localization/localization.json";
 constexpr const char* kTag = "language_tag";
 
 void CheckLanguage(const json& language, const std::set<std::string>& wanted, Findings& findings) {
   const std::string tag = TextAt(language, kTag);
   const auto complain = [&](const std::string& what) {
-    findings.push_back(std::string(kFile) + ": " + tag + " " + what);
+    findings.push_back(std::string(kLocalizationFile) + ": " + tag + " " + what);
   };
   if (!std::regex_match(tag, std::regex("[a-z]{2}_[A-Z]{2}"))) complain("is no language");
   for (const std::string& key : wanted) {
@@ -29,18 +29,18 @@ void CheckLanguage(const json& language, const std::set<std::string>& wanted, Fi
 // Every language has a text for the controller's type and for each of its paths, and for nothing else.
 void CheckLocalization(const DriverFiles& files, const SourceFacts& facts, Findings& findings) {
   const InputProfile profile(files, facts);
-  const json& document = files.Document(kFile);
-  if (!document.is_array()) return findings.push_back(std::string(kFile) + ": is missing or no list");
+  const json& document = files.Document(kLocalizationFile);
+  if (!document.is_array()) return findings.push_back(std::string(kLocalizationFile) + ": is missing or no list");
   std::set<std::string> wanted = profile.Paths();
   wanted.insert(profile.ControllerType());
   std::set<std::string> tags;
   for (const json& language : document) {
     CheckLanguage(language, wanted, findings);
     if (!tags.insert(TextAt(language, kTag)).second)
-      findings.push_back(std::string(kFile) + ": a language comes twice");
+      findings.push_back(std::string(kLocalizationFile) + ": a language comes twice");
   }
   for (const char* tag : {"en_US", "de_DE"}) {
-    if (!tags.contains(tag)) findings.push_back(std::string(kFile) + ": has no " + tag);
+    if (!tags.contains(tag)) findings.push_back(std::string(kLocalizationFile) + ": has no " + tag);
   }
 }
 

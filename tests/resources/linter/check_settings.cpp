@@ -5,7 +5,7 @@ namespace {
 
 using nlohmann::json;
 
-constexpr const char* kFile = "resources/settings/default.vrsettings";
+constexpr const char* kSettingsFile = "resources/settings/default.vrsettings";
 
 bool HasType(const json& value, SettingType type) {
   return type == SettingType::kBool ? value.is_boolean() : value.is_number_integer();
@@ -14,8 +14,8 @@ bool HasType(const json& value, SettingType type) {
 }  // namespace
 
 void CheckSettings(const DriverFiles& files, const SourceFacts& facts, Findings& findings) {
-  const auto complain = [&](const std::string& what) { findings.push_back(std::string(kFile) + ": " + what); };
-  const json& document = files.Document(kFile);
+  const auto complain = [&](const std::string& what) { findings.push_back(std::string(kSettingsFile) + ": " + what); };
+  const json& document = files.Document(kSettingsFile);
   const std::string section = "driver_" + files.Name();
   if (facts.settingsSection != section) complain("the driver reads another section than \"" + section + "\"");
   if (!document.is_object() || document.size() != 1 || !document.contains(section) || !document[section].is_object()) {

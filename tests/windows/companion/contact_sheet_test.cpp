@@ -21,9 +21,9 @@ TEST(Shrink, TakesTheMeanOfWhatAPixelCovers) {
   EXPECT_EQ(small.At(1, 0), (Rgba{100, 0, 0, 128}));
 }
 
-TEST(DrawText, LeavesWhiteDotsInsideThePicture) {
+TEST(WriteCaption, LeavesWhiteDotsInsideThePicture) {
   Image image(60, 24);
-  DrawText(image, 0, 2, "Ab");
+  WriteCaption(image, 0, 2, "Ab");
   int white = 0;
   for (int y = 0; y < image.height; ++y) {
     for (int x = 0; x < image.width; ++x) white += image.At(x, y)[0] == 255 ? 1 : 0;

@@ -10,7 +10,7 @@ namespace ombrel::test {
 namespace {
 
 constexpr UINT64 kKey = 0;
-constexpr DWORD kPatienceMs = 20'000;
+constexpr DWORD kAcquireMs = 20'000;
 
 void Require(HRESULT result, const char* what) {
   if (result != S_OK) throw std::runtime_error(std::string(what) + " failed with " + std::to_string(result));
@@ -68,7 +68,7 @@ void RuntimeSide::Paint(const Shared& shared, const Painter& painter) {
     Require(bench::PublishSharedTexture(shared.texture.Get()), "publishing a texture");
     return;
   }
-  Require(shared.keyedMutex->AcquireSync(kKey, kPatienceMs), "acquiring a texture");
+  Require(shared.keyedMutex->AcquireSync(kKey, kAcquireMs), "acquiring a texture");
   Write(shared.texture.Get(), painter);
   Require(shared.keyedMutex->ReleaseSync(kKey), "releasing a texture");
 }
