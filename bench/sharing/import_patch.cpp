@@ -1,4 +1,4 @@
-#include "import_patch.h"
+#include "sharing/import_patch.h"
 
 #include "vtable_patch.h"
 

@@ -4,7 +4,7 @@
 #include "context_hooks.h"
 #include "device_hooks.h"
 #include "device_state.h"
-#include "import_patch.h"
+#include "sharing/import_patch.h"
 #include "shared_texture.h"
 
 #include <wrl/client.h>

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "companion/frame_reader.h"
+#include "companion/pipe_server.h"
+#include "driver_life.h"
+
+namespace bench::scenarios {
+
+// The stand-in's own devices, made when they are first asked for and kept: the runtime's and the companion's.
+[[nodiscard]] Microsoft::WRL::ComPtr<ID3D11Device> RuntimeDevice();
+[[nodiscard]] Microsoft::WRL::ComPtr<ID3D11Device> CompanionDevice();
+
+inline constexpr std::uint32_t kPatienceMs = 15'000;
+
+// A companion in this process that takes frames. One thread.
+class FrameCompanion {
+ public:
+  FrameCompanion() : pipes_(PipeServerOptions{}), frames_(CompanionDevice()) {}
+
+  // Offers the pipes, once their names are free, and waits for the driver. False when either takes too long.
+  [[nodiscard]] bool Connect();
+  void Close();
+
+  // Takes an announcement that has come, or comes within the time, and opens its textures.
+  [[nodiscard]] bool TakeAnnouncement(std::uint32_t timeoutMs);
+  // The next frame's pose.
+  [[nodiscard]] std::optional<PoseSlot> TakeFrame(std::uint32_t timeoutMs);
+
+  [[nodiscard]] PipeServer& Pipes() { return pipes_; }
+  [[nodiscard]] FrameReader& Frames() { return frames_; }
+  [[nodiscard]] const FrameSharingInfo& Announced() const { return announced_; }
+
+ private:
+  PipeServer pipes_;
+  FrameReader frames_;
+  FrameSharingInfo announced_;
+};
+
+// Plays frames of one layer until the companion has taken `count` of them, the first one after an announcement if its
+// textures are not open yet. Each has to have the pose that it was submitted with. What went wrong; empty if nothing did.
+[[nodiscard]] std::string PlayFrames(DriverLife& life, FrameCompanion& companion, int count);
+
+// Sends a pose; whether the headset then shows it.
+[[nodiscard]] bool PoseArrives(DriverLife& life, PipeServer& pipes, float x);
+
+// A fresh companion connects and gets frames and poses through. Notes how long that took.
+void CheckNewCompanion(ScenarioRun& run, DriverLife& life);
+// The same with a companion whose owner goes on with it; false when something failed.
+bool CheckConnection(ScenarioRun& run, DriverLife& life, FrameCompanion& companion, int frames = 3);
+
+}  // namespace bench::scenarios

@@ -1,0 +1,92 @@
+// A companion's process is killed, at one point of its life in each scenario; then a new one comes.
+#include <windows.h>
+
+#include <array>
+#include <future>
+
+#include "companion_child.h"
+#include "frame_companion.h"
+#include "runtime/clock.h"
+#include "runtime/wait.h"
+
+namespace bench::scenarios {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds kArrival{60'000};
+
+// The runtime goes on while the companion comes to its point.
+bool PlayUntilArrived(DriverLife& life, const CompanionChild& child) {
+  return WaitUntil(
+      [&] {
+        life.Present();
+        life.RunFrame();
+        return child.HasArrived();
+      },
+      kArrival);
+}
+
+void PlayOn(DriverLife& life) {
+  for (int frame = 0; frame < 5; ++frame) {
+    life.Present();
+    life.WaitForNext();
+    life.RunFrame();
+  }
+}
+
+void KillAt(ScenarioRun& run, const char* point) {
+  DriverLife life(run);
+  life.Start();
+  {
+    CompanionChild child(run.companion, point);
+    if (!run.Check(PlayUntilArrived(life, child), "the companion comes to its point")) return;
+    child.Kill();
+    run.Check(!child.WentOn(), "the companion is killed at its point");
+  }
+  PlayOn(life);
+  CheckNewCompanion(run, life);
+}
+
+void KilledBetweenPipes(ScenarioRun& run) { KillAt(run, "between_pipes"); }
+void KilledInHeader(ScenarioRun& run) { KillAt(run, "in_header"); }
+void KilledInPayload(ScenarioRun& run) { KillAt(run, "in_payload"); }
+void KilledHoldingTexture(ScenarioRun& run) { KillAt(run, "holding_texture"); }
+
+void KilledWhileWriteWaits(ScenarioRun& run) {
+  DriverLife life(run);
+  life.Start();
+  double heldMs = 0;
+  {
+    CompanionChild child(run.companion, "not_reading");
+    if (!run.Check(child.WaitUntilArrived(60'000), "the companion comes to its point")) return;
+    const auto known = [&] { return life.runtime.Host().Added().size() == 2; };
+    if (!run.Check(WaitUntil(known, kArrival), "the controller is announced")) return;
+    life.ActivatePending();
+    const vr::TrackedDeviceIndex_t controller = life.runtime.Host().Added().at(1).index;
+    life.runtime.Host().PushHaptic(FakeProperties::ContainerOf(controller), 1, 0.01F, 100, 1);
+    const std::int64_t begin = runtime::NowTicks();
+    auto frame = std::async(std::launch::async, [&] { life.RunFrame(); });
+    run.Check(frame.wait_for(milliseconds(100)) == std::future_status::timeout, "the haptic write waits");
+    child.Kill();
+    frame.get();
+    heldMs = runtime::TicksToMilliseconds(runtime::NowTicks() - begin);
+  }
+  run.Figure("RunFrame held %.0f ms", heldMs);
+  PlayOn(life);
+  CheckNewCompanion(run, life);
+}
+
+constexpr std::array kScenarios{
+    Scenario{"killed_between_pipes", KilledBetweenPipes},
+    Scenario{"killed_in_header", KilledInHeader},
+    Scenario{"killed_in_payload", KilledInPayload},
+    Scenario{"killed_holding_texture", KilledHoldingTexture},
+    Scenario{"killed_while_write_waits", KilledWhileWriteWaits},
+};
+
+}  // namespace
+
+std::span<const Scenario> KillScenarios() { return kScenarios; }
+
+}  // namespace bench::scenarios

@@ -1,0 +1,110 @@
+// Plays faults and long sessions to the driver, and says what came of them: README.md has the list.
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "companion_child.h"
+#include "runtime/clock.h"
+#include "scenario.h"
+
+namespace {
+
+using bench::scenarios::AllScenarios;
+using bench::scenarios::CallWatch;
+using bench::scenarios::CompanionChild;
+using bench::scenarios::Scenario;
+using bench::scenarios::ScenarioRun;
+
+struct Options {
+  bool isLong = false;
+  bool list = false;
+  std::string driver, companion, callsFile;
+  std::vector<std::string> names;
+};
+
+const char* playing = "";
+
+// A crash is a failure with a name.
+LONG WINAPI SayWhatCrashed(EXCEPTION_POINTERS* exception) {
+  std::printf("FAIL  %s: the program crashed with %08lx\n", playing, exception->ExceptionRecord->ExceptionCode);
+  std::fflush(stdout);
+  return EXCEPTION_CONTINUE_SEARCH;
+}
+
+bool Play(const Scenario& scenario, const Options& options, CallWatch& calls) {
+  ScenarioRun run(calls, options.isLong, options.driver, options.companion);
+  playing = scenario.name;
+  std::printf("RUN   %s\n", scenario.name);
+  std::fflush(stdout);
+  const std::int64_t begin = bench::runtime::NowTicks();
+  try {
+    scenario.play(run);
+  } catch (const std::exception& error) {
+    run.Check(false, error.what());
+  }
+  for (const std::string& late : calls.TakeLateCalls()) run.Check(false, late);
+  for (const std::string& failure : run.Failures()) std::printf("      failed: %s\n", failure.c_str());
+  for (const std::string& skipped : run.Skipped()) std::printf("      skipped: %s\n", skipped.c_str());
+  const double seconds = bench::runtime::TicksToSeconds(bench::runtime::NowTicks() - begin);
+  std::printf("%s  %s (%.1f s): %s\n", run.Failures().empty() ? "PASS" : "FAIL", scenario.name, seconds,
+              run.Figures().c_str());
+  std::fflush(stdout);
+  return run.Failures().empty();
+}
+
+std::vector<Scenario> Chosen(const Options& options) {
+  std::vector<Scenario> all = AllScenarios();
+  if (options.names.empty()) return all;
+  std::vector<Scenario> chosen;
+  for (const std::string& name : options.names) {
+    const auto found = std::ranges::find(all, name, &Scenario::name);
+    if (found == all.end()) throw std::runtime_error("no scenario is named " + name);
+    chosen.push_back(*found);
+  }
+  return chosen;
+}
+
+int Run(const Options& options) {
+  const std::vector<Scenario> chosen = Chosen(options);
+  if (options.list) {
+    for (const Scenario& scenario : chosen) std::printf("%s\n", scenario.name);
+    return 0;
+  }
+  // The driver does not start without a process of this name.
+  const CompanionChild present(options.companion, "idle");
+  CallWatch calls;
+  const auto failed =
+      std::ranges::count_if(chosen, [&](const Scenario& scenario) { return !Play(scenario, options, calls); });
+  calls.PrintTable();
+  std::printf("%zu scenarios, %d failed\n", chosen.size(), static_cast<int>(failed));
+  if (!options.callsFile.empty() && !calls.AppendCsv(options.callsFile)) return 2;
+  return failed == 0 ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Options options;
+  CLI::App app("Plays faults and long sessions to the driver");
+  app.add_flag("--long", options.isLong, "the long form of each scenario");
+  app.add_flag("--list", options.list, "names only");
+  app.add_option("--driver", options.driver, "the driver's library");
+  app.add_option("--companion", options.companion, "the program Ombrel.exe of this folder");
+  app.add_option("--calls", options.callsFile, "append the table of calls to this file");
+  app.add_option("names", options.names, "scenarios to play; all, if none is named");
+  CLI11_PARSE(app, argc, argv);
+  SetUnhandledExceptionFilter(SayWhatCrashed);
+  try {
+    return Run(options);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "scenarios: %s\n", error.what());
+    return 2;
+  }
+}

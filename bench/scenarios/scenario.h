@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdio>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "call_watch.h"
+
+namespace bench::scenarios {
+
+// What a scenario is given, and where it says what it saw.
+class ScenarioRun {
+ public:
+  ScenarioRun(CallWatch& watch, bool longForm, std::string library, std::string program)
+      : calls(watch), isLong(longForm), driver(std::move(library)), companion(std::move(program)) {}
+
+  // Part of the one line of figures, printf-style.
+  void Figure(const char* format, ...) __attribute__((format(printf, 2, 3)));
+  // Fails the scenario unless `holds`; `what` says what should have been.
+  bool Check(bool holds, const std::string& what);
+  // A check that could not be made here, and why.
+  void Skip(const std::string& what) { skipped_.push_back(what); }
+  // The number of rounds in the long and in the short form.
+  [[nodiscard]] int Rounds(int inLongForm, int inShortForm) const { return isLong ? inLongForm : inShortForm; }
+
+  [[nodiscard]] const std::string& Figures() const { return figures_; }
+  [[nodiscard]] const std::vector<std::string>& Failures() const { return failures_; }
+  [[nodiscard]] const std::vector<std::string>& Skipped() const { return skipped_; }
+
+  CallWatch& calls;
+  const bool isLong;
+  const std::string driver;     // the library
+  const std::string companion;  // the program "Ombrel.exe"
+
+ private:
+  std::string figures_;
+  std::vector<std::string> failures_;
+  std::vector<std::string> skipped_;
+};
+
+struct Scenario {
+  const char* name;
+  void (*play)(ScenarioRun&);
+};
+
+// In the order in which they are played: see README.md for what each does.
+[[nodiscard]] std::vector<Scenario> AllScenarios();
+
+// The groups, one for each file.
+[[nodiscard]] std::span<const Scenario> KillScenarios();
+[[nodiscard]] std::span<const Scenario> PipeScenarios();
+
+}  // namespace bench::scenarios
