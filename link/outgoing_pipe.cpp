@@ -5,11 +5,17 @@
 #include "platform/clock.h"
 
 namespace ombrel {
+namespace {
+
+bool HavePassed(std::uint32_t milliseconds, std::int64_t since) {
+  return (PerformanceCounter() - since) * 1000 >= PerformanceFrequency() * std::int64_t{milliseconds};
+}
+
+}  // namespace
 
 void OutgoingPipe::CancelStalledWrite() {
   const std::int64_t since = writingSince_.load(std::memory_order_acquire);
-  if (since == 0) return;
-  if ((PerformanceCounter() - since) * 1000 < PerformanceFrequency() * std::int64_t{kStallMs}) return;
+  if (since == 0 || !HavePassed(kStallMs, since)) return;
   cancelled_.store(true, std::memory_order_release);
   pipe_.CancelIo();
 }
@@ -21,18 +27,23 @@ void OutgoingPipe::Close() {
     SleepMs(1);
   }
   pipe_.Close();
+  stalledAt_ = 0;
   mutex_.unlock();
 }
 
 OutgoingPipe::Result OutgoingPipe::Write(LinkMessageType type, std::span<const std::byte> payload) {
   const std::lock_guard lock(mutex_);
   if (!pipe_.IsOpen()) return Result::kSent;
+  if (IsPausing()) return Result::kStalled;
   cancelled_.store(false, std::memory_order_release);
   writingSince_.store(PerformanceCounter(), std::memory_order_release);
   const Result result = WriteParts(type, payload);
   writingSince_.store(0, std::memory_order_release);
+  stalledAt_ = result == Result::kStalled ? PerformanceCounter() : 0;
   return result;
 }
+
+bool OutgoingPipe::IsPausing() const { return stalledAt_ != 0 && !HavePassed(kPauseMs, stalledAt_); }
 
 OutgoingPipe::Result OutgoingPipe::WriteParts(LinkMessageType type, std::span<const std::byte> payload) {
   const LinkMessageHeader header{static_cast<std::uint32_t>(payload.size()), static_cast<std::uint32_t>(type)};

@@ -12,16 +12,18 @@
 namespace ombrel {
 
 // The pipe to the companion: whole messages, one at a time, from any thread. A companion that does not read can block a
-// writer for kStallMs and the connect thread's next round, no longer.
+// writer for kStallMs and the connect thread's next round (600 ms in all), and one that waits behind another writer for
+// twice that. Then nobody waits for it for kPauseMs: a runtime that has many messages to send is not held once for each.
 class OutgoingPipe {
  public:
   enum class Result {
     kSent,     // or lost in a pipe that has broken
-    kStalled,  // the companion did not take the first byte: nothing was sent, the stream is in step
+    kStalled,  // the companion did not take the first byte, or lately did not: nothing was sent, the stream is in step
     kBroken,   // the companion stopped in the middle of a message: the connection cannot be used any more
   };
 
   static constexpr std::uint32_t kStallMs = 500;
+  static constexpr std::uint32_t kPauseMs = 2000;
 
   // Connect thread only.
   bool Open() { return pipe_.Open(kPipeToCompanion, PipeClient::Direction::kWrite); }
@@ -34,10 +36,12 @@ class OutgoingPipe {
   [[nodiscard]] Result Write(LinkMessageType type, std::span<const std::byte> payload);
 
  private:
+  [[nodiscard]] bool IsPausing() const;
   [[nodiscard]] Result WriteParts(LinkMessageType type, std::span<const std::byte> payload);
 
   Mutex mutex_;  // one message at a time; also held to close
   PipeClient pipe_;
+  std::int64_t stalledAt_ = 0;  // performance counter, 0 unless the last write stalled; guarded by mutex_
   std::atomic<std::int64_t> writingSince_{0};  // performance counter, 0 while nobody writes
   std::atomic<bool> cancelled_{false};         // the write under way was cancelled because it stalled
 };
