@@ -7,8 +7,9 @@ namespace ombrel {
 
 bool CompanionPipeClient::ReadAndDispatch() {
   const std::span<std::byte> space = framer_.FreeSpace();
-  const std::size_t got = readPipe_.ReadSome(space.data(), space.size());
-  if (got == 0) return false;
+  std::size_t got = 0;
+  // Back after each read, even an empty one: a companion that goes on writing nothing must not keep this thread.
+  if (!readPipe_.ReadSome(space.data(), space.size(), got)) return false;
   framer_.Filled(got);
   MessageFramer::Message message;
   MessageFramer::Result result = framer_.Next(message);

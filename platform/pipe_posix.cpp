@@ -46,9 +46,10 @@ bool PipeClient::IsPeerGone() const {
   return poll(&state, 1, 0) > 0 && (state.revents & (POLLHUP | POLLERR)) != 0;
 }
 
-std::size_t PipeClient::ReadSome(void* buffer, std::size_t capacity) {
-  const ssize_t got = recv(AsSocket(native_.load(std::memory_order_acquire)), buffer, capacity, 0);
-  return got > 0 ? static_cast<std::size_t>(got) : 0;
+bool PipeClient::ReadSome(void* buffer, std::size_t capacity, std::size_t& got) {
+  const ssize_t count = recv(AsSocket(native_.load(std::memory_order_acquire)), buffer, capacity, 0);
+  got = count > 0 ? static_cast<std::size_t>(count) : 0;
+  return count > 0;
 }
 
 bool PipeClient::WriteAll(const void* bytes, std::size_t size) {

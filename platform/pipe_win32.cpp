@@ -38,15 +38,12 @@ bool PipeClient::IsPeerGone() const {
   return result == 0 && information.state != kPipeConnected;
 }
 
-std::size_t PipeClient::ReadSome(void* buffer, std::size_t capacity) {
+bool PipeClient::ReadSome(void* buffer, std::size_t capacity, std::size_t& got) {
   const auto wanted = static_cast<DWORD>(std::min<std::size_t>(capacity, MAXDWORD));
-  DWORD got = 0;
-  const HANDLE handle = AsHandle(native_.load(std::memory_order_acquire));
-  // A writer may send an empty message, which reads as no bytes without being the end.
-  do {
-    if (ReadFile(handle, buffer, wanted, &got, nullptr) == 0) return 0;
-  } while (got == 0);
-  return got;
+  DWORD read = 0;
+  const bool isOpen = ReadFile(AsHandle(native_.load(std::memory_order_acquire)), buffer, wanted, &read, nullptr) != 0;
+  got = read;
+  return isOpen;
 }
 
 bool PipeClient::WriteAll(const void* bytes, std::size_t size) {

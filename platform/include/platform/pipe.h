@@ -23,8 +23,9 @@ class PipeClient {
   // True when the far end has gone: such a pipe never comes back to life and is best closed.
   [[nodiscard]] bool IsPeerGone() const;
 
-  // Waits for at least one byte and takes at most `capacity`. 0 when the pipe has ended or the call was cancelled.
-  [[nodiscard]] std::size_t ReadSome(void* buffer, std::size_t capacity);
+  // Waits until something comes and takes at most `capacity` bytes of it. False when the pipe has ended or the call was
+  // cancelled. True with no bytes at all when the far end wrote none, which is not the end.
+  [[nodiscard]] bool ReadSome(void* buffer, std::size_t capacity, std::size_t& got);
   // Waits until the far end has taken every byte (or the pipe's buffer has room for them). False when the pipe has
   // ended or the call was cancelled; how much was written is then unknown.
   [[nodiscard]] bool WriteAll(const void* bytes, std::size_t size);

@@ -1,0 +1,55 @@
+// Reads that bring nothing, one after the other, as a companion can cause them by writing empty messages.
+#include <gmock/gmock.h>
+
+#include <windows.h>
+
+#include <atomic>
+#include <chrono>
+#include <future>
+
+#include "runtime/wait.h"
+#include "support/link_test.h"
+#include "support/module_import.h"
+
+namespace ombrel::test {
+namespace {
+
+std::atomic<int> emptyReads = 0;
+
+BOOL WINAPI ReadNothing(HANDLE, void*, DWORD, DWORD* got, OVERLAPPED*) {
+  ++emptyReads;
+  *got = 0;
+  return TRUE;
+}
+
+class EmptyReadsTest : public LinkTest {
+ protected:
+  EmptyReadsTest() { emptyReads = 0; }
+};
+
+TEST_F(EmptyReadsTest, DoNotKeepTheReaderFromEnding) {
+  Connect();
+  std::future<void> cleanup;
+  {
+    const ModuleImport empty(module.Handle(), "ReadFile", reinterpret_cast<void*>(&ReadNothing));
+    Send(bench::EncodeQuaternionAndPosition({}, {}));  // ends the read that has begun
+    ASSERT_TRUE(bench::WaitUntil([] { return emptyReads > 100; }, std::chrono::milliseconds(kTimeoutMs)));
+    cleanup = std::async(std::launch::async, [this] { Provider().Cleanup(); });
+    EXPECT_EQ(cleanup.wait_for(std::chrono::milliseconds(kTimeoutMs)), std::future_status::ready);
+  }
+  cleanup.get();
+}
+
+TEST_F(EmptyReadsTest, AreNotTheEndOfTheConnection) {
+  Connect();
+  {
+    const ModuleImport empty(module.Handle(), "ReadFile", reinterpret_cast<void*>(&ReadNothing));
+    Send(bench::EncodeQuaternionAndPosition({}, {}));
+    ASSERT_TRUE(bench::WaitUntil([] { return emptyReads > 100; }, std::chrono::milliseconds(kTimeoutMs)));
+  }
+  Fence();
+  EXPECT_EQ(server.Connections(), 1U);
+}
+
+}  // namespace
+}  // namespace ombrel::test
