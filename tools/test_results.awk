@@ -1,6 +1,7 @@
 # Reads ctest's verbose output. Shows each result as it comes, after a failure the program's own output, and
 # writes "passed failed skipped" to the file named by counts. A GoogleTest program counts as its single tests,
-# any other test as one, passed, failed or skipped as ctest says; a program that fails without naming a failed test (a crash, say) is one failure.
+# any other test as one, passed, failed or skipped as ctest says; a program that fails without naming a failed test (a
+# crash, say) is one failure.
 
 /^[0-9]+: / {
   number = $1 + 0

@@ -73,6 +73,18 @@ check_adapters() {
   done
 }
 
+# The driver lives in a process that is not its own: what it needs it imports from the system, and it neither looks for
+# libraries by name, which a stranger's file in the right folder would answer, nor starts programs.
+check_loading() {
+  calls='LoadLibrary|LoadPackagedLibrary|LdrLoadDll|dlopen|SetDllDirectory|AddDllDirectory'
+  calls="$calls|CreateProcess|ShellExecute|WinExec|system|_?w?popen|_?w?spawn[lv]p?e?|_?w?exec[lv]p?e?"
+  for folder in $driver_folders; do
+    for file in $(files_of "$folder"); do
+      forbid "$file" "loads a library or starts a program" "\\b($calls)(Ex)?(A|W)?[[:space:]]*\\("
+    done
+  done
+}
+
 check_size() {
   for folder in $driver_folders bench tests; do
     for file in $(files_of "$folder"); do
@@ -91,6 +103,7 @@ check_size() {
 check_order
 check_bench
 check_adapters
+check_loading
 check_size
 if [ -s "$breaches" ]; then
   cat "$breaches"

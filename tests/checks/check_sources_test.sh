@@ -69,6 +69,21 @@ expect "#ifdef outside platform" "render/renderer_d3d11.cpp:1: conditional compi
 echo '# if defined(X)' >"$tree/driver/provider.cpp"
 expect "#if outside platform" "driver/provider.cpp:1: conditional compilation"
 
+echo '  LoadLibraryA("helper.dll");' >>"$tree/platform/pipe_win32.cpp"
+expect "a library loaded by name" "platform/pipe_win32.cpp:2: loads a library"
+
+echo 'auto module = LoadLibraryExW (name, nullptr, 0);' >"$tree/render/device_d3d11.cpp"
+expect "a library loaded with flags" "render/device_d3d11.cpp:1: loads a library"
+
+echo 'if (!CreateProcessA(nullptr, line, 0, 0, 0, 0, 0, 0, 0, 0)) return;' >"$tree/link/core.cpp"
+expect "a program started" "link/core.cpp:1: loads a library or starts a program"
+
+echo 'std::system("notepad");' >"$tree/driver/provider.cpp"
+expect "a command line started" "driver/provider.cpp:1: loads a library or starts a program"
+
+printf '// FreeLibrary comes later.\nTerminateProcess(process, 0);\n' >"$tree/platform/process_win32.cpp"
+expect "calls that only sound like it" "the sources keep the rules"
+
 lines 300 >"$tree/link/core.cpp"
 expect "a long source" "link/core.cpp: 300 lines"
 
