@@ -5,6 +5,9 @@
 
 #include "server_driver_ombrel.h"
 
+// What PollNextEvent is told to fill. Elsewhere than on Windows the same structure is packed tighter.
+static_assert(sizeof(vr::VREvent_t) == 48);
+
 // Answers for the device provider alone; there is no watchdog. The name is compared letter by letter, and the return
 // code is touched only to say that it was another.
 extern "C" void* HmdDriverFactory(const char* interfaceName, int* returnCode) {

@@ -17,7 +17,6 @@ namespace {
 
 constexpr std::uint32_t kLinkStopMs = 100;
 constexpr std::uint32_t kBeforeReleaseMs = 300;
-static_assert(sizeof(vr::VREvent_t) == 48);
 
 std::unique_ptr<HMDDriver> MakeHeadset(std::int32_t mode) {
   switch (mode) {
