@@ -122,17 +122,19 @@ void CServerDriver_Ombrel::DrainEvents() {
   if (host == nullptr) return;
   vr::VREvent_t event{};
   while (host->PollNextEvent(&event, sizeof(event))) {
-    if (event.eventType == vr::VREvent_Input_HapticVibration) SendHapticPulse(event.data.hapticVibration);
+    if (event.eventType != vr::VREvent_Input_HapticVibration) continue;
+    // By value: elsewhere than on Windows the event is packed, and its parts do not lie where a reference may point.
+    SendHapticPulse(event.data.hapticVibration.containerHandle, event.data.hapticVibration.fDurationSeconds);
   }
 }
 
-void CServerDriver_Ombrel::SendHapticPulse(const vr::VREvent_HapticVibration_t& vibration) {
-  const ControllerDevice* controller = controllers_.FindByContainer(vibration.containerHandle);
+void CServerDriver_Ombrel::SendHapticPulse(vr::PropertyContainerHandle_t container, float durationSeconds) {
+  const ControllerDevice* controller = controllers_.FindByContainer(container);
   if (controller == nullptr) return;
   OmbrelCore* link = controller->Link();
   if (link == nullptr || !link->Client().IsConnected()) return;
-  const HapticPulse pulse = MakeHapticPulse(controller->ControllerId(), PerformanceCounter(), link->CounterFrequency(),
-                                            vibration.fDurationSeconds);
+  const HapticPulse pulse =
+      MakeHapticPulse(controller->ControllerId(), PerformanceCounter(), link->CounterFrequency(), durationSeconds);
   // A pulse that the companion does not take is not worth another try.
   static_cast<void>(link->Client().Send(LinkMessageType::kHapticPulse, RecordBytes(pulse)));
 }

@@ -43,7 +43,7 @@ class CServerDriver_Ombrel final : public vr::IServerTrackedDeviceProvider, publ
   void AddFakeSensor();
   void ReleaseHeadset();
   void DrainEvents();
-  void SendHapticPulse(const vr::VREvent_HapticVibration_t& vibration);
+  void SendHapticPulse(vr::PropertyContainerHandle_t container, float durationSeconds);
 
   bool firstFrameSeen_ = false;
   bool fakeSensorEnabled_ = false;
