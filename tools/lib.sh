@@ -6,7 +6,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit
 build_packages=(cmake ninja-build g++-mingw-w64-x86-64-posix wine64
   nlohmann-json3-dev libcli11-dev libstb-dev googletest)
 display_packages=(xvfb libgl1 libgl1-mesa-dri libglx-mesa0)
-test_packages=(g++ clang vkd3d-compiler spirv-tools)
+fuzz_packages=(g++ clang libclang-rt-dev llvm)
+test_packages=("${fuzz_packages[@]}" vkd3d-compiler spirv-tools)
 
 say() {
   printf '\n== %s\n' "$*"

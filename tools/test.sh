@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds everything and runs all tests: natively under sanitizers, and under Wine what needs Windows.
+# Builds everything and runs all tests: natively under sanitizers and a fuzzer, and under Wine what needs Windows.
 # Outputs of all tests are kept in build/<preset>/tests.log. The last line counts passed and failed tests.
 set -euo pipefail
 # shellcheck source=tools/lib.sh
@@ -33,6 +33,8 @@ build host-asan
 run_tests host-asan -j "$(nproc)"
 build host-tsan "${threaded[@]}"
 run_tests host-tsan -R "^($(IFS='|' && echo "${threaded[*]}"))\$"
+build host-fuzz fuzz_companion
+run_tests host-fuzz -R '^fuzz_companion_briefly$'
 build mingw-release
 run_tests mingw-release -j "$(nproc)"
 

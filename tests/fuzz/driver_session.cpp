@@ -1,0 +1,142 @@
+#include "driver_session.h"
+
+#include <cstring>
+#include <utility>
+
+#include "line.h"
+#include "one_thread/world.h"
+#include "platform/guarded.h"
+#include "render/direct_mode_component.h"
+#include "stream_model.h"
+
+namespace ombrel::test {
+namespace {
+
+// At each of a connection's first reads, and then now and then.
+bool IsTimeForAFrame(std::size_t reads) { return reads <= 8 || reads % 32 == 0; }
+
+}  // namespace
+
+DriverSession::DriverSession() { SetHooks(); }
+
+DriverSession::~DriverSession() {
+  World& world = TheWorld();
+  world.beforeRead = nullptr;
+  world.onNobodyThere = nullptr;
+  world.nextPiece = nullptr;
+}
+
+void DriverSession::SetHooks() {
+  runtime_.onDeviceAdded = [this](auto deviceClass, auto* device) { OnDeviceAdded(deviceClass, device); };
+  runtime_.onPose = [this](std::uint32_t device, const auto& pose, std::uint32_t size) { OnPose(device, pose, size); };
+  runtime_.nextEvent = [this](vr::VREvent_t* event) { return NextEvent(event); };
+  const auto proximity = HookedRuntime::HandleOf(HookedRuntime::ContainerOf(0), "/proximity");
+  runtime_.onBoolean = [this, proximity](auto handle, bool value) {
+    if (handle != proximity) lines_.push_back(Line("boolean") << handle << value);
+  };
+  runtime_.onScalar = [this](auto handle, float value) { lines_.push_back(Line("scalar") << handle << value); };
+  runtime_.onProperty = [this](auto /*container*/, const vr::PropertyWrite_t& write) {
+    if (write.prop != vr::Prop_DisplayFrequency_Float || headset_ == nullptr) return;
+    float frequency = 0.0F;
+    std::memcpy(&frequency, write.pvBuffer, sizeof(frequency));
+    lines_.push_back(Line("frequency") << frequency);
+  };
+}
+
+void DriverSession::Run(std::vector<std::vector<std::byte>> connections, std::function<std::size_t()> nextPiece) {
+  World& world = TheWorld();
+  world.Reset(std::move(connections));
+  world.nextPiece = std::move(nextPiece);
+  world.beforeRead = [this] { BeforeRead(); };
+  world.onNobodyThere = [this] { headset_->Core().StopLink(); };
+  provider_ = std::make_unique<CServerDriver_Ombrel>();
+  HMDDriver* made = nullptr;
+  const auto onDeviceAdded = std::exchange(
+      runtime_.onDeviceAdded, [&](auto /*deviceClass*/, auto* device) { made = dynamic_cast<HMDDriver*>(device); });
+  if (provider_->Init(&runtime_) != vr::VRInitError_None || made == nullptr) GiveUp("the driver did not start");
+  made->Activate(0);
+  runtime_.onDeviceAdded = onDeviceAdded;
+  headset_ = made;
+  CompanionPipeClient& client = headset_->Core().Client();
+  client.AddListener(static_cast<ITrackingUpdatedListener*>(this));
+  client.AddListener(static_cast<IFramerateUpdatedListener*>(this));
+  client.AddListener(static_cast<IControllerUpdatedListener*>(this));
+  world.RunThreads();
+  provider_->Cleanup();
+  provider_.reset();
+}
+
+void DriverSession::OnDeviceAdded(vr::ETrackedDeviceClass deviceClass, vr::ITrackedDeviceServerDriver* device) {
+  lines_.push_back(Line("added") << static_cast<int>(deviceClass));
+  const auto* controller = dynamic_cast<ControllerDevice*>(device);
+  ++devices_;
+  if (controller == nullptr || static_cast<std::uint32_t>(controller->ControllerId()) % 4 == 3) return;
+  device->Activate(devices_);
+  vibrating_ = devices_;
+}
+
+void DriverSession::OnPose(std::uint32_t device, const vr::DriverPose_t& pose, std::uint32_t size) {
+  if (size != sizeof(pose)) Complain("a pose of another size");
+  if (device == 0) {
+    // The one that Activate sends comes before any bytes do.
+    if (headset_ == nullptr) return;
+    lastHeadPose_ = pose;
+    Line line("head");
+    line.All(pose.vecPosition) << static_cast<int>(pose.result) << pose.poseIsValid << pose.deviceIsConnected;
+    lines_.push_back(line);
+    return;
+  }
+  Line line("pose");
+  (line << device).All(pose.vecPosition).All(pose.vecAcceleration).All(pose.vecVelocity);
+  lines_.push_back(line << static_cast<int>(pose.result) << pose.poseIsValid << pose.deviceIsConnected);
+}
+
+bool DriverSession::NextEvent(vr::VREvent_t* event) {
+  if (vibrating_ == 0) return false;
+  event->eventType = vr::VREvent_Input_HapticVibration;
+  event->data.hapticVibration.containerHandle = HookedRuntime::ContainerOf(std::exchange(vibrating_, 0));
+  event->data.hapticVibration.fDurationSeconds = 0.003F;
+  return true;
+}
+
+void DriverSession::BeforeRead() {
+  if (!IsTimeForAFrame(TheWorld().Reads())) return;
+  provider_->RunFrame();
+  PresentFrame();
+  vr::DriverPose_t pose{};
+  headset_->GetPose(&pose);
+}
+
+void DriverSession::PresentFrame() {
+  auto* component =
+      static_cast<vr::IVRDriverDirectModeComponent*>(headset_->GetComponent(vr::IVRDriverDirectModeComponent_Version));
+  const vr::IVRDriverDirectModeComponent::SubmitLayerPerEye_t eyes[2]{};
+  const vr::HmdMatrix34_t pose{};
+  component->SubmitLayer(eyes, &pose);
+  component->Present(TheWorld().Reads() % 2);
+  const std::int64_t before = TheWorld().now;
+  component->PostPresent();
+  if (TheWorld().now - before > 11'000'000) Complain("a frame was paced for more than a second");
+}
+
+void DriverSession::OnTrackingUpdated() {
+  const LinkPoseRecord record = headset_->Core().Client().PublishedPose();
+  const std::array<float, 3> position{record.position.x, record.position.y, record.position.z};
+  lines_.push_back(Line("tracking").All(position) << record.trackingState);
+  records_.push_back(record);
+  headPoses_.push_back(lastHeadPose_);
+}
+
+void DriverSession::OnFramerateUpdated(std::uint32_t framesPerSecond) {
+  lines_.push_back(Line("framerate") << framesPerSecond);
+}
+
+void DriverSession::OnControllerUpdated(const ControllerUpdate* record) {
+  lines_.push_back(RecordLine(RecordBytes(*record)));
+}
+
+void DriverSession::Complain(const std::string& problem) {
+  if (problem_.empty()) problem_ = problem;
+}
+
+}  // namespace ombrel::test
