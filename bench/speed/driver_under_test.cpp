@@ -1,0 +1,76 @@
+#include "driver_under_test.h"
+
+#include <windows.h>
+
+#include <chrono>
+#include <stdexcept>
+
+#include "companion/messages.h"
+#include "import_patch.h"
+#include "runtime/wait.h"
+#include "sharing/sharing_device.h"
+
+namespace bench::speed {
+namespace {
+
+constexpr std::uint32_t kPatienceMs = 20'000;
+
+// In the place of D3D11CreateDevice, whose arguments do not matter then.
+HRESULT WINAPI NoDevice() { return E_FAIL; }
+
+void Require(bool condition, const char* what) {
+  if (!condition) throw std::runtime_error(std::string(what) + " failed");
+}
+
+void Prepare(DriverModule::Module module, Graphics graphics) {
+  const auto handle = static_cast<HMODULE>(module);
+  const bool done = graphics == Graphics::kSharing
+                        ? InterceptModule(handle)
+                        : ReplaceImport(handle, "d3d11.dll", "D3D11CreateDevice", reinterpret_cast<void*>(&NoDevice));
+  Require(done, "replacing the driver's import of D3D11CreateDevice");
+}
+
+// The smallest picture that a headset has.
+nlohmann::json Settings(int hmdMode) {
+  return {{"driver_ombrel",
+           {{"fakeSensorEnabled", false},
+            {"hmdMode", hmdMode},
+            {"windowWidth", 1000},
+            {"windowHeight", 600},
+            {"renderScale", 100},
+            {"RotationOffsetXDeg", 0},
+            {"RotationOffsetYDeg", 0},
+            {"RotationOffsetZDeg", 0}}}};
+}
+
+}  // namespace
+
+DriverUnderTest::DriverUnderTest(const std::filesystem::path& library, Graphics graphics, int hmdMode)
+    : module_(std::make_unique<DriverModule>(library,
+                                             [graphics](DriverModule::Module module) { Prepare(module, graphics); })) {
+  runtime.rest.Settings().SetDefaults(Settings(hmdMode));
+  Require(companion.Open(), "making the pipes");
+  Require(module_->Provider().Init(&runtime) == vr::VRInitError_None, "Init");
+  Require(Headset().Activate(0) == vr::VRInitError_None, "Activate");
+  Require(companion.WaitForConnection(kPatienceMs), "waiting for the driver");
+}
+
+DriverUnderTest::~DriverUnderTest() { module_->Provider().Cleanup(); }
+
+void* DriverUnderTest::Component(const char* name) {
+  void* component = Headset().GetComponent(name);
+  if (component == nullptr) throw std::runtime_error(std::string("the headset has no ") + name);
+  return component;
+}
+
+void DriverUnderTest::Send(std::span<const std::uint8_t> message) { Require(companion.Send(message), "sending"); }
+
+void DriverUnderTest::SendFrameRate(std::uint32_t framesPerSecond) {
+  const std::size_t before = runtime.rest.Log().Lines().size();
+  Send(EncodeFramerateUpdate(framesPerSecond));
+  // The headset speaks of it last.
+  Require(WaitUntil([&] { return runtime.rest.Log().Lines().size() > before; }, std::chrono::milliseconds(kPatienceMs)),
+          "waiting for the frame rate");
+}
+
+}  // namespace bench::speed

@@ -1,0 +1,73 @@
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <fstream>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "experiments.h"
+#include "speed/series.h"
+
+namespace {
+
+using bench::speed::Plan;
+using bench::speed::Series;
+
+struct Experiment {
+  const char* name;
+  bool onOneProcessor;
+  std::vector<Series> (*measure)(const Plan&);
+};
+
+constexpr Experiment kExperiments[] = {
+    {"messages", true, bench::speed::MeasureMessages},
+    {"bursts", false, bench::speed::MeasureBursts},
+    {"pacing", false, bench::speed::MeasurePacing},
+};
+
+// Which processor a thread happens to run on can double the time in which a message reaches it, and stays so for
+// seconds: on one processor, writer and readers are all as near to each other.
+void KeepToOneProcessor(bool one) {
+  DWORD_PTR ours = 0, systems = 0;
+  GetProcessAffinityMask(GetCurrentProcess(), &ours, &systems);
+  DWORD_PTR last = 1;
+  while ((systems >> 1) / last != 0) last <<= 1;
+  SetProcessAffinityMask(GetCurrentProcess(), one ? last : systems);
+}
+
+int Run(const Plan& plan, const std::vector<std::string>& only, const std::string& out) {
+  std::vector<Series> all;
+  for (const Experiment& experiment : kExperiments) {
+    if (!only.empty() && std::ranges::find(only, experiment.name) == only.end()) continue;
+    std::printf("measuring %s\n", experiment.name);
+    std::fflush(stdout);
+    KeepToOneProcessor(experiment.onOneProcessor);
+    for (Series& series : experiment.measure(plan)) all.push_back(std::move(series));
+  }
+  std::ofstream(out) << ToJson(all);
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  CLI::App app("Measures the driver beside its floors, and writes what it measured");
+  Plan plan;
+  std::string out;
+  std::vector<std::string> only;
+  app.add_option("--driver", plan.library, "the driver's DLL")->required();
+  app.add_option("--empty-dll", plan.emptyDll, "a DLL that does nothing");
+  app.add_option("--out", out, "where the values go, as JSON")->required();
+  app.add_option("--only", only, "experiments, by name");
+  app.add_flag("--short", plan.isShort, "a few seconds in all");
+  CLI11_PARSE(app, argc, argv);
+  try {
+    return Run(plan, only, out);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return 1;
+  }
+}
