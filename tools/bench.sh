@@ -30,7 +30,7 @@ describe_machine() {
 }
 
 prepare "${build_packages[@]}" "${display_packages[@]}" "${bench_packages[@]}"
-build mingw-release dist driver_speed
+build mingw-release dist driver_speed empty_library
 build host-release micro_benchmark speed_report
 start_display
 rm -rf "$out"
@@ -44,7 +44,7 @@ build/host-release/tests/speed/micro_benchmark --benchmark_min_time=0.02 --bench
 
 say "measuring the driver's library"
 windows build/mingw-release/bench/speed/Ombrel.exe --driver dist/ombrel/bin/win64/driver_ombrel.dll \
-  --out "$out/speed.json" "${speed_options[@]}"
+  --empty-dll build/mingw-release/bench/floor/libempty_library.dll --out "$out/speed.json" "${speed_options[@]}"
 
 say "writing the report"
 {

@@ -28,7 +28,8 @@ struct Plan {
 // For each rate, by how many milliseconds a pacing wait ends too late (below 0: too early), and the processor time that
 // it takes.
 [[nodiscard]] std::vector<Series> MeasurePacing(const Plan& plan);
-// From before the library is loaded until Init has returned, less the making of the device; in milliseconds.
+// From before the library is loaded until Init has returned, less what Direct3D needs to make its factory and the
+// device; in milliseconds.
 [[nodiscard]] std::vector<Series> MeasureStarts(const Plan& plan);
 
 }  // namespace bench::speed

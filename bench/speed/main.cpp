@@ -23,9 +23,9 @@ struct Experiment {
 };
 
 constexpr Experiment kExperiments[] = {
-    {"messages", true, bench::speed::MeasureMessages},
-    {"bursts", false, bench::speed::MeasureBursts},
-    {"pacing", false, bench::speed::MeasurePacing},
+    {"messages", true, bench::speed::MeasureMessages},   {"bursts", false, bench::speed::MeasureBursts},
+    {"layers", false, bench::speed::MeasureLayerFrames}, {"textures", false, bench::speed::MeasureTextureFrames},
+    {"pacing", false, bench::speed::MeasurePacing},      {"starts", false, bench::speed::MeasureStarts},
 };
 
 // Which processor a thread happens to run on can double the time in which a message reaches it, and stays so for

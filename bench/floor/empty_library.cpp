@@ -1,0 +1,3 @@
+// A library that does nothing but be loaded.
+
+extern "C" __declspec(dllexport) void Nothing() {}
