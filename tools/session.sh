@@ -18,30 +18,35 @@ wait_for_line() {
   done
 }
 
-# run_session FOLDER FRAMES: pictures, logs and figures go to FOLDER. Fails unless the companion reads FRAMES frames,
-# each with a pose that it had sent. Goes on for twice as many, or for 150 s where drawing is slow.
+# run_session MODE FOLDER FRAMES: the headset of tools/demo/MODE.json, for so many frames, or for 150 s where drawing is
+# slow; pictures, logs and figures go to FOLDER. Fails unless the companion reads half of them, sees every input of a
+# controller in the picture, and gets the haptic pulses. In direct mode each frame must come with a pose that was sent;
+# a virtual display's have none beside them.
 run_session() {
-  local out=$1 frames=$2 bench=build/mingw-release/bench companion failed=0
+  local mode=$1 out=$2 frames=$3 bench=build/mingw-release/bench companion failed=0 matching=0
+  [ "$mode" != direct ] || matching=$((frames / 2))
   rm -rf "$out"
   mkdir -p "$out"
 
-  say "starting the companion"
-  windows "$bench/companion_sim/Ombrel.exe" --until-disconnect --sweep-seconds 8 --out "$out" --save-every 60 \
-    --require-frames "$frames" --require-matching "$frames" --summary "$out/companion.json" \
-    --csv "$out/companion_frames.csv" --poses-csv "$out/companion_poses.csv" >"$out/companion.log" 2>&1 &
+  say "$mode mode: starting the companion"
+  windows "$bench/companion_sim/Ombrel.exe" --until-disconnect --script tools/demo/script.json --out "$out" \
+    --save-every 60 --require-frames $((frames / 2)) --require-matching "$matching" --require-named 7 \
+    --require-haptics 4 --summary "$out/companion.json" --csv "$out/companion_frames.csv" \
+    --poses-csv "$out/companion_poses.csv" >"$out/companion.log" 2>&1 &
   companion=$!
   # The driver refuses to start while no companion runs.
   wait_for_line "$out/companion.log" "pipes open" 60
 
   # A smaller picture than the driver's default, since here the processor draws it, twice, and carries it across.
-  say "starting the runtime with the driver in dist/ombrel, for $((2 * frames)) frames"
-  windows "$bench/runtime_sim/runtime_sim.exe" --driver dist/ombrel --settings tools/demo_settings.json \
-    --keep-devices --frames $((2 * frames)) --seconds 150 --require-frames "$frames" --summary "$out/runtime.json" \
-    --driver-log "$out/driver.log" --csv "$out/runtime_frames.csv" --poses-csv "$out/runtime_poses.csv" || failed=1
+  say "$mode mode: starting the runtime with the driver in dist/ombrel, for $frames frames"
+  windows "$bench/runtime_sim/runtime_sim.exe" --driver dist/ombrel --settings "tools/demo/$mode.json" \
+    --haptics tools/demo/haptics.json --keep-devices --frames "$frames" --seconds 150 \
+    --require-frames $((frames / 2)) --summary "$out/runtime.json" --driver-log "$out/driver.log" \
+    --record "$out/calls.jsonl" --csv "$out/runtime_frames.csv" --poses-csv "$out/runtime_poses.csv" || failed=1
   wait "$companion" || failed=1
 
-  say "results, in $out"
-  tail -n 1 "$out/companion.log"
+  say "$mode mode: results, in $out"
+  grep '^companion: ' "$out/companion.log" | tail -n 1
   windows "$bench/runtime_sim/demo_report.exe" --json "$out/summary.json" \
     --companion-poses "$out/companion_poses.csv" --runtime-poses "$out/runtime_poses.csv" \
     --runtime-frames "$out/runtime_frames.csv" --companion-frames "$out/companion_frames.csv" || failed=1

@@ -64,6 +64,10 @@ void ContactSheet::AddDirection(std::uint64_t frame, const YawPitch& look, const
   }
 }
 
+void ContactSheet::AddNamed(const std::string& name, std::uint64_t frame, const YawPitch& look, const Image& picture) {
+  named_.push_back({name, frame, look, Shrink(picture, kTileWidth)});
+}
+
 void ContactSheet::AddSample(std::uint64_t frame, const YawPitch& look, const Image& picture) {
   if (samples_.size() < kMostSamples) samples_.push_back({"sample", frame, look, Shrink(picture, kTileWidth)});
 }
@@ -75,6 +79,7 @@ std::vector<const Tile*> ContactSheet::Tiles() const {
   for (const auto& tile : directions_) {
     if (tile) tiles.push_back(&*tile);
   }
+  for (const Tile& tile : named_) tiles.push_back(&tile);
   for (const Tile& tile : samples_) tiles.push_back(&tile);
   return tiles;
 }

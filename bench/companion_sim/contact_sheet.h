@@ -19,16 +19,19 @@ struct Tile {
 };
 
 // Gathers small pictures of a run: the ones that look straight ahead and farthest left, right, up and down,
-// and a sample of the rest in order. For one thread.
+// those that were asked for by name, and a sample of the rest in order. For one thread.
 class ContactSheet {
  public:
   // Whether a frame with that look would be a better example of a direction than what there is.
   bool WantsDirection(const YawPitch& look) const;
   // Takes the frame for every direction that it shows best.
   void AddDirection(std::uint64_t frame, const YawPitch& look, const Image& picture);
+  // Takes the frame under a name of its own.
+  void AddNamed(const std::string& name, std::uint64_t frame, const YawPitch& look, const Image& picture);
   // Takes the frame as one of the sample, as long as there is room.
   void AddSample(std::uint64_t frame, const YawPitch& look, const Image& picture);
 
+  std::size_t Named() const { return named_.size(); }
   bool Empty() const;
   // All tiles in a grid, directions first, each with its frame number, yaw and pitch in degrees.
   Image Draw() const;
@@ -39,6 +42,7 @@ class ContactSheet {
   std::vector<const Tile*> Tiles() const;
 
   std::optional<Tile> directions_[5];
+  std::vector<Tile> named_;
   std::vector<Tile> samples_;
 };
 

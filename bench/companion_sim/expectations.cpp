@@ -7,8 +7,6 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "nlohmann/json.hpp"
-
 namespace bench {
 namespace {
 
@@ -26,15 +24,7 @@ Expectation ParseOne(const json& item) {
   expectation.name = item.value("name", "");
   expectation.connection = item.value("connection", 1U);
   expectation.frame = item.at("frame").get<std::uint64_t>();
-  expectation.hasRegion = item.contains("rgba");
-  if (expectation.hasRegion) {
-    expectation.x = item.at("x").get<int>();
-    expectation.y = item.at("y").get<int>();
-    expectation.width = item.value("width", 1);
-    expectation.height = item.value("height", 1);
-    expectation.rgba = item.at("rgba").get<Rgba>();
-    expectation.tolerance = item.value("tolerance", 0);
-  }
+  ParseRegion(item, expectation);
   if (item.contains("texture")) expectation.texture = item.at("texture").get<int>();
   if (item.contains("slot")) expectation.slot = item.at("slot").get<PoseSlot>();
   expectation.slotTolerance = item.value("slotTolerance", 1e-3F);
@@ -126,6 +116,17 @@ void Expectations::Finish() {
 
 bool Expectations::Complete() const {
   return std::all_of(checked_.begin(), checked_.end(), [](bool checked) { return checked; });
+}
+
+void ParseRegion(const json& item, Expectation& expectation) {
+  expectation.hasRegion = item.contains("rgba");
+  if (!expectation.hasRegion) return;
+  expectation.x = item.at("x").get<int>();
+  expectation.y = item.at("y").get<int>();
+  expectation.width = item.value("width", 1);
+  expectation.height = item.value("height", 1);
+  expectation.rgba = item.at("rgba").get<Rgba>();
+  expectation.tolerance = item.value("tolerance", 0);
 }
 
 std::string RegionDifference(const Expectation& expectation, const Image& image) {

@@ -8,6 +8,7 @@
 
 #include "companion/image.h"
 #include "companion/pose_history.h"
+#include "nlohmann/json.hpp"
 
 namespace bench {
 
@@ -63,6 +64,9 @@ class Expectations {
   std::size_t passed_ = 0;
   std::vector<std::string> failures_;
 };
+
+// The keys "x", "y", "width", "height", "rgba" and "tolerance" of a JSON object, when it has "rgba".
+void ParseRegion(const nlohmann::json& item, Expectation& expectation);
 
 // The first pixel of the region that differs by more than allowed, in words; empty when there is none.
 std::string RegionDifference(const Expectation& expectation, const Image& image);

@@ -75,6 +75,7 @@ void FrameTaker::PrintFrame(const FrameInfo& frame) const {
 FrameTaker::Uses FrameTaker::UsesOf(const FrameInfo& frame) const {
   Uses uses;
   uses.expectation = expectations_.WantsPixels(connection_, inConnection_);
+  uses.named = run_.WantedPicture().Open();
   if (options_.out.empty()) return uses;
   uses.direction = sheet_.WantsDirection(LookOf(frame));
   uses.saved = options_.saveEvery != 0 && log_.Frames() % options_.saveEvery == 0;
@@ -87,6 +88,7 @@ void FrameTaker::Use(const Uses& uses, const FrameInfo& frame, const Image* imag
   if (image == nullptr) return;
   const std::uint64_t number = log_.Frames() - 1;
   if (uses.direction) sheet_.AddDirection(number, LookOf(frame), *image);
+  if (const auto name = run_.WantedPicture().Offer(*image)) sheet_.AddNamed(*name, number, LookOf(frame), *image);
   if (!uses.saved) return;
   sheet_.AddSample(number, LookOf(frame), *image);
   SaveFrame(*image);

@@ -29,6 +29,7 @@ class FrameTaker {
   void Finish();
 
   const FrameLog& Log() const { return log_; }
+  std::uint64_t NamedPictures() const { return sheet_.Named(); }
   std::uint64_t SavedPictures() const { return writer_.Saved(); }
   std::uint64_t SkippedPictures() const { return skipped_; }
 
@@ -36,8 +37,9 @@ class FrameTaker {
   struct Uses {
     bool expectation = false;
     bool direction = false;
+    bool named = false;
     bool saved = false;
-    bool Any() const { return expectation || direction || saved; }
+    bool Any() const { return expectation || direction || named || saved; }
   };
   YawPitch LookOf(const FrameInfo& frame) const;
   Uses UsesOf(const FrameInfo& frame) const;

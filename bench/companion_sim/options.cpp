@@ -40,6 +40,8 @@ void AddRequirements(CLI::App& app, Options& options) {
   app.add_option("--require-frames", options.requireFrames, "Fail unless at least so many frames were read");
   app.add_option("--require-matching", options.requireMatching,
                  "Fail unless at least so many frames had a pose that was sent, and none had another");
+  app.add_option("--require-named", options.requireNamed, "Fail unless the script got so many pictures that it names");
+  app.add_option("--require-haptics", options.requireHaptics, "Fail unless at least so many haptic pulses came");
 }
 
 void AddPipes(CLI::App& app, Options& options) {

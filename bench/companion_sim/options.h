@@ -34,6 +34,8 @@ struct Options {
   float tolerance = 1e-3F;      // largest difference of a matching pose's floats
   std::uint64_t requireFrames = 0;
   std::uint64_t requireMatching = 0;
+  std::uint64_t requireNamed = 0;  // pictures that the script names
+  std::uint64_t requireHaptics = 0;
   bool readFrames = true;
   bool printFrames = false;
 

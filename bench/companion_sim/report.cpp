@@ -19,6 +19,14 @@ void CheckRequirements(const Options& options, Outcome& outcome) {
     outcome.failures.push_back("read " + std::to_string(outcome.frames) + " frames, required were " +
                                std::to_string(options.requireFrames));
   }
+  if (outcome.named < options.requireNamed) {
+    outcome.failures.push_back("got " + std::to_string(outcome.named) + " named pictures, required were " +
+                               std::to_string(options.requireNamed));
+  }
+  if (outcome.haptics < options.requireHaptics) {
+    outcome.failures.push_back("got " + std::to_string(outcome.haptics) + " haptic pulses, required were " +
+                               std::to_string(options.requireHaptics));
+  }
   if (options.requireMatching == 0) return;
   if (outcome.matching < options.requireMatching) {
     outcome.failures.push_back(std::to_string(outcome.matching) + " frames had a pose that was sent, required were " +
@@ -57,6 +65,7 @@ bool WriteSummary(const Outcome& outcome, const std::filesystem::path& path) {
       {"framesPerSecond", outcome.framesPerSecond},
       {"matching", outcome.matching},
       {"mismatching", outcome.mismatching},
+      {"namedPictures", outcome.named},
       {"beforeOurs", outcome.unknown},
       {"withoutPose", outcome.withoutPose},
       {"poseToCompanionMs", {{"median", outcome.poseAgeMedianMs}, {"p99", outcome.poseAgeP99Ms}}},

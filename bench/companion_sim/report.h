@@ -24,6 +24,7 @@ struct Outcome {
   double poseAgeMedianMs = 0;  // from sending a pose to holding a frame rendered with it
   double poseAgeP99Ms = 0;
   std::uint64_t haptics = 0;
+  std::uint64_t named = 0;  // pictures that the script named
   std::uint64_t pictures = 0;
   std::uint64_t skippedPictures = 0;
   std::size_t expectations = 0;

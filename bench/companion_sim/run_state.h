@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "companion/messages.h"
+#include "picture_request.h"
 
 namespace bench {
 
@@ -37,6 +38,8 @@ class RunState {
   bool TakeHaptic(std::uint32_t controllerId, std::uint16_t durationMicroseconds);
   std::uint64_t HapticsReceived() const { return hapticsReceived_; }
 
+  PictureRequest& WantedPicture() { return wantedPicture_; }
+
   // A requirement of the run that was not met.
   void Fail(std::string reason);
   std::vector<std::string> Failures() const;
@@ -48,6 +51,7 @@ class RunState {
   std::atomic<std::uint64_t> frames_ = 0;
   std::atomic<std::uint64_t> hapticsReceived_ = 0;
   std::vector<HapticPulse> haptics_;
+  PictureRequest wantedPicture_;
   std::vector<std::string> failures_;
 };
 

@@ -27,6 +27,7 @@ const std::map<std::string, std::set<std::string>>& KnownSteps() {
        {"id", "state", "pressed", "touched", "trackpad", "trigger", "position", "yaw", "pitch", "velocity",
         "acceleration"}},
       {"controllers", {"seconds", "rate", "ids"}},
+      {"picture", {"label", "x", "y", "width", "height", "rgba", "tolerance", "timeout"}},
       {"raw", {"hex"}},
       {"message", {"type", "hex"}},
       {"close", {}},

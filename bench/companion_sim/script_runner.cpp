@@ -52,6 +52,7 @@ void ScriptRunner::Play(const Step& step) {
       {"framerate", &ScriptRunner::Framerate},
       {"controller", &ScriptRunner::Controller},
       {"controllers", &ScriptRunner::Controllers},
+      {"picture", &ScriptRunner::Picture},
       {"raw", &ScriptRunner::Raw},
       {"message", &ScriptRunner::AnyMessage},
       {"close", &ScriptRunner::Close},
@@ -179,6 +180,16 @@ void ScriptRunner::ExpectHaptic(const Step& step) {
     throw std::runtime_error("no haptic pulse of " + std::to_string(duration) + " us for controller " +
                              std::to_string(controller));
   }
+}
+
+void ScriptRunner::Picture(const Step& step) {
+  Expectation wanted;
+  wanted.name = step.at("label").get<std::string>();
+  ParseRegion(step, wanted);
+  PictureRequest& request = run_.WantedPicture();
+  request.Ask(wanted);
+  if (WaitFor(step.value("timeout", kDefaultTimeoutSeconds), [&] { return !request.Open(); })) return;
+  throw std::runtime_error("no picture \"" + wanted.name + "\": " + request.Withdraw());
 }
 
 void ScriptRunner::Together(const Step& step) {

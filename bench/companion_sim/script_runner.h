@@ -35,6 +35,7 @@ class ScriptRunner {
   void Framerate(const Step& step);
   void Controller(const Step& step);
   void Controllers(const Step& step);
+  void Picture(const Step& step);
   void Raw(const Step& step);
   void AnyMessage(const Step& step);
   void Close(const Step& step);

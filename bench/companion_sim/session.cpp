@@ -154,6 +154,7 @@ Outcome Session::End() {
   outcome.poseAgeMedianMs = Percentile(log.PoseAgesMs(), 0.5);
   outcome.poseAgeP99Ms = Percentile(log.PoseAgesMs(), 0.99);
   outcome.haptics = run_.HapticsReceived();
+  outcome.named = frames_.NamedPictures();
   outcome.pictures = frames_.SavedPictures();
   outcome.skippedPictures = frames_.SkippedPictures();
   outcome.expectations = expectations_.Count();

@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 #include "companion/messages.h"
-#include "import_patch.h"
+#include "sharing/import_patch.h"
 #include "runtime/wait.h"
 #include "sharing/sharing_device.h"
 

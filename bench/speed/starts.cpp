@@ -12,7 +12,7 @@
 #include "experiments.h"
 #include "floor/start_floor.h"
 #include "floor/thread_time.h"
-#include "import_patch.h"
+#include "sharing/import_patch.h"
 #include "lean_runtime.h"
 #include "runtime/driver_module.h"
 #include "scene_shaders.h"

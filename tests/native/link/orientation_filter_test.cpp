@@ -6,12 +6,11 @@
 #include <cmath>
 #include <limits>
 
+#include "support/near.h"
 #include "support/reference_filter.h"
 
 namespace ombrel::test {
 namespace {
-
-constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 
 Vec3 Widen(const Vector3& v) { return {v.x, v.y, v.z}; }
 

@@ -6,21 +6,13 @@
 #include <limits>
 #include <numbers>
 
+#include "support/near.h"
 #include "support/reference_math.h"
 
 namespace ombrel::test {
 namespace {
 
 constexpr float kPi = std::numbers::pi_v<float>;
-constexpr float kRoot = 0.70710678F;  // of a half
-constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
-
-void ExpectNear(const Quaternion& actual, const Quaternion& expected, float tolerance = 2e-7F) {
-  EXPECT_NEAR(actual.x, expected.x, tolerance);
-  EXPECT_NEAR(actual.y, expected.y, tolerance);
-  EXPECT_NEAR(actual.z, expected.z, tolerance);
-  EXPECT_NEAR(actual.w, expected.w, tolerance);
-}
 
 Matrix3x4 Rows(float a, float b, float c, float d, float e, float f, float g, float h, float i) {
   return {{{a, b, c, 0}, {d, e, f, 0}, {g, h, i, 0}}};

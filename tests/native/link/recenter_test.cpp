@@ -4,17 +4,11 @@
 #include <limits>
 
 #include "link/quaternion.h"
+#include "support/near.h"
 #include "support/reference_math.h"
 
 namespace ombrel::test {
 namespace {
-
-constexpr float kRoot = 0.70710678F;  // of a half
-
-void ExpectNear(const Quaternion& actual, const Quaternion& expected) {
-  EXPECT_LT(LargestDifference(actual, Widened(expected)), 3e-7)
-      << actual.x << " " << actual.y << " " << actual.z << " " << actual.w;
-}
 
 // The rule in double precision: the rotation vector's y, turned back about the vertical axis.
 Quat ExpectedOffset(const Quaternion& raw) {
@@ -83,10 +77,7 @@ TEST(RecenterOffset, IsTheIdentityForTheZeroQuaternionAndForMinusOne) {
 
 TEST(RecenterOffset, AnswersAHalfTurn) { ExpectNear(RecenterOffset({0, 1, 0, 0}), {0, -1, 0, 0}); }
 
-TEST(RecenterOffset, IsNotFiniteForWhatIsNot) {
-  constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
-  EXPECT_FALSE(IsFinite(RecenterOffset({0, kNan, 0, 1})));
-}
+TEST(RecenterOffset, IsNotFiniteForWhatIsNot) { EXPECT_FALSE(IsFinite(RecenterOffset({0, kNan, 0, 1}))); }
 
 }  // namespace
 }  // namespace ombrel::test

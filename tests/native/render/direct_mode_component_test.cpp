@@ -17,7 +17,7 @@ namespace {
 
 using Lines = Journal::Lines;
 
-class Component final : public DirectModeComponent {
+class ConcreteDirectMode final : public DirectModeComponent {
  public:
   using DirectModeComponent::DirectModeComponent;
 };
@@ -66,11 +66,11 @@ class DirectModeComponentTest : public testing::Test {
   std::unique_ptr<FakeRenderer> made_ = std::make_unique<FakeRenderer>();
   FakeRenderer* renderer_ = made_.get();
   OmbrelCore core_{std::move(made_)};
-  Component component_{core_, *renderer_};
+  ConcreteDirectMode component_{core_, *renderer_};
 };
 
 TEST_F(DirectModeComponentTest, LogsItsConstruction) {
-  const Component another(core_, *renderer_);
+  const ConcreteDirectMode another(core_, *renderer_);
   EXPECT_EQ(log_.lines.All(), Lines{"Creating Direct driver component \n"});
 }
 

@@ -12,7 +12,7 @@
 namespace ombrel::test {
 namespace {
 
-class Component final : public VirtualDisplayComponent {
+class ConcreteVirtualDisplay final : public VirtualDisplayComponent {
  public:
   using VirtualDisplayComponent::VirtualDisplayComponent;
 };
@@ -44,7 +44,7 @@ class VirtualDisplayComponentTest : public testing::Test {
   std::unique_ptr<FakeRenderer> made_ = std::make_unique<FakeRenderer>();
   FakeRenderer* renderer_ = made_.get();
   OmbrelCore core_{std::move(made_)};
-  Component component_{core_, &host_};
+  ConcreteVirtualDisplay component_{core_, &host_};
 };
 
 TEST_F(VirtualDisplayComponentTest, CountsNoFramesAtFirstAndAnswersBeforeAnyWait) {

@@ -74,6 +74,12 @@ TEST_F(ContactSheetTest, DrawsFiveTilesARow) {
   EXPECT_EQ(drawn.height, 2 * (270 + 24 + 8) + 8);
 }
 
+TEST_F(ContactSheetTest, ShowsNamedPicturesBeforeSamples) {
+  sheet_.AddSample(1, {}, Image(960, 540));
+  sheet_.AddNamed("trigger", 7, {0, -0.5F}, Image(960, 540));
+  EXPECT_EQ(sheet_.Describe(), "trigger  frame 7  yaw +0  pitch -29\nsample  frame 1  yaw +0  pitch +0\n");
+}
+
 TEST_F(ContactSheetTest, IsEmptyAtFirst) { EXPECT_TRUE(sheet_.Empty()); }
 
 }  // namespace
