@@ -9,7 +9,7 @@
 namespace ombrel::test {
 namespace {
 
-constexpr double kRoot = 0.70710678118654752;  // of a half
+constexpr double kRootOfHalf = 0.70710678118654752;
 constexpr double kDegree = std::numbers::pi / 180.0;
 
 void ExpectRotation(const vr::DriverPose_t& pose, double w, double x, double y, double z, double tolerance = 2e-7) {
@@ -76,12 +76,12 @@ TEST(HeadPose, WithoutOffsetsIsTheLinksOrientationAndPositionWidened) {
 }
 
 TEST(HeadPose, AYawOffsetOf90DegreesFacesLeft) {
-  ExpectRotation(BuildHeadPose({}, true, MakeRotationOffsets(0, 90, 0)), kRoot, 0, kRoot, 0);
+  ExpectRotation(BuildHeadPose({}, true, MakeRotationOffsets(0, 90, 0)), kRootOfHalf, 0, kRootOfHalf, 0);
 }
 
 TEST(HeadPose, OffsetsComeFromTheAnglesOfTheirOwnAxes) {
-  ExpectRotation(BuildHeadPose({}, true, MakeRotationOffsets(90, 0, 0)), kRoot, kRoot, 0, 0);
-  ExpectRotation(BuildHeadPose({}, true, MakeRotationOffsets(0, 0, 90)), kRoot, 0, 0, kRoot);
+  ExpectRotation(BuildHeadPose({}, true, MakeRotationOffsets(90, 0, 0)), kRootOfHalf, kRootOfHalf, 0, 0);
+  ExpectRotation(BuildHeadPose({}, true, MakeRotationOffsets(0, 0, 90)), kRootOfHalf, 0, 0, kRootOfHalf);
   // Pitch and roll together have signs of their own: all four halves positive.
   ExpectRotation(BuildHeadPose({}, true, MakeRotationOffsets(90, 0, 90)), 0.5, 0.5, 0.5, 0.5);
 }
@@ -89,10 +89,10 @@ TEST(HeadPose, OffsetsComeFromTheAnglesOfTheirOwnAxes) {
 TEST(HeadPose, AppliesYawOnTheLeftAndPitchOnTheRight) {
   // Looking up by 90 degrees. On the left, yaw turns about the room's vertical: (1/2, 1/2, 1/2, -1/2).
   LinkPoseRecord head;
-  head.orientation = {static_cast<float>(kRoot), 0, 0, static_cast<float>(kRoot)};
+  head.orientation = {static_cast<float>(kRootOfHalf), 0, 0, static_cast<float>(kRootOfHalf)};
   ExpectRotation(BuildHeadPose(head, true, MakeRotationOffsets(0, 90, 0)), 0.5, 0.5, 0.5, -0.5);
   // Facing left. On the right, pitch turns about the head's own ear-to-ear axis: the same.
-  head.orientation = {0, static_cast<float>(kRoot), 0, static_cast<float>(kRoot)};
+  head.orientation = {0, static_cast<float>(kRootOfHalf), 0, static_cast<float>(kRootOfHalf)};
   ExpectRotation(BuildHeadPose(head, true, MakeRotationOffsets(90, 0, 0)), 0.5, 0.5, 0.5, -0.5);
 }
 

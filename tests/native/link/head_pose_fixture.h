@@ -6,10 +6,9 @@
 
 #include "link/head_pose_tracker.h"
 #include "support/bytes.h"
+#include "support/near.h"
 
 namespace ombrel::test {
-
-inline constexpr float kRoot = 0.70710678F;  // of a half
 
 // A tracker that was made at 1000 ms; each message comes a millisecond after the one before.
 class HeadPoseTrackerTest : public testing::Test {

@@ -2,30 +2,18 @@
 // asks for it.
 #include <gmock/gmock.h>
 
-#include "companion/controller_record.h"
-#include "support/link_test.h"
+#include <limits>
+#include <optional>
+
+#include "controller_fixture.h"
 
 namespace ombrel::test {
 namespace {
 
 using testing::Contains;
 
-class ControllerTest : public LinkTest {
+class ControllerTest : public ControllerFixture {
  protected:
-  void SetUp() override { Connect(); }
-
-  void SendRecord(std::uint32_t id, float x = 0) {
-    bench::ControllerRecord record;
-    record.controllerId = id;
-    record.pose[3] = x;
-    Send(bench::EncodeControllerUpdate(record));
-    Fence();
-  }
-  // Announced by its first record, then activated with this index.
-  void AddActive(std::uint32_t id, std::uint32_t index) {
-    SendRecord(id);
-    runtime.Host().Added().back().driver->Activate(index);
-  }
   void Shake(std::uint32_t index, float seconds) {
     runtime.Host().PushHaptic(bench::FakeProperties::ContainerOf(index), 1, seconds, 100.0F, 0.5F);
     Provider().RunFrame();
@@ -38,7 +26,7 @@ class ControllerTest : public LinkTest {
 };
 
 TEST_F(ControllerTest, IsAnnouncedByItsFirstRecord) {
-  SendRecord(12);
+  Announce(12);
   const auto added = runtime.Host().Added();
   ASSERT_EQ(added.size(), 2U);
   EXPECT_EQ(added[1].serial, "OmbrelControllerV02ID12");
@@ -47,12 +35,12 @@ TEST_F(ControllerTest, IsAnnouncedByItsFirstRecord) {
 }
 
 TEST_F(ControllerTest, IsAnnouncedOnce) {
-  for (int i = 0; i < 3; ++i) SendRecord(12);
+  for (int i = 0; i < 3; ++i) Announce(12);
   EXPECT_EQ(runtime.Host().Added().size(), 2U);
 }
 
 TEST_F(ControllerTest, EachIdIsOneOfItsOwn) {
-  for (const std::uint32_t id : {0U, 1U, 0xFFFFFFFFU}) SendRecord(id);
+  for (const std::uint32_t id : {0U, 1U, 0xFFFFFFFFU}) Announce(id);
   const auto added = runtime.Host().Added();
   ASSERT_EQ(added.size(), 4U);
   EXPECT_EQ(added[1].serial, "OmbrelControllerV02ID0");
@@ -62,19 +50,21 @@ TEST_F(ControllerTest, EachIdIsOneOfItsOwn) {
 
 TEST_F(ControllerTest, RefusalIsLogged) {
   runtime.Host().RefuseDevice("OmbrelControllerV02ID3");
-  SendRecord(3);
+  Announce(3);
   EXPECT_THAT(LogLines(), Contains("New driver registered (serial OmbrelControllerV02ID3) with status 0 \n"));
 }
 
 TEST_F(ControllerTest, FirstRecordDoesNotSetItsState) {
-  SendRecord(5, 4.0F);
-  auto& controller = *runtime.Host().Added().at(1).driver;
-  controller.Activate(1);
+  bench::ControllerRecord record;
+  record.controllerId = 5;
+  record.pose[3] = 4.0F;
+  SendRecord(record);
+  vr::ITrackedDeviceServerDriver& controller = Activate();
   EXPECT_EQ(PoseOf(controller).vecPosition[0], 0.0);
-  EXPECT_EQ(runtime.Poses().Count(1), 0U);
-  SendRecord(5, 4.0F);
+  EXPECT_EQ(runtime.Poses().Count(kIndex), 0U);
+  SendRecord(record);
   EXPECT_EQ(PoseOf(controller).vecPosition[0], 4.0);
-  EXPECT_EQ(runtime.Poses().Count(1), 1U);
+  EXPECT_EQ(runtime.Poses().Count(kIndex), 1U);
 }
 
 TEST_F(ControllerTest, VibrationOfATenthOfASecondWrapsIn16Bits) {
@@ -109,6 +99,29 @@ TEST_F(ControllerTest, VibrationIsLostWhileTheLinkIsDown) {
   Shake(1, 0.001F);
   EXPECT_EQ(runtime.Host().QueuedEvents(), 0U);
   EXPECT_FALSE(server.Next(0).has_value());
+}
+
+TEST_F(ControllerTest, VibrationForAnUnknownContainerIsDropped) {
+  AddActive(7, 1);
+  Shake(9, 0.001F);
+  Shake(1, 0.002F);
+  EXPECT_NEAR(NextPulse().value().durationMicroseconds, 2000, 1);
+}
+
+// Conversions that the language leaves open are made defined: cut off, nothing for what is no number, then 16 bits.
+TEST_F(ControllerTest, OddDurationsAreSentAsDefinedNumbers) {
+  AddActive(7, 1);
+  const float infinity = std::numeric_limits<float>::infinity();
+  const std::pair<float, std::uint16_t> cases[] = {{0.0F, 0},       {-0.001F, 65536 - 1000},
+                                                   {0.131072F, 0},  {infinity, 0},
+                                                   {-infinity, 0},  {1e30F, 0},
+                                                   {4294.9673F, 0}, {std::numeric_limits<float>::quiet_NaN(), 0}};
+  for (const auto& [seconds, expected] : cases) {
+    Shake(1, seconds);
+    const auto pulse = NextPulse();
+    ASSERT_TRUE(pulse.has_value()) << seconds;
+    EXPECT_EQ(pulse->durationMicroseconds, expected) << seconds;
+  }
 }
 
 TEST_F(ControllerTest, OutlivesCleanup) {
