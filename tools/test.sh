@@ -6,7 +6,8 @@ set -euo pipefail
 . "$(dirname "$0")/lib.sh"
 
 # Programs whose tests start threads.
-threaded=(context_test platform_test link_test link_threads_test render_test devices_test hmd_test)
+threaded=(context_test platform_test link_test link_threads_test render_test devices_test hmd_test
+  stress_test)
 
 passed=0 failed=0 skipped=0
 

@@ -103,12 +103,14 @@ std::string WrongOrientations(const DriverSession& session, const StreamModel& m
 
 std::string CheckRun(const std::vector<Stream>& connections, const std::function<std::size_t()>& nextPiece) {
   StreamModel model;
-  for (const Stream& stream : connections) static_cast<void>(model.Take(stream));
+  std::vector<bool> readToTheirEnd;
+  for (const Stream& stream : connections) readToTheirEnd.push_back(model.Take(stream) != StreamModel::End::kTooLong);
   DriverSession session;
   session.Run(connections, nextPiece);
   if (!session.Problem().empty()) return session.Problem();
   if (std::string wrong = FirstDifference(model.Lines(), session.Lines()); !wrong.empty()) return wrong;
   if (std::string wrong = WrongOrientations(session, model); !wrong.empty()) return wrong;
+  if (TheWorld().readToItsEnd != readToTheirEnd) return "a connection was ended without reason, or not ended with one";
   if (TheWorld().monitorEnds != model.Shutdowns()) return "the runtime's monitor was not ended once for each request";
   for (const Stream& written : TheWorld().written) {
     if (std::string wrong = CheckWritten(written, model); !wrong.empty()) return wrong;

@@ -21,6 +21,7 @@ void World::Reset(std::vector<std::vector<std::byte>> connections) {
   if (!pending_.empty()) GiveUp("a thread of an earlier run was never joined");
   connections_ = std::move(connections);
   written.assign(connections_.size(), {});
+  readToItsEnd.assign(connections_.size(), false);
   opened_ = 0;
   over_ = true;
   monitorEnds = 0;
@@ -66,7 +67,7 @@ std::size_t World::Read(std::span<std::byte> space) {
   const std::size_t count = std::min({rest.size(), space.size(), std::max<std::size_t>(nextPiece(), 1)});
   std::ranges::copy(rest.first(count), space.begin());
   offset_ += count;
-  over_ = count == 0;
+  over_ = readToItsEnd[opened_ - 1] = count == 0;
   return count;
 }
 

@@ -28,6 +28,8 @@ class World {
 
   // What the driver wrote, by connections.
   std::vector<std::vector<std::byte>> written;
+  // Whether it read each of them to its end, or ended it before.
+  std::vector<bool> readToItsEnd;
   // How often it ended the runtime's monitor.
   std::size_t monitorEnds = 0;
 

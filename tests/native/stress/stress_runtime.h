@@ -1,0 +1,73 @@
+#pragma once
+
+#include <openvr_driver.h>
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <vector>
+
+#include "hmd/hmd_driver.h"
+#include "server_driver_ombrel.h"
+#include "support/hooked_runtime.h"
+
+namespace ombrel::test {
+
+// The runtime's process: the provider, and everything that the runtime's threads do with it. One function for each
+// thread, each of which returns when it is told to; they count what they did.
+class StressRuntime {
+ public:
+  struct Work {
+    std::atomic<std::uint32_t> serverTicks{0}, activations{0}, vibrations{0};
+    std::atomic<std::uint32_t> frames{0}, vsyncs{0}, swapSets{0};
+    std::atomic<std::uint32_t> headPosesSent{0}, controllerPosesSent{0}, headPosesAsked{0}, controllerPosesAsked{0};
+    std::atomic<std::uint32_t> inputs{0}, frequencies{0};
+    std::atomic<std::uint32_t> halfPoses{0};  // ever seen by anybody
+  };
+
+  explicit StressRuntime(std::int32_t hmdMode);
+  ~StressRuntime();
+  StressRuntime(const StressRuntime&) = delete;
+  StressRuntime& operator=(const StressRuntime&) = delete;
+
+  // The server thread: starts the driver, then ticks it and activates the devices that it adds.
+  [[nodiscard]] bool Start();
+  void Tick();
+
+  // The compositor thread: one frame of the headset's kind.
+  void PresentFrame();
+  // Another of its threads: a swap-texture set comes and goes. Does nothing in virtual-display mode.
+  void ChangeSwapTextures();
+  // Any other thread: asks every device that is known for its pose.
+  void AskForPoses();
+
+  [[nodiscard]] const Work& Done() const { return done_; }
+
+ private:
+  struct Device {
+    vr::ITrackedDeviceServerDriver* driver;
+    bool isHeadset;
+    bool isActivated;
+  };
+
+  void SetHooks(std::int32_t hmdMode);
+  void OnPose(std::uint32_t index, const vr::DriverPose_t& pose, std::uint32_t size);
+  bool NextEvent(vr::VREvent_t* event);
+  void ActivateNewDevices();
+  void SubmitLayers();
+  [[nodiscard]] std::vector<Device> Devices() const;
+
+  HookedRuntime host_;
+  CServerDriver_Ombrel provider_;
+  vr::IVRDriverDirectModeComponent* direct_ = nullptr;
+  vr::IVRVirtualDisplay* virtual_ = nullptr;
+  bool isVibrationDue_ = false;  // server thread
+  float frame_ = 0.0F;           // compositor thread
+  Work done_;
+
+  mutable std::mutex devicesMutex_;
+  std::vector<Device> devices_;  // by their indices
+};
+
+}  // namespace ombrel::test

@@ -1,0 +1,93 @@
+// Everything at once: the thread sanitizer is the judge, and every thread must have had work.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <functional>
+#include <list>
+#include <vector>
+
+#include "stress_companion.h"
+#include "stress_runtime.h"
+#include "support/background.h"
+#include "tripwire_renderer.h"
+
+namespace ombrel::test {
+namespace {
+
+constexpr std::int32_t kDirectMode = 0, kVirtualDisplay = 1;
+constexpr std::uint32_t kConnections = 5, kMostConnections = 50, kMessagesPerConnection = 1500;
+constexpr std::uint32_t kEnough = 100;
+
+class StressTest : public testing::TestWithParam<std::int32_t> {
+ protected:
+  StressTest() { TripwireRenderer::Forget(); }
+  ~StressTest() override { StopThreads(); }
+
+  // Calls it over and over on a thread of its own.
+  void Repeat(std::function<void()> step) {
+    threads_.emplace_back([this, step = std::move(step)] {
+      while (!isOver_) {
+        step();
+        std::this_thread::yield();
+      }
+    });
+  }
+  void StopThreads() {
+    isOver_ = true;
+    threads_.clear();
+  }
+
+  // Which thread gets how much is the scheduler's affair; nobody may have stood by.
+  [[nodiscard]] bool HasEverybodyWorked() const {
+    const StressRuntime::Work& done = runtime_.Done();
+    const TripwireRenderer::Work& drawn = TripwireRenderer::Done();
+    std::vector<const std::atomic<std::uint32_t>*> counts{
+        &done.serverTicks, &done.vibrations,           &done.frames,      &done.headPosesSent,
+        &done.inputs,      &done.controllerPosesAsked, &done.frequencies, &done.headPosesAsked};
+    const bool isDirect = GetParam() == kDirectMode;
+    if (isDirect) counts.insert(counts.end(), {&drawn.layers, &done.swapSets});
+    if (!isDirect) counts.push_back(&done.vsyncs);
+    const bool hasCopied = isDirect || drawn.copies >= kConnections;
+    return hasCopied && std::ranges::all_of(counts, [](const auto* count) { return *count >= kEnough; });
+  }
+
+  std::atomic<bool> isOver_{false};
+  // Ahead of the runtime, whose link looks for it from the start.
+  StressCompanion companion_;
+  StressRuntime runtime_{GetParam()};
+  std::list<Background> threads_;
+};
+
+TEST_P(StressTest, NoThreadSeesHalfOfWhatAnotherDoes) {
+  ASSERT_TRUE(runtime_.Start());
+  Repeat([this] { runtime_.Tick(); });
+  Repeat([this] { runtime_.PresentFrame(); });
+  Repeat([this] { runtime_.ChangeSwapTextures(); });
+  Repeat([this] { runtime_.AskForPoses(); });
+  Repeat([this] { runtime_.AskForPoses(); });
+  std::uint32_t connections = 0;
+  while (connections < kConnections || (connections < kMostConnections && !HasEverybodyWorked())) {
+    ASSERT_TRUE(companion_.SendThrough(kMessagesPerConnection, true));
+    ++connections;
+  }
+  StopThreads();
+
+  const StressRuntime::Work& done = runtime_.Done();
+  EXPECT_EQ(done.halfPoses, 0U);
+  EXPECT_EQ(TripwireRenderer::Done().mixedLayers, 0U);
+  EXPECT_EQ(companion_.Done().wrongMessages, 0U);
+  EXPECT_EQ(companion_.Done().announcements, connections);
+  EXPECT_GE(companion_.Done().haptics, connections);
+  EXPECT_GE(TripwireRenderer::Done().setUps, connections);
+  EXPECT_EQ(done.activations, 1 + StressCompanion::kControllers);
+  // What a companion sent just before it hung up may be lost, never most of it.
+  EXPECT_GT(done.headPosesSent, companion_.Done().headUpdates / 2);
+  EXPECT_GT(done.controllerPosesSent, companion_.Done().controllerUpdates / 2);
+  EXPECT_TRUE(HasEverybodyWorked());
+}
+
+INSTANTIATE_TEST_SUITE_P(BothModes, StressTest, testing::Values(kDirectMode, kVirtualDisplay));
+
+}  // namespace
+}  // namespace ombrel::test
