@@ -6,7 +6,7 @@
 namespace ombrel {
 
 // A page-file backed memory block that other processes open by its name. One that exists already under that name is
-// taken as our own. Gone with its last user.
+// taken as our own, unless there is no memory behind it. Gone with its last user.
 class NamedMemory {
  public:
   NamedMemory() = default;
