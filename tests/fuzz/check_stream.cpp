@@ -48,14 +48,14 @@ std::vector<Stream> Connections(std::span<const std::byte> bytes) {
   return {first, good.Get()};
 }
 
-// The sizes of small pieces, the same ones whenever the bytes are.
+// The sizes of small pieces, and of some that are nothing; the same ones whenever the bytes are.
 std::function<std::size_t()> Pieces(std::span<const std::byte> bytes) {
   std::uint32_t state = 2463534242U;
   for (const std::byte byte : bytes) state = (state ^ std::to_integer<std::uint32_t>(byte)) * 16777619U;
   const std::uint32_t most = bytes.size() < 2000 ? 24 : 4096;
   return [state, most]() mutable {
     state = state * 1664525U + 1013904223U;
-    return (state >> 8) % most + 1;
+    return (state >> 8) % most;
   };
 }
 

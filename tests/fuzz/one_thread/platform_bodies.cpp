@@ -88,9 +88,9 @@ bool PipeClient::Open(const char* /*name*/, Direction direction) {
   return true;
 }
 bool PipeClient::IsPeerGone() const { return TheWorld().IsOver(); }
-std::size_t PipeClient::ReadSome(void* buffer, std::size_t capacity) {
+bool PipeClient::ReadSome(void* buffer, std::size_t capacity, std::size_t& got) {
   if (native_ != kReading) GiveUp("a read from no pipe");
-  return TheWorld().Read({static_cast<std::byte*>(buffer), capacity});
+  return TheWorld().Read({static_cast<std::byte*>(buffer), capacity}, got);
 }
 bool PipeClient::WriteAll(const void* bytes, std::size_t size) {
   if (native_ != kWriting) GiveUp("a write to no pipe");

@@ -58,17 +58,18 @@ bool World::OpenNext() {
   return true;
 }
 
-std::size_t World::Read(std::span<std::byte> space) {
-  if (over_) return 0;
+bool World::Read(std::span<std::byte> space, std::size_t& got) {
+  got = 0;
+  if (over_) return false;
   if (space.empty()) GiveUp("a read into no space");
   ++reads_;
   beforeRead();
   const std::span<const std::byte> rest = std::span(connections_[opened_ - 1]).subspan(offset_);
-  const std::size_t count = std::min({rest.size(), space.size(), std::max<std::size_t>(nextPiece(), 1)});
-  std::ranges::copy(rest.first(count), space.begin());
-  offset_ += count;
-  over_ = readToItsEnd[opened_ - 1] = count == 0;
-  return count;
+  got = std::min({rest.size(), space.size(), nextPiece()});
+  std::ranges::copy(rest.first(got), space.begin());
+  offset_ += got;
+  over_ = readToItsEnd[opened_ - 1] = rest.empty();
+  return !over_;
 }
 
 void World::Write(std::span<const std::byte> bytes) {

@@ -19,7 +19,7 @@ class World {
   // Runs what the driver has started, until all of it has ended.
   void RunThreads();
 
-  // How many bytes a read may bring at most.
+  // How many bytes a read may bring at most; none is a read that brings nothing, which is not the end.
   std::function<std::size_t()> nextPiece;
   // Before each read: time for the runtime's threads.
   std::function<void()> beforeRead;
@@ -41,7 +41,8 @@ class World {
   void Join(const void* thread);
   [[nodiscard]] bool OpenNext();
   [[nodiscard]] bool IsOver() const { return over_; }
-  [[nodiscard]] std::size_t Read(std::span<std::byte> space);
+  // False at the end.
+  [[nodiscard]] bool Read(std::span<std::byte> space, std::size_t& got);
   // Of the connection that is open, the one under way included.
   [[nodiscard]] std::size_t Reads() const { return reads_; }
   void Write(std::span<const std::byte> bytes);
