@@ -10,7 +10,7 @@ namespace ombrel::test {
 StressRuntime::StressRuntime(std::int32_t hmdMode) { SetHooks(hmdMode); }
 
 StressRuntime::~StressRuntime() {
-  provider_.Cleanup();
+  Stop();
   Context().Clear();
 }
 
@@ -31,6 +31,7 @@ void StressRuntime::SetHooks(std::int32_t hmdMode) {
 }
 
 bool StressRuntime::Start() {
+  devices_.clear();
   if (provider_.Init(&host_) != vr::VRInitError_None) return false;
   vr::ITrackedDeviceServerDriver* headset = Devices().front().driver;
   direct_ =

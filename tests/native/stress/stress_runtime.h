@@ -31,9 +31,11 @@ class StressRuntime {
   StressRuntime(const StressRuntime&) = delete;
   StressRuntime& operator=(const StressRuntime&) = delete;
 
-  // The server thread: starts the driver, then ticks it and activates the devices that it adds.
+  // The server thread: starts the driver, ticks it and activates the devices that it adds, and stops it. May be started
+  // again; nobody else may call in meanwhile.
   [[nodiscard]] bool Start();
   void Tick();
+  void Stop() { provider_.Cleanup(); }
 
   // The compositor thread: one frame of the headset's kind.
   void PresentFrame();

@@ -85,6 +85,25 @@ TEST_P(StressTest, NoThreadSeesHalfOfWhatAnotherDoes) {
   EXPECT_TRUE(HasEverybodyWorked());
 }
 
+TEST_P(StressTest, StopsAndStartsAgainInTheMiddleOfAStream) {
+  const StressRuntime::Work& done = runtime_.Done();
+  for (int round = 0; round < 3; ++round) {
+    ASSERT_TRUE(runtime_.Start());
+    const std::uint32_t heads = done.headPosesSent, controllers = done.controllerPosesSent;
+    Background sender([this] { EXPECT_FALSE(companion_.SendThrough(0xFFFFFFFF, false)) << "it was never cut off"; });
+    EXPECT_TRUE(WaitUntil([&] {
+      runtime_.Tick();
+      return done.headPosesSent > heads + 500 && done.controllerPosesSent > controllers + kEnough;
+    }));
+    runtime_.Stop();
+    const std::uint32_t headsAtTheEnd = done.headPosesSent, controllersAtTheEnd = done.controllerPosesSent;
+    EXPECT_TRUE(sender.Finishes());
+    EXPECT_EQ(done.headPosesSent, headsAtTheEnd) << "a pose came behind the end";
+    EXPECT_EQ(done.controllerPosesSent, controllersAtTheEnd);
+  }
+  EXPECT_EQ(done.halfPoses, 0U);
+}
+
 INSTANTIATE_TEST_SUITE_P(BothModes, StressTest, testing::Values(kDirectMode, kVirtualDisplay));
 
 }  // namespace
