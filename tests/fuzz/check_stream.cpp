@@ -85,8 +85,10 @@ std::string WrongOrientation(const LinkPoseRecord& record, const vr::DriverPose_
   if (expected.sent && !std::ranges::equal(*expected.sent, raw, IsSame)) return "not the orientation that was sent";
   if (!HasADirection(raw)) return {};
   if (!IsUnit(shown)) return "an orientation with a direction is no rotation";
-  for (std::size_t i = 0; i < 4 && !expected.recentred; ++i) {
-    if (std::abs(shown[i] - raw[i] / Length(raw)) > 1e-5) return "an orientation is turned without reason";
+  if (expected.raw && expected.recentering) {
+    const Quat foretold = Product(*expected.recentering, *expected.raw);
+    if (AngleBetween(foretold, Widened(record.orientation)) > 0.01)
+      return "not the orientation that the page foretells";
   }
   const vr::HmdQuaternion_t& q = pose.qRotation;
   if (q.x != shown[0] || q.y != shown[1] || q.z != shown[2] || q.w != shown[3]) return "the runtime has another one";

@@ -77,7 +77,7 @@ StreamModel::End StreamModel::Take(std::span<const std::byte> bytes) {
 
 void StreamModel::Message(std::uint32_t type, Payload payload) {
   if (type == 4) TrackingUpdate(payload);
-  if (type == 8) orientation_.recentred = true;
+  if (type == 8) Recenter();
   if (type == 9 && payload.size() >= 4) {
     const std::uint32_t rate = U32(payload, 0);
     lines_.push_back(Line("frequency") << static_cast<float>(static_cast<std::int32_t>(rate)));
@@ -111,13 +111,25 @@ void StreamModel::TrackingUpdate(Payload payload) {
 void StreamModel::Orient(std::uint32_t format, Payload payload) {
   const bool kept = format == 1 || format == 5 || format == 254 || format == 2147483647;
   if (kept) return;
-  if (format == 50) {
-    orientation_.recentred = true;
-    return;
-  }
+  if (format == 50) return Recenter();
   orientation_.fromSensors = format == 2;
   orientation_.sent.reset();
-  if (format == 4) orientation_.sent = Floats<4>(payload, 0);
+  orientation_.raw.reset();
+  if (format == 2) return;
+  if (format == 3) {
+    orientation_.raw = RotationOfAngles(Floats<3>(payload, 0));
+  } else if (format == 4) {
+    orientation_.sent = Floats<4>(payload, 0);
+    orientation_.raw = RotationOf(*orientation_.sent);
+  } else if (format == 6) {
+    orientation_.raw = RotationOfPoseMatrix(Floats<12>(payload, 0));
+  } else {
+    orientation_.raw = RotationOfMatrix(Floats<12>(payload, 0));
+  }
+}
+
+void StreamModel::Recenter() {
+  orientation_.recentering = orientation_.raw ? RecenteringAt(*orientation_.raw) : std::nullopt;
 }
 
 void StreamModel::ControllerUpdate(Payload record) {

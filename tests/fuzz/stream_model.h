@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "page_rotation.h"
+
 namespace ombrel::test {
 
 // What a headset and its controllers must make of a companion's bytes, written from docs/protocol.md and not from the
@@ -19,12 +21,13 @@ class StreamModel {
   // How a connection's bytes end.
   enum class End { kBetweenMessages, kInsideAMessage, kTooLong };
 
-  // What is to be known of the orientation behind a "tracking" line.
+  // What is to be known of the orientation behind a "tracking" line. Rotations are there if they can be foretold.
   struct Orientation {
     bool changed = false;                      // published anew
-    bool recentred = false;                    // by any request so far
     bool fromSensors = false;                  // the filter's, which is always a number
     std::optional<std::array<float, 4>> sent;  // as it stood in the message
+    std::optional<Quat> raw;                   // before recentering
+    std::optional<Quat> recentering{Quat{}};   // what is put on its left
   };
 
   // All bytes of one connection. What was learnt holds for the next one.
@@ -48,6 +51,7 @@ class StreamModel {
   void Message(std::uint32_t type, Payload payload);
   void TrackingUpdate(Payload payload);
   void Orient(std::uint32_t format, Payload payload);
+  void Recenter();
   void ControllerUpdate(Payload payload);
   void Move(Controller& controller, Payload record);
   void Press(Controller& controller, Payload record);
@@ -59,7 +63,7 @@ class StreamModel {
 
   std::array<float, 3> position_{0.0F, 1.7F, 0.0F}, shownPosition_{};
   std::uint32_t state_ = 0, shownState_ = 0;
-  Orientation orientation_{.sent = std::array<float, 4>{0, 0, 0, 1}};
+  Orientation orientation_{.sent = std::array<float, 4>{0, 0, 0, 1}, .raw = Quat{}};
   std::map<std::uint32_t, Controller> controllers_;
   std::uint32_t devices_ = 0;
 };
