@@ -10,9 +10,15 @@ ControllerDevice* ControllerRegistry::Find(std::uint32_t controllerId) const {
 }
 
 ControllerDevice& ControllerRegistry::Add(std::uint32_t controllerId, std::unique_ptr<ControllerDevice> device) {
-  ControllerDevice& added = *controllers_.insert_or_assign(controllerId, std::move(device)).first->second;
-  walk_.Add(&added);
-  return added;
+  const auto added = controllers_.insert_or_assign(controllerId, std::move(device)).first;
+  try {
+    walk_.Add(added->second.get());
+  } catch (...) {
+    // Known, but never announced: so it would stay. Its next record is to find it unknown.
+    controllers_.erase(added);
+    throw;
+  }
+  return *added->second;
 }
 
 ControllerDevice* ControllerRegistry::FindByContainer(vr::PropertyContainerHandle_t container) const {

@@ -17,6 +17,7 @@ class ControllerRegistry {
  public:
   // Reader thread.
   [[nodiscard]] ControllerDevice* Find(std::uint32_t controllerId) const;
+  // Throws std::bad_alloc without having added anything.
   ControllerDevice& Add(std::uint32_t controllerId, std::unique_ptr<ControllerDevice> device);
 
   // Any thread. The first device with that property container, or null.
