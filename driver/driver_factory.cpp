@@ -8,10 +8,17 @@
 // What PollNextEvent is told to fill. Elsewhere than on Windows the same structure is packed tighter.
 static_assert(sizeof(vr::VREvent_t) == 48);
 
+namespace {
+
+// Made when the library is loaded. Were it made at the first call, under a guard, the compiler's runtime would note the
+// calling thread, and its two handles would stay open when the library is unloaded.
+ombrel::CServerDriver_Ombrel provider;
+
+}  // namespace
+
 // Answers for the device provider alone; there is no watchdog. The name is compared letter by letter, and the return
 // code is touched only to say that it was another.
 extern "C" void* HmdDriverFactory(const char* interfaceName, int* returnCode) {
-  static ombrel::CServerDriver_Ombrel provider;
   if (interfaceName != nullptr && std::string_view(interfaceName) == vr::IServerTrackedDeviceProvider_Version) {
     return static_cast<vr::IServerTrackedDeviceProvider*>(&provider);
   }

@@ -2,13 +2,20 @@
 
 #include <windows.h>
 
+#include <algorithm>
+#include <atomic>
+#include <memory>
 #include <stdexcept>
+#include <string>
 
 #include "runtime/msvc_calls.h"
 #include "sharing/sharing_device.h"
 
 namespace bench::scenarios {
 namespace {
+
+std::atomic<std::int64_t> setsMade = 0;
+std::unique_ptr<DriverLife> shared;
 
 constexpr std::size_t kKept = 1000;  // of what the stand-in writes down
 
@@ -51,6 +58,16 @@ DriverLife::~DriverLife() {
   Unload();
 }
 
+DriverLife& DriverLife::Shared(ScenarioRun& run) {
+  if (!shared) {
+    shared = std::make_unique<DriverLife>(run);
+    shared->Start();
+  }
+  return *shared;
+}
+
+void DriverLife::EndShared() { shared.reset(); }
+
 vr::EVRInitError DriverLife::Init() {
   const std::size_t before = runtime.Host().Added().size();
   const vr::EVRInitError result = calls_.Timed("Init", [this] { return provider_->Init(&runtime); });
@@ -85,6 +102,7 @@ void DriverLife::Cleanup() {
   if (provider_ == nullptr) return;
   calls_.Timed("Cleanup", [this] { provider_->Cleanup(); });
   headset_ = nullptr;
+  oneSet_.reset();
 }
 
 void DriverLife::Unload() {
@@ -100,10 +118,25 @@ vr::DriverPose_t DriverLife::Pose() {
   return calls_.Timed("GetPose", [this] { return CallGetPose(headset_); });
 }
 
+std::optional<AddedDevice> DriverLife::Controller(std::uint32_t controllerId) {
+  const auto added = runtime.Host().Added();
+  const std::string serial = "OmbrelControllerV02ID" + std::to_string(controllerId);
+  const auto found = std::ranges::find(added, serial, &AddedDevice::serial);
+  return found != added.end() ? std::optional(*found) : std::nullopt;
+}
+
+std::int64_t DriverLife::SetsMade() { return setsMade; }
+
+const DriverLife::SwapSet& DriverLife::OneSwapSet() {
+  if (!oneSet_) oneSet_ = CreateSwapSet();
+  return *oneSet_;
+}
+
 DriverLife::SwapSet DriverLife::CreateSwapSet(std::uint32_t processId) {
   const vr::IVRDriverDirectModeComponent::SwapTextureSetDesc_t desc{32, 24, DXGI_FORMAT_R8G8B8A8_UNORM, 1};
   vr::SharedTextureHandle_t handles[3]{};
   calls_.Timed("CreateSwapTextureSet", [&] { direct_->CreateSwapTextureSet(processId, &desc, &handles); });
+  ++setsMade;
   return {handles[0], handles[1], handles[2]};
 }
 

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <optional>
 
 #include "runtime/driver_module.h"
 #include "runtime/fake_runtime.h"
@@ -28,6 +29,11 @@ class DriverLife {
   DriverLife(const DriverLife&) = delete;
   DriverLife& operator=(const DriverLife&) = delete;
 
+  // A life that scenarios go on with one after the other, so that the short form takes less time: started if there is
+  // none. It must end before another life begins.
+  [[nodiscard]] static DriverLife& Shared(ScenarioRun& run);
+  static void EndShared();
+
   vr::EVRInitError Init();
   // Activates what the driver has announced since the last time: the headset and then each controller.
   void ActivatePending();
@@ -37,11 +43,18 @@ class DriverLife {
   void Cleanup();
   void Unload();
 
+  [[nodiscard]] bool HasLayers() const { return mode_ == Mode::kLayers; }
   [[nodiscard]] vr::ITrackedDeviceServerDriver& Headset() const { return *headset_; }
   [[nodiscard]] void* Component(const char* name);
   [[nodiscard]] vr::DriverPose_t Pose();
+  // The controller of that id, once the driver has announced it.
+  [[nodiscard]] std::optional<AddedDevice> Controller(std::uint32_t controllerId);
 
   [[nodiscard]] SwapSet CreateSwapSet(std::uint32_t processId = 1);
+  // One set for all who only need something to show, until Cleanup.
+  [[nodiscard]] const SwapSet& OneSwapSet();
+  // Sets that were ever made in this process: each leaves one small block of the driver's memory behind, on purpose.
+  [[nodiscard]] static std::int64_t SetsMade();
   void DestroySwapSet(vr::SharedTextureHandle_t handle);
   // A layer whose pose has `number` in its translation.
   void SubmitLayer(vr::SharedTextureHandle_t eye, float number);
@@ -60,6 +73,7 @@ class DriverLife {
   vr::ITrackedDeviceServerDriver* headset_ = nullptr;
   vr::IVRDriverDirectModeComponent* direct_ = nullptr;
   vr::IVRVirtualDisplay* display_ = nullptr;
+  std::optional<SwapSet> oneSet_;
 };
 
 }  // namespace bench::scenarios

@@ -4,6 +4,7 @@
 
 #include "companion/tracking_update.h"
 #include "runtime/clock.h"
+#include "runtime/keyed_texture.h"
 #include "runtime/wait.h"
 #include "sharing/sharing_device.h"
 
@@ -14,6 +15,7 @@ using Microsoft::WRL::ComPtr;
 using std::chrono::milliseconds;
 
 constexpr milliseconds kPatience{kPatienceMs};
+constexpr std::size_t kTranslationX = 3;  // in a pose slot
 
 ComPtr<ID3D11Device> MakeDevice() {
   ComPtr<ID3D11Device> device;
@@ -63,27 +65,64 @@ std::optional<PoseSlot> FrameCompanion::TakeFrame(std::uint32_t timeoutMs) {
   return frame.slot;
 }
 
-std::string PlayFrames(DriverLife& life, FrameCompanion& companion, int count) {
-  constexpr std::size_t kTranslationX = 3;
-  static float number = 0;
+namespace {
+
+// Calls `play` for one frame after the other until the companion has taken them.
+template <typename Play>
+std::string TakeFrames(FrameCompanion& companion, int count, Play play) {
   int taken = 0;
-  const auto set = life.CreateSwapSet();
   std::string fault;
-  const bool inTime = WaitUntil(
-      [&] {
-        life.SubmitLayer(set[0], ++number);
-        life.Present();
-        if (!companion.Frames().IsOpen() && !companion.TakeAnnouncement(10)) return false;
-        const auto slot = companion.TakeFrame(50);
-        if (!slot) return false;
-        // Layers from before the connection are drawn in its first frame, which has the pose of the first of them.
-        if (taken > 0 && (*slot)[kTranslationX] != number) fault = "a frame with another frame's pose";
-        return ++taken == count || !fault.empty();
-      },
-      kPatience);
-  life.DestroySwapSet(set[0]);
-  if (!inTime) fault = "only " + std::to_string(taken) + " frames of " + std::to_string(count);
-  return fault;
+  const auto takeOne = [&] {
+    const float number = play();
+    if (!companion.Frames().IsOpen() && !companion.TakeAnnouncement(10)) return false;
+    const auto slot = companion.TakeFrame(50);
+    if (!slot) return false;
+    // Layers from before the connection are drawn in its first frame, which has the pose of the first of them.
+    if (taken > 0 && (*slot)[kTranslationX] != number) fault = "a frame with another frame's pose";
+    return ++taken == count || !fault.empty();
+  };
+  if (WaitUntil(takeOne, kPatience)) return fault;
+  return "only " + std::to_string(taken) + " frames of " + std::to_string(count);
+}
+
+std::string PlayLayers(DriverLife& life, FrameCompanion& companion, int count) {
+  static float number = 0;
+  const auto eye = life.OneSwapSet()[0];
+  return TakeFrames(companion, count, [&] {
+    // Not all those numbers are to be told apart, but each from its neighbours.
+    number = number < 1000 ? number + 1 : 1;
+    life.SubmitLayer(eye, number);
+    life.Present();
+    return number;
+  });
+}
+
+std::string PlayTextures(DriverLife& life, FrameCompanion& companion, int count) {
+  static KeyedTexture texture(*RuntimeDevice().Get(), 1000, 600, DXGI_FORMAT_R8G8B8A8_UNORM);
+  const PoseStream poses(companion.Pipes());  // a frame waits for one
+  return TakeFrames(companion, count, [&] {
+    life.Present(texture.Handle());
+    return 0.0F;  // the slots are not written
+  });
+}
+
+}  // namespace
+
+std::string PlayFrames(DriverLife& life, FrameCompanion& companion, int count) {
+  return life.HasLayers() ? PlayLayers(life, companion, count) : PlayTextures(life, companion, count);
+}
+
+PoseStream::PoseStream(PipeServer& pipes)
+    : thread_([this, &pipes] {
+        while (!stop_) {
+          static_cast<void>(pipes.Send(EncodeQuaternionAndPosition({}, {0, 1.5F, 0})));
+          std::this_thread::sleep_for(milliseconds(2));
+        }
+      }) {}
+
+PoseStream::~PoseStream() {
+  stop_ = true;
+  thread_.join();
 }
 
 bool PoseArrives(DriverLife& life, PipeServer& pipes, float x) {

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <optional>
+#include <string>
+#include <thread>
 
 #include "companion/frame_reader.h"
 #include "companion/pipe_server.h"
@@ -26,7 +29,7 @@ class FrameCompanion {
 
   // Takes an announcement that has come, or comes within the time, and opens its textures.
   [[nodiscard]] bool TakeAnnouncement(std::uint32_t timeoutMs);
-  // The next frame's pose.
+  // The next frame's pose slot.
   [[nodiscard]] std::optional<PoseSlot> TakeFrame(std::uint32_t timeoutMs);
 
   [[nodiscard]] PipeServer& Pipes() { return pipes_; }
@@ -39,9 +42,23 @@ class FrameCompanion {
   FrameSharingInfo announced_;
 };
 
-// Plays frames of one layer until the companion has taken `count` of them, the first one after an announcement if its
-// textures are not open yet. Each has to have the pose that it was submitted with. What went wrong; empty if nothing did.
+// Plays frames in the way of the life's mode until the companion has taken `count` of them, the first one after an
+// announcement if its textures are not open yet. Layers have to come with the pose that they were submitted with. What
+// went wrong; empty if nothing did.
 [[nodiscard]] std::string PlayFrames(DriverLife& life, FrameCompanion& companion, int count);
+
+// Sends poses all the time, from a thread of its own.
+class PoseStream {
+ public:
+  explicit PoseStream(PipeServer& pipes);
+  ~PoseStream();
+  PoseStream(const PoseStream&) = delete;
+  PoseStream& operator=(const PoseStream&) = delete;
+
+ private:
+  std::atomic<bool> stop_ = false;
+  std::thread thread_;
+};
 
 // Sends a pose; whether the headset then shows it.
 [[nodiscard]] bool PoseArrives(DriverLife& life, PipeServer& pipes, float x);

@@ -11,6 +11,7 @@
 #include <CLI/CLI.hpp>
 
 #include "companion_child.h"
+#include "driver_life.h"
 #include "runtime/clock.h"
 #include "scenario.h"
 
@@ -19,6 +20,7 @@ namespace {
 using bench::scenarios::AllScenarios;
 using bench::scenarios::CallWatch;
 using bench::scenarios::CompanionChild;
+using bench::scenarios::DriverLife;
 using bench::scenarios::Scenario;
 using bench::scenarios::ScenarioRun;
 
@@ -41,6 +43,7 @@ LONG WINAPI SayWhatCrashed(EXCEPTION_POINTERS* exception) {
 bool Play(const Scenario& scenario, const Options& options, CallWatch& calls) {
   ScenarioRun run(calls, options.isLong, options.driver, options.companion);
   playing = scenario.name;
+  if (!scenario.usesSharedLife) DriverLife::EndShared();
   std::printf("RUN   %s\n", scenario.name);
   std::fflush(stdout);
   const std::int64_t begin = bench::runtime::NowTicks();
@@ -49,6 +52,8 @@ bool Play(const Scenario& scenario, const Options& options, CallWatch& calls) {
   } catch (const std::exception& error) {
     run.Check(false, error.what());
   }
+  // The next scenario is not to begin with what a fault left.
+  if (!run.Failures().empty()) DriverLife::EndShared();
   for (const std::string& late : calls.TakeLateCalls()) run.Check(false, late);
   for (const std::string& failure : run.Failures()) std::printf("      failed: %s\n", failure.c_str());
   for (const std::string& skipped : run.Skipped()) std::printf("      skipped: %s\n", skipped.c_str());
@@ -77,11 +82,14 @@ int Run(const Options& options) {
     for (const Scenario& scenario : chosen) std::printf("%s\n", scenario.name);
     return 0;
   }
+  // Wine does not close its registry keys when it unloads this one of the driver's imports, and would let handles grow.
+  LoadLibraryA("winmm.dll");
   // The driver does not start without a process of this name.
   const CompanionChild present(options.companion, "idle");
   CallWatch calls;
   const auto failed =
       std::ranges::count_if(chosen, [&](const Scenario& scenario) { return !Play(scenario, options, calls); });
+  DriverLife::EndShared();
   calls.PrintTable();
   std::printf("%zu scenarios, %d failed\n", chosen.size(), static_cast<int>(failed));
   if (!options.callsFile.empty() && !calls.AppendCsv(options.callsFile)) return 2;

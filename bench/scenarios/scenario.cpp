@@ -22,7 +22,8 @@ bool ScenarioRun::Check(bool holds, const std::string& what) {
 
 std::vector<Scenario> AllScenarios() {
   std::vector<Scenario> all;
-  for (const auto group : {KillScenarios(), PipeScenarios()}) {
+  for (const auto group : {KillScenarios(), PipeScenarios(), GraphicsScenarios(), MemoryScenarios(), RateScenarios(),
+                           ActivationScenarios(), CleanupScenarios(), GrowthScenarios(), ControllerScenarios()}) {
     all.insert(all.end(), group.begin(), group.end());
   }
   return all;

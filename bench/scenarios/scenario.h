@@ -17,7 +17,7 @@ class ScenarioRun {
       : calls(watch), isLong(longForm), driver(std::move(library)), companion(std::move(program)) {}
 
   // Part of the one line of figures, printf-style.
-  void Figure(const char* format, ...) __attribute__((format(printf, 2, 3)));
+  void Figure(const char* format, ...) __attribute__((format(gnu_printf, 2, 3)));
   // Fails the scenario unless `holds`; `what` says what should have been.
   bool Check(bool holds, const std::string& what);
   // A check that could not be made here, and why.
@@ -43,6 +43,7 @@ class ScenarioRun {
 struct Scenario {
   const char* name;
   void (*play)(ScenarioRun&);
+  bool usesSharedLife = false;  // DriverLife::Shared
 };
 
 // In the order in which they are played: see README.md for what each does.
@@ -51,5 +52,12 @@ struct Scenario {
 // The groups, one for each file.
 [[nodiscard]] std::span<const Scenario> KillScenarios();
 [[nodiscard]] std::span<const Scenario> PipeScenarios();
+[[nodiscard]] std::span<const Scenario> GraphicsScenarios();
+[[nodiscard]] std::span<const Scenario> MemoryScenarios();
+[[nodiscard]] std::span<const Scenario> RateScenarios();
+[[nodiscard]] std::span<const Scenario> ActivationScenarios();
+[[nodiscard]] std::span<const Scenario> CleanupScenarios();
+[[nodiscard]] std::span<const Scenario> GrowthScenarios();
+[[nodiscard]] std::span<const Scenario> ControllerScenarios();
 
 }  // namespace bench::scenarios

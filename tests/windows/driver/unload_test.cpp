@@ -5,8 +5,11 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <thread>
+#include <vector>
 
+#include "handle_count.h"
 #include "runtime/wait.h"
 #include "support/driver_threads.h"
 #include "support/link_test.h"
@@ -121,6 +124,21 @@ TEST_F(UnloadTest, LibraryMayComeAndGoManyTimesWhileTheCompanionKeepsSending) {
     driver.Unload();
     ASSERT_EQ(GetModuleHandleA("driver_ombrel.dll"), nullptr);
   }
+}
+
+TEST_F(UnloadTest, LibraryThatIsAskedForItsProviderLeavesNoHandleWhenItGoes) {
+  Unload();
+  // Wine does not close its registry keys when it unloads this one of the driver's imports.
+  const HMODULE imported = LoadLibraryA("winmm.dll");
+  std::vector<std::int64_t> handles;
+  for (int round = 0; round < 4; ++round) {
+    bench::DriverModule driver(DriverLibrary());
+    EXPECT_NE(&driver.Provider(), nullptr);
+    driver.Unload();
+    handles.push_back(bench::scenarios::CountOwnHandles());
+  }
+  EXPECT_EQ(handles.back(), handles.front());
+  FreeLibrary(imported);
 }
 
 TEST_F(UnloadTest, DriverStartsAgainWithTheSameCompanion) {

@@ -1,0 +1,172 @@
+// Cleanup while something is under way, and FreeLibrary right after it.
+#include <windows.h>
+
+#include <array>
+#include <future>
+#include <thread>
+
+#include "companion/controller_record.h"
+#include "companion/tracking_update.h"
+#include "failing_calls.h"
+#include "frame_companion.h"
+#include "runtime/clock.h"
+#include "runtime/keyed_texture.h"
+#include "runtime/wait.h"
+#include "silent_pipes.h"
+
+namespace bench::scenarios {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds kPatience{kPatienceMs};
+
+// Cleanup and FreeLibrary while `call` is inside the driver on another thread; it has to be out when Cleanup returns.
+void EndDuring(ScenarioRun& run, DriverLife& life, std::future<void>& call) {
+  const bool wasInside = call.wait_for(milliseconds(50)) == std::future_status::timeout;
+  run.Check(wasInside, "the call waits when Cleanup begins");
+  const std::int64_t begin = runtime::NowTicks();
+  life.Cleanup();
+  const double ms = runtime::TicksToMilliseconds(runtime::NowTicks() - begin);
+  run.Check(call.wait_for(milliseconds(0)) == std::future_status::ready, "the call is out when Cleanup returns");
+  call.wait();
+  life.Unload();
+  run.Check(GetModuleHandleA("driver_ombrel.dll") == nullptr, "the library goes at once");
+  run.Figure("Cleanup %.0f ms", ms);
+}
+
+// At one frame a second.
+void StartSlowly(ScenarioRun& run, DriverLife& life, FrameCompanion& companion) {
+  life.Start();
+  CheckConnection(run, life, companion);
+  run.Check(companion.Pipes().Send(EncodeFramerateUpdate(1)) && PoseArrives(life, companion.Pipes(), 9),
+            "the driver takes the rate");
+}
+
+void DuringHandOff(ScenarioRun& run, Mode mode) {
+  KeyedTexture texture(*RuntimeDevice().Get(), 1000, 600, DXGI_FORMAT_R8G8B8A8_UNORM);
+  DriverLife life(run, mode);
+  FrameCompanion companion;
+  StartSlowly(run, life, companion);
+  run.Check(texture.Acquire(milliseconds(100)), "the runtime keeps its texture");
+  auto present = std::async(std::launch::async, [&] { life.Present(texture.Handle()); });
+  EndDuring(run, life, present);
+  texture.Release();
+}
+
+void DuringHandOffLayers(ScenarioRun& run) { DuringHandOff(run, Mode::kLayers); }
+void DuringHandOffTexture(ScenarioRun& run) { DuringHandOff(run, Mode::kTexture); }
+
+// A finished texture waits for a pose that does not come.
+void DuringWaitForPose(ScenarioRun& run) {
+  KeyedTexture texture(*RuntimeDevice().Get(), 1000, 600, DXGI_FORMAT_R8G8B8A8_UNORM);
+  DriverLife life(run, Mode::kTexture);
+  life.Start();
+  FrameCompanion companion;
+  run.Check(companion.Connect(), "the driver connects");
+  auto present = std::async(std::launch::async, [&] {
+    while (!companion.TakeAnnouncement(5)) life.Present(texture.Handle());
+  });
+  EndDuring(run, life, present);
+}
+
+void DuringPacing(ScenarioRun& run) {
+  DriverLife life(run);
+  FrameCompanion companion;
+  StartSlowly(run, life, companion);
+  life.WaitForNext();
+  auto wait = std::async(std::launch::async, [&] { life.WaitForNext(); });
+  EndDuring(run, life, wait);
+}
+
+// Direct3D takes its time over the textures of a new connection.
+class SlowTextures : public DeviceObserver {
+ public:
+  SlowTextures() { SetObserver(DeviceGroup::kIntercepted, this); }
+  ~SlowTextures() override { SetObserver(DeviceGroup::kIntercepted, nullptr); }
+  SlowTextures(const SlowTextures&) = delete;
+  SlowTextures& operator=(const SlowTextures&) = delete;
+
+  void OnCreateTexture2D(const D3D11_TEXTURE2D_DESC&) override {
+    if (!isSlow) return;
+    entered = true;
+    Sleep(300);
+  }
+  std::atomic<bool> isSlow = false;
+  std::atomic<bool> entered = false;
+};
+
+void DuringSetUp(ScenarioRun& run) {
+  SlowTextures textures;
+  DriverLife life(run);
+  life.Start();
+  FrameCompanion companion;
+  textures.isSlow = true;
+  run.Check(companion.Connect(), "the driver connects");
+  run.Check(WaitUntil([&] { return textures.entered.load(); }, kPatience), "textures are made");
+  life.Cleanup();
+  life.Unload();
+}
+
+void BetweenPipes(ScenarioRun& run) {
+  DriverLife life(run);
+  life.Start();
+  SilentPipes pipes(SilentPipes::Which::kOnlyFromDriver);
+  run.Check(pipes.WaitForDriver(kPatienceMs), "the driver opens the first pipe");
+  life.Cleanup();
+  life.Unload();
+}
+
+// The runtime takes its time over a pose, on the reader thread.
+void DuringDispatch(ScenarioRun& run) {
+  std::atomic<bool> isSlow = false, inside = false;
+  DriverLife life(run);
+  life.runtime.Poses().Listen([&](const PoseRecord&) {
+    if (!isSlow) return;
+    inside = true;
+    Sleep(300);
+    inside = false;
+  });
+  life.Start();
+  FrameCompanion companion;
+  CheckConnection(run, life, companion);
+  isSlow = true;
+  run.Check(companion.Pipes().Send(EncodeQuaternionAndPosition({}, {})), "the link is up");
+  run.Check(WaitUntil([&] { return inside.load(); }, kPatience), "the runtime has the pose in hand");
+  life.Cleanup();
+  run.Check(!inside, "the reader is out when Cleanup returns");
+  life.Unload();
+}
+
+// Any time within the first half second of a companion.
+void AtAnyTime(ScenarioRun& run) {
+  const int rounds = run.Rounds(60, 3);
+  for (int round = 0; round < rounds && run.Failures().empty(); ++round) {
+    DriverLife life(run, round % 2 == 0 ? Mode::kLayers : Mode::kTexture);
+    life.Start();
+    PipeServer pipes({});
+    run.Check(pipes.Open(), "the pipes can be made");
+    const PoseStream poses(pipes);
+    std::this_thread::sleep_for(milliseconds(500 * round / rounds));
+    life.Cleanup();
+    life.Unload();
+  }
+  run.Figure("%d times", rounds);
+}
+
+constexpr std::array kScenarios{
+    Scenario{"cleanup_during_hand_off", DuringHandOffLayers},
+    Scenario{"cleanup_during_hand_off_virtual", DuringHandOffTexture},
+    Scenario{"cleanup_during_wait_for_pose", DuringWaitForPose},
+    Scenario{"cleanup_during_pacing", DuringPacing},
+    Scenario{"cleanup_during_set_up", DuringSetUp},
+    Scenario{"cleanup_between_pipes", BetweenPipes},
+    Scenario{"cleanup_during_dispatch", DuringDispatch},
+    Scenario{"cleanup_at_any_time", AtAnyTime},
+};
+
+}  // namespace
+
+std::span<const Scenario> CleanupScenarios() { return kScenarios; }
+
+}  // namespace bench::scenarios

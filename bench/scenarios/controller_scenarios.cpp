@@ -1,0 +1,130 @@
+// Forty controllers, a thousand records a second in all.
+#include <windows.h>
+
+#include <array>
+#include <atomic>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "companion/controller_record.h"
+#include "companion/statistics.h"
+#include "frame_companion.h"
+#include "runtime/clock.h"
+#include "runtime/wait.h"
+
+namespace bench::scenarios {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr std::uint32_t kControllers = 40;
+constexpr int kRecordsASecond = 1000;
+
+// A record whose number is in its position, which the runtime gets unchanged as long as a float holds it.
+Bytes NumberedRecord(std::uint32_t controller, int number) {
+  ControllerRecord record;
+  record.controllerId = controller;
+  record.pose[3] = static_cast<float>(number);
+  record.pressedButtons = number % 2 == 0 ? 0 : ButtonBit(ControllerButton::Grip);
+  return EncodeControllerUpdate(record);
+}
+
+// Follows the numbers as they reach the runtime. Any thread.
+class NumbersSeen {
+ public:
+  void See(const PoseRecord& record) {
+    if (record.device == 0) return;
+    const std::lock_guard lock(mutex_);
+    const auto number = static_cast<int>(record.pose.vecPosition[0]);
+    int& last = last_.at(record.device);
+    if (number != last + 1) ++faults_;
+    last = number;
+    ++seen_;
+  }
+  [[nodiscard]] int Seen() const {
+    const std::lock_guard lock(mutex_);
+    return seen_;
+  }
+  [[nodiscard]] int Faults() const {
+    const std::lock_guard lock(mutex_);
+    return faults_;
+  }
+
+ private:
+  mutable std::mutex mutex_;
+  std::array<int, kControllers + 1> last_{};
+  int seen_ = 0;
+  int faults_ = 0;
+};
+
+// Sends to each controller in turn, in bursts of one frame of the companion. Returns how many records went out.
+int SendFor(ScenarioRun& run, PipeServer& pipes, int seconds) {
+  const int rounds = seconds * kRecordsASecond / static_cast<int>(kControllers);
+  const std::int64_t begin = runtime::NowTicks();
+  for (int round = 1; round <= rounds; ++round) {
+    Bytes burst;
+    for (std::uint32_t controller = 0; controller < kControllers; ++controller) {
+      const Bytes one = NumberedRecord(controller, round);
+      burst.insert(burst.end(), one.begin(), one.end());
+    }
+    if (!run.Check(pipes.Send(burst), "the driver reads")) return 0;
+    const double due = static_cast<double>(round) * kControllers / kRecordsASecond;
+    runtime::SleepUntilTicks(begin + runtime::SecondsToTicks(due));
+  }
+  return rounds * static_cast<int>(kControllers);
+}
+
+void AnnounceAll(ScenarioRun& run, DriverLife& life, PipeServer& pipes) {
+  for (std::uint32_t controller = 0; controller < kControllers; ++controller) {
+    run.Check(pipes.Send(NumberedRecord(controller, 0)), "the driver reads");
+  }
+  const auto all = [&] { return life.runtime.Host().Added().size() == kControllers + 1; };
+  run.Check(WaitUntil(all, milliseconds(kPatienceMs)), "all controllers are announced");
+  life.ActivatePending();
+}
+
+void FortyControllers(ScenarioRun& run) {
+  NumbersSeen numbers;
+  DriverLife life(run);
+  life.runtime.Poses().Listen([&](const PoseRecord& record) { numbers.See(record); });
+  life.Start();
+  PipeServer pipes({});
+  run.Check(pipes.Open() && pipes.WaitForConnection(kPatienceMs), "the driver connects");
+  AnnounceAll(run, life, pipes);
+  const auto container = FakeProperties::ContainerOf(life.runtime.Host().Added().back().index);
+
+  std::atomic<bool> stop = false;
+  std::vector<double> frameMs;
+  std::thread server([&] {
+    while (!stop) {
+      life.runtime.Host().PushHaptic(container, 1, 0.01F, 100, 1);
+      const std::int64_t begin = runtime::NowTicks();
+      life.RunFrame();
+      frameMs.push_back(runtime::TicksToMilliseconds(runtime::NowTicks() - begin));
+      runtime::SleepUntilTicks(begin + runtime::SecondsToTicks(1.0 / 90));
+    }
+  });
+  const int sent = SendFor(run, pipes, run.Rounds(60, 2));
+  const bool allSeen = WaitUntil([&] { return numbers.Seen() == sent; }, milliseconds(kPatienceMs));
+  stop = true;
+  server.join();
+
+  const std::size_t fifth = frameMs.size() / 5;
+  const double first = Percentile({frameMs.begin(), frameMs.begin() + static_cast<std::ptrdiff_t>(fifth)}, 0.5);
+  const double last = Percentile({frameMs.end() - static_cast<std::ptrdiff_t>(fifth), frameMs.end()}, 0.5);
+  run.Check(allSeen, "no record is lost");
+  run.Check(numbers.Faults() == 0, "no record is out of order");
+  run.Check(last <= 3 * first + 0.05, "RunFrame takes no longer in the end than in the beginning");
+  run.Figure(
+      "%d records sent, %d seen, %d out of order, %zu frames, RunFrame's median %.3f ms at first, %.3f ms at last",
+      sent, numbers.Seen(), numbers.Faults(), frameMs.size(), first, last);
+}
+
+constexpr std::array kScenarios{Scenario{"forty_controllers", FortyControllers}};
+
+}  // namespace
+
+std::span<const Scenario> ControllerScenarios() { return kScenarios; }
+
+}  // namespace bench::scenarios

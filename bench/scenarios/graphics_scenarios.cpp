@@ -1,0 +1,146 @@
+// Direct3D calls of the driver that fail: each kind in turn, and all of them from any point on.
+#include <windows.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "failing_calls.h"
+#include "frame_companion.h"
+#include "runtime/wait.h"
+
+namespace bench::scenarios {
+namespace {
+
+constexpr std::array kWhileRunning{
+    DeviceCall::kCreateBuffer,
+    DeviceCall::kCreateTexture2D,
+    DeviceCall::kCreateShaderResourceView,
+    DeviceCall::kCreateRenderTargetView,
+    DeviceCall::kCreateBlendState,
+    DeviceCall::kCreateSamplerState,
+    DeviceCall::kOpenSharedResource,
+    DeviceCall::kGetSharedHandle,
+    DeviceCall::kMap,
+    DeviceCall::kAcquireSync,
+    DeviceCall::kReleaseSync,
+};
+constexpr std::array kAtStart{DeviceCall::kCreateDevice, DeviceCall::kCreateVertexShader,
+                              DeviceCall::kCreatePixelShader};
+
+// A connection with frames, whatever comes of them: only poses are looked for.
+void LiveThrough(ScenarioRun& run, DriverLife& life) {
+  static float x = 0;
+  FrameCompanion companion;
+  if (!run.Check(companion.Connect(), "the driver connects while calls fail")) return;
+  const auto set = life.HasLayers() ? life.CreateSwapSet() : DriverLife::SwapSet{};
+  {
+    const PoseStream poses(companion.Pipes());  // a finished texture waits for one
+    for (int frame = 0; frame < 4; ++frame) {
+      if (life.HasLayers()) life.SubmitLayer(set[0], 1);
+      life.Present(set[2]);
+      static_cast<void>(companion.TakeAnnouncement(frame == 1 ? 30 : 0));
+      life.WaitForNext();
+      life.RunFrame();
+    }
+  }
+  if (life.HasLayers()) life.DestroySwapSet(set[0]);
+  run.Check(PoseArrives(life, companion.Pipes(), ++x), "poses arrive while calls fail");
+}
+
+void CheckFramesAgain(ScenarioRun& run, DriverLife& life) {
+  FrameCompanion companion;
+  CheckConnection(run, life, companion);
+}
+
+void EachCallFails(ScenarioRun& run) {
+  FailingCalls calls;
+  DriverLife& life = DriverLife::Shared(run);
+  int failed = 0;
+  for (const DeviceCall call : kWhileRunning) {
+    calls.FailKind(call);
+    LiveThrough(run, life);
+    run.Check(calls.Failed() > 0, "a call of kind " + std::to_string(static_cast<int>(call)) + " is made");
+    failed += calls.Failed();
+    calls.Allow();
+    if (run.isLong) CheckFramesAgain(run, life);
+  }
+  run.Figure("%d calls of %zu kinds failed", failed, kWhileRunning.size());
+  CheckNewCompanion(run, life);
+}
+
+void EachStartCallFails(ScenarioRun& run) {
+  FailingCalls calls;
+  for (const DeviceCall call : std::span(kAtStart).first(run.isLong ? kAtStart.size() : 1)) {
+    DriverLife life(run);
+    calls.FailKind(call);
+    life.Start();
+    LiveThrough(run, life);
+    run.Check(calls.Failed() > 0, "a call of kind " + std::to_string(static_cast<int>(call)) + " is made");
+    calls.Allow();
+  }
+  DriverLife life(run);
+  life.Start();
+  CheckNewCompanion(run, life);
+}
+
+// How many calls can fail while `play` runs.
+template <typename Play>
+int CountCalls(FailingCalls& calls, Play play) {
+  calls.Allow();
+  play();
+  return calls.Seen();
+}
+
+void FailFromAnyPoint(ScenarioRun& run, Mode mode) {
+  FailingCalls calls;
+  DriverLife life(run, mode);
+  life.Start();
+  const int count = CountCalls(calls, [&] { LiveThrough(run, life); });
+  const int step = run.isLong ? 1 : 1 + count / 3;
+  int points = 0;
+  for (int point = 0; point < count; point += step, ++points) {
+    calls.FailAfter(point);
+    LiveThrough(run, life);
+    calls.Allow();
+    if (run.isLong) CheckFramesAgain(run, life);
+  }
+  run.Figure("%d points of %d", points, count);
+  CheckNewCompanion(run, life);
+}
+
+void FailFromAnyPointLayers(ScenarioRun& run) { FailFromAnyPoint(run, Mode::kLayers); }
+void FailFromAnyPointTexture(ScenarioRun& run) { FailFromAnyPoint(run, Mode::kTexture); }
+
+// The device is gone for good at some point of Init, or later. The next Init makes another.
+void DeviceRemoved(ScenarioRun& run) {
+  FailingCalls calls;
+  int points = 0;
+  for (const int point : run.isLong ? std::vector{0, 1, 2, 3, 4, 5, 6, 8, 12, 20, 40} : std::vector{20}) {
+    DriverLife life(run);
+    calls.FailAfter(point);
+    life.Start();
+    LiveThrough(run, life);
+    LiveThrough(run, life);
+    life.Cleanup();
+    calls.Allow();
+    life.Start();
+    CheckFramesAgain(run, life);
+    ++points;
+  }
+  run.Figure("removed for good at %d points, frames after the next Init", points);
+}
+
+constexpr std::array kScenarios{
+    Scenario{"each_call_fails", EachCallFails, true},
+    Scenario{"each_start_call_fails", EachStartCallFails},
+    Scenario{"calls_fail_from_any_point", FailFromAnyPointLayers},
+    Scenario{"calls_fail_from_any_point_virtual", FailFromAnyPointTexture},
+    Scenario{"device_removed", DeviceRemoved},
+};
+
+}  // namespace
+
+std::span<const Scenario> GraphicsScenarios() { return kScenarios; }
+
+}  // namespace bench::scenarios

@@ -1,0 +1,144 @@
+// What would show only after hours: connections, messages, frames and whole lives, again and again.
+#include <windows.h>
+
+#include <array>
+
+#include "companion/controller_record.h"
+#include "companion/tracking_update.h"
+#include "frame_companion.h"
+#include "resources.h"
+#include "runtime/clock.h"
+#include "runtime/wait.h"
+
+namespace bench::scenarios {
+namespace {
+
+constexpr std::int64_t kMiB = 1024 * 1024;
+using std::chrono::milliseconds;
+
+void Reconnects(ScenarioRun& run) {
+  DriverLife life(run, Mode::kLayers, WatchHeap);
+  life.Start();
+  const int rounds = run.Rounds(1000, 9);
+  Growth growth(rounds);
+  for (int round = 1; round <= rounds && run.Failures().empty(); ++round) {
+    FrameCompanion companion;
+    CheckConnection(run, life, companion);
+    growth.Sample(round);
+  }
+  growth.Judge(run, 12 * kMiB);
+}
+
+// One of each message that changes nothing for good.
+Bytes MessageBlock(float x) {
+  Bytes block;
+  const auto add = [&](const Bytes& message) { block.insert(block.end(), message.begin(), message.end()); };
+  for (int i = 0; i < 12; ++i) add(EncodeQuaternionAndPosition({}, {x, 1, 0}));
+  add(EncodeSensors({}));
+  add(EncodeEulerAngles(0, 0, 0, {x, 1, 0}));
+  add(EncodeRecenterRequest());
+  for (std::uint32_t id = 1; id <= 4; ++id) add(EncodeControllerUpdate({.controllerId = id}));
+  add(EncodeMessage(3, Bytes(100)));
+  return block;
+}
+
+void Messages(ScenarioRun& run) {
+  constexpr int kInBlock = 20;
+  constexpr int kBlocksInRound = 50;
+  DriverLife life(run, Mode::kLayers, WatchHeap);
+  life.Start();
+  FrameCompanion companion;
+  if (!CheckConnection(run, life, companion)) return;
+  const int rounds = run.Rounds(1'000'000, 20'000) / kInBlock / kBlocksInRound;
+  Growth growth(rounds);
+  float x = 0;
+  const std::int64_t begin = runtime::NowTicks();
+  for (int round = 1; round <= rounds && run.Failures().empty(); ++round) {
+    for (int block = 0; block < kBlocksInRound; ++block) {
+      run.Check(companion.Pipes().Send(MessageBlock(x)), "the driver reads");
+    }
+    run.Check(PoseArrives(life, companion.Pipes(), ++x), "all messages have been taken in");
+    life.ActivatePending();
+    life.RunFrame();
+    growth.Sample(round);
+  }
+  const double seconds = runtime::TicksToSeconds(runtime::NowTicks() - begin);
+  run.Figure("%.0f messages a second", rounds * kInBlock * kBlocksInRound / seconds);
+  growth.Judge(run, 2 * kMiB);
+}
+
+void Frames(ScenarioRun& run) {
+  constexpr int kFramesInRound = 5;
+  DriverLife life(run, Mode::kLayers, WatchHeap);
+  life.Start();
+  FrameCompanion companion;
+  if (!CheckConnection(run, life, companion)) return;
+  const int rounds = run.Rounds(100'000, 120) / kFramesInRound;
+  Growth growth(rounds);
+  const std::int64_t begin = runtime::NowTicks();
+  for (int round = 1; round <= rounds && run.Failures().empty(); ++round) {
+    const std::string fault = PlayFrames(life, companion, kFramesInRound);
+    run.Check(fault.empty(), "frames come: " + fault);
+    growth.Sample(round);
+  }
+  const double seconds = runtime::TicksToSeconds(runtime::NowTicks() - begin);
+  run.Figure("%.0f frames a second", rounds * kFramesInRound / seconds);
+  growth.Judge(run, 2 * kMiB);
+}
+
+// Direct3D ends its threads in its own time.
+bool IsAsBefore(const Held& before) {
+  return WaitUntil(
+      [&] {
+        const Held now = ReadHeld();
+        return now.threads <= before.threads && now.handles <= before.handles && now.graphics == 0;
+      },
+      milliseconds(kPatienceMs));
+}
+
+// What a library that is only loaded and unloaded frees more than it allocates: its first blocks come before any watch.
+std::int64_t BlocksOfLoading(ScenarioRun& run) {
+  const std::int64_t before = ReadHeld().driverBlocks;
+  { const DriverLife unused(run, Mode::kLayers, WatchHeap); }
+  return ReadHeld().driverBlocks - before;
+}
+
+// The library comes and goes in one process, each time with a whole session.
+void LoadCycles(ScenarioRun& run) {
+  constexpr int kModes = 2;
+  const int rounds = run.Rounds(200, 6);
+  const std::int64_t ofLoading = BlocksOfLoading(run);
+  const std::int64_t blocksBefore = ReadHeld().driverBlocks;
+  Growth growth(rounds);
+  Held first;
+  for (int round = 1; round <= rounds && run.Failures().empty(); ++round) {
+    {
+      DriverLife life(run, round % 2 == 0 ? Mode::kTexture : Mode::kLayers, WatchHeap);
+      life.Start();
+      FrameCompanion companion;
+      CheckConnection(run, life, companion);
+    }
+    run.Check(GetModuleHandleA("driver_ombrel.dll") == nullptr, "the library has gone");
+    // What the stand-ins keep is there after a round in each mode.
+    if (round == kModes) first = ReadHeld();
+    if (round > kModes) run.Check(IsAsBefore(first), "threads, handles and Direct3D objects are where they were");
+    growth.Sample(round);
+  }
+  growth.Judge(run, 12 * kMiB);
+  const std::int64_t left = ReadHeld().driverBlocks - blocksBefore - rounds * ofLoading;
+  run.Figure("%lld blocks of the driver left in all", static_cast<long long>(left));
+  run.Check(left == 0, "a life leaves no block of the driver behind");
+}
+
+constexpr std::array kScenarios{
+    Scenario{"growth_reconnects", Reconnects},
+    Scenario{"growth_messages", Messages},
+    Scenario{"growth_frames", Frames},
+    Scenario{"load_cycles", LoadCycles},
+};
+
+}  // namespace
+
+std::span<const Scenario> GrowthScenarios() { return kScenarios; }
+
+}  // namespace bench::scenarios

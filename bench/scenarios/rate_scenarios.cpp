@@ -1,0 +1,110 @@
+// Frame rates that nobody can mean: no caller is held longer than it may be.
+#include <windows.h>
+
+#include <array>
+#include <future>
+
+#include "companion/messages.h"
+#include "frame_companion.h"
+#include "runtime/clock.h"
+#include "runtime/keyed_texture.h"
+#include "runtime/wait.h"
+
+namespace bench::scenarios {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr std::array<std::uint32_t, 4> kRates{0, 1, 0x80000000U, 0xFFFFFFFFU};
+
+template <typename Body>
+double TimeMs(Body body) {
+  const std::int64_t begin = runtime::NowTicks();
+  body();
+  return runtime::TicksToMilliseconds(runtime::NowTicks() - begin);
+}
+
+// The texture that the driver is to take next, held from its companion's side.
+class HeldOutputs {
+ public:
+  explicit HeldOutputs(const FrameSharingInfo& info) {
+    for (std::size_t i = 0; i < textures_.size(); ++i) {
+      const auto handle = reinterpret_cast<HANDLE>(static_cast<std::uintptr_t>(info.sharedHandles[i]));
+      RequireOk(CompanionDevice()->OpenSharedResource(handle, IID_PPV_ARGS(&textures_[i])), "opening an output");
+      RequireOk(textures_[i].As(&mutexes_[i]), "finding its mutex");
+    }
+  }
+  // Takes the one that the driver does not hold; the driver then waits for it at its next frame.
+  void TakeFree() {
+    while (held_ == nullptr) {
+      for (auto& mutex : mutexes_) {
+        if (held_ == nullptr && mutex->AcquireSync(0, 1) == S_OK) held_ = mutex.Get();
+      }
+    }
+  }
+  ~HeldOutputs() {
+    if (held_ != nullptr) held_->ReleaseSync(0);
+  }
+  HeldOutputs(const HeldOutputs&) = delete;
+  HeldOutputs& operator=(const HeldOutputs&) = delete;
+
+ private:
+  std::array<Microsoft::WRL::ComPtr<ID3D11Texture2D>, 2> textures_;
+  std::array<Microsoft::WRL::ComPtr<IDXGIKeyedMutex>, 2> mutexes_;
+  IDXGIKeyedMutex* held_ = nullptr;
+};
+
+void PlayAtRate(ScenarioRun& run, DriverLife& life, FrameCompanion& companion, std::uint32_t rate) {
+  static float x = 0;
+  static KeyedTexture runtimes(*RuntimeDevice().Get(), 1000, 600, DXGI_FORMAT_R8G8B8A8_UNORM);
+  run.Check(companion.Pipes().Send(EncodeFramerateUpdate(rate)) && PoseArrives(life, companion.Pipes(), ++x),
+            "the driver takes the rate");
+  auto waits = std::async(std::launch::async, [&] {
+    life.WaitForNext();
+    return TimeMs([&] { life.WaitForNext(); });
+  });
+  double outputMs = 0;
+  {
+    HeldOutputs outputs(companion.Announced());
+    outputs.TakeFree();
+    const PoseStream poses(companion.Pipes());
+    outputMs = TimeMs([&] { life.Present(life.HasLayers() ? 0 : runtimes.Handle()); });
+  }
+  double runtimesMs = 0;
+  if (runtimes.Acquire(milliseconds(1000))) {
+    const PoseStream poses(companion.Pipes());
+    runtimesMs = TimeMs([&] { life.Present(runtimes.Handle()); });
+    runtimes.Release();
+  }
+  run.Figure("at %u: Present held by the companion %.0f ms, by the runtime %.0f ms, pacing %.0f ms", rate, outputMs,
+             runtimesMs, waits.get());
+}
+
+void FrameRates(ScenarioRun& run, Mode mode) {
+  DriverLife life(run, mode);
+  life.Start();
+  FrameCompanion companion;
+  if (!CheckConnection(run, life, companion)) return;
+  for (const std::uint32_t rate : kRates) {
+    // Both modes wait by the same rules.
+    if (rate == 1 && mode == Mode::kTexture && !run.isLong) continue;
+    PlayAtRate(run, life, companion, rate);
+  }
+  run.Check(companion.Pipes().Send(EncodeFramerateUpdate(60)), "the link is up");
+  const std::string fault = PlayFrames(life, companion, 3);
+  run.Check(fault.empty(), "frames come at 60 again: " + fault);
+}
+
+void FrameRatesLayers(ScenarioRun& run) { FrameRates(run, Mode::kLayers); }
+void FrameRatesTexture(ScenarioRun& run) { FrameRates(run, Mode::kTexture); }
+
+constexpr std::array kScenarios{
+    Scenario{"frame_rates", FrameRatesLayers},
+    Scenario{"frame_rates_virtual", FrameRatesTexture},
+};
+
+}  // namespace
+
+std::span<const Scenario> RateScenarios() { return kScenarios; }
+
+}  // namespace bench::scenarios

@@ -1,0 +1,141 @@
+#include "resources.h"
+
+#include <windows.h>
+// windows.h must come first.
+#include <psapi.h>
+#include <tlhelp32.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
+#include <stdexcept>
+
+#include "companion/owned_handle.h"
+#include "driver_life.h"
+#include "handle_count.h"
+#include "sharing/counters.h"
+#include "sharing/import_patch.h"
+
+namespace bench::scenarios {
+namespace {
+
+constexpr int kSamples = 40;
+
+std::int64_t CountThreads() {
+  std::int64_t count = 0;
+  const OwnedHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
+  THREADENTRY32 entry{};
+  entry.dwSize = sizeof(entry);
+  for (BOOL more = Thread32First(snapshot.Get(), &entry); more != 0; more = Thread32Next(snapshot.Get(), &entry)) {
+    if (entry.th32OwnerProcessID == GetCurrentProcessId()) ++count;
+  }
+  return count;
+}
+
+std::int64_t CountGraphics() {
+  const Counters live = ReadCounters(DeviceGroup::kIntercepted);
+  return live.liveDevices + live.liveTextures + live.liveBuffers + live.liveViews + live.liveShaders + live.liveStates +
+         live.heldMutexes;
+}
+
+std::int64_t ReadPrivateBytes() {
+  PROCESS_MEMORY_COUNTERS memory{};
+  GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof(memory));
+  return static_cast<std::int64_t>(memory.PagefileUsage);
+}
+
+std::atomic<std::int64_t> liveBlocks = 0;
+
+void* CountedMalloc(std::size_t size) {
+  void* block = std::malloc(size);
+  if (block != nullptr) ++liveBlocks;
+  return block;
+}
+
+void* CountedCalloc(std::size_t count, std::size_t size) {
+  void* block = std::calloc(count, size);
+  if (block != nullptr) ++liveBlocks;
+  return block;
+}
+
+void* CountedRealloc(void* block, std::size_t size) {
+  void* moved = std::realloc(block, size);
+  if (block == nullptr && moved != nullptr) ++liveBlocks;
+  return moved;
+}
+
+void CountedFree(void* block) {
+  if (block != nullptr) --liveBlocks;
+  std::free(block);
+}
+
+template <typename Function>
+bool Replace(void* module, const char* name, Function* replacement) {
+  return ReplaceImport(static_cast<HMODULE>(module), "msvcrt.dll", name, reinterpret_cast<void*>(replacement));
+}
+
+}  // namespace
+
+Held ReadHeld() {
+  return {CountThreads(), CountOwnHandles(), CountGraphics(), ReadPrivateBytes(), liveBlocks - DriverLife::SetsMade()};
+}
+
+void WatchHeap(void* module) {
+  if (!Replace(module, "malloc", &CountedMalloc) || !Replace(module, "free", &CountedFree)) {
+    throw std::runtime_error("the driver's heap cannot be watched");
+  }
+  // Not every build uses these.
+  static_cast<void>(Replace(module, "calloc", &CountedCalloc));
+  static_cast<void>(Replace(module, "realloc", &CountedRealloc));
+}
+
+void Growth::Sample(int round) {
+  const int warmUp = rounds_ / 4;
+  const int step = std::max(1, (rounds_ - warmUp) / kSamples);
+  if (round < warmUp || ((round - warmUp) % step != 0 && round != rounds_)) return;
+  points_.push_back({round, ReadHeld()});
+}
+
+// The line that fits the points best, by least squares.
+double Growth::BytesPerRound() const {
+  const auto count = static_cast<double>(points_.size());
+  double meanRound = 0, meanBytes = 0;
+  for (const Point& point : points_) {
+    meanRound += point.round / count;
+    meanBytes += static_cast<double>(point.held.privateBytes) / count;
+  }
+  double above = 0, below = 0;
+  for (const Point& point : points_) {
+    above += (point.round - meanRound) * (static_cast<double>(point.held.privateBytes) - meanBytes);
+    below += (point.round - meanRound) * (point.round - meanRound);
+  }
+  return below > 0 ? above / below : 0;
+}
+
+std::int64_t Growth::LowestBytes(std::size_t begin, std::size_t end) const {
+  std::int64_t lowest = points_[begin].held.privateBytes;
+  for (std::size_t i = begin; i < end; ++i) lowest = std::min(lowest, points_[i].held.privateBytes);
+  return lowest;
+}
+
+void Growth::Judge(ScenarioRun& run, std::int64_t allowedBytes) const {
+  if (!run.Check(points_.size() > 3, "there are samples")) return;
+  const Held& warm = points_.front().held;
+  const Held& end = points_.back().held;
+  const std::size_t half = points_.size() / 2;
+  const auto number = [](std::int64_t value) { return static_cast<long long>(value); };
+  run.Figure(
+      "%d rounds, after warm-up and at the end: threads %lld %lld, handles %lld %lld, Direct3D objects %lld %lld",
+      rounds_, number(warm.threads), number(end.threads), number(warm.handles), number(end.handles),
+      number(warm.graphics), number(end.graphics));
+  run.Figure("driver's blocks %+lld, private KiB %lld %lld, slope %.1f bytes a round",
+             number(end.driverBlocks - warm.driverBlocks), number(warm.privateBytes / 1024),
+             number(end.privateBytes / 1024), BytesPerRound());
+  run.Check(end.threads <= warm.threads, "no thread more than after warm-up");
+  run.Check(end.handles <= warm.handles, "no handle more than after warm-up");
+  run.Check(end.graphics <= warm.graphics, "no Direct3D object more than after warm-up");
+  run.Check(end.driverBlocks <= warm.driverBlocks, "the driver has no block more than after warm-up");
+  run.Check(LowestBytes(half, points_.size()) <= LowestBytes(0, half) + allowedBytes, "memory does not grow");
+}
+
+}  // namespace bench::scenarios
