@@ -13,7 +13,8 @@
 namespace ombrel {
 
 // The provider that the runtime loads the library for: one object, as old as the library. It makes the devices, keeps
-// them, and ticks them. The runtime calls it on its server thread, the link's reader thread reports controllers.
+// them, and ticks them. The runtime calls it on its server thread, the link's reader thread reports controllers. Calls
+// that may wait say so; none waits longer than it says, whatever the companion does.
 class CServerDriver_Ombrel final : public vr::IServerTrackedDeviceProvider, public IControllerUpdatedListener {
  public:
   CServerDriver_Ombrel() = default;
@@ -22,7 +23,8 @@ class CServerDriver_Ombrel final : public vr::IServerTrackedDeviceProvider, publ
   CServerDriver_Ombrel& operator=(const CServerDriver_Ombrel&) = delete;
 
   // 0, or VRInitError_Init_InterfaceNotFound, or VRInitError_Init_HmdNotFound when the companion program is not
-  // running. May be called again after a failure and after Cleanup; does nothing while there is a headset.
+  // running. May be called again after a failure and after Cleanup; does nothing while there is a headset. Waits for
+  // nothing but Direct3D, which makes a device.
   vr::EVRInitError Init(vr::IVRDriverContext* pDriverContext) override;
   // Takes 0.4 seconds, and up to two more while a frame under way waits for a keyed mutex. The library may be unloaded
   // when it has returned.

@@ -40,7 +40,8 @@ class OmbrelCore final : public IFramerateUpdatedListener,
   void PrepareOutput(const OutputConfiguration& configuration);
 
   // Direct mode, on the runtime's threads: composes the layers into the current output and passes it to the companion.
-  // Empties the list, unless the link is down. Returns within two frame periods.
+  // Empties the list, unless the link is down. Waits two frame periods at most, two seconds in any case, and for the
+  // announcement as OutgoingPipe says.
   void HandOffLayers(std::uint64_t syncTexture, std::vector<LayerRecord>& layers, const FramePose& pose);
   // Virtual display, likewise: copies one finished texture, then waits until a pose has come that no frame answers yet,
   // or the link goes down.
