@@ -2,6 +2,7 @@
 #include <windows.h>
 
 #include <array>
+#include <string>
 
 #include "companion/controller_record.h"
 #include "companion/tracking_update.h"
@@ -16,16 +17,30 @@ namespace {
 constexpr std::int64_t kMiB = 1024 * 1024;
 using std::chrono::milliseconds;
 
+// Rounds until they are done, something failed, or they take too long for a soak of an hour; then it says so.
+template <typename Play>
+void PlayRounds(ScenarioRun& run, Growth& growth, int rounds, Play play) {
+  constexpr double kLongestSeconds = 1500;
+  const std::int64_t begin = runtime::NowTicks();
+  for (int round = 1; round <= rounds && run.Failures().empty(); ++round) {
+    play();
+    growth.Sample(round);
+    if (runtime::TicksToSeconds(runtime::NowTicks() - begin) > kLongestSeconds) {
+      run.Skip("rounds " + std::to_string(round + 1) + " to " + std::to_string(rounds) + ": they would take too long");
+      return;
+    }
+  }
+}
+
 void Reconnects(ScenarioRun& run) {
   DriverLife life(run, Mode::kLayers, WatchHeap);
   life.Start();
   const int rounds = run.Rounds(1000, 9);
   Growth growth(rounds);
-  for (int round = 1; round <= rounds && run.Failures().empty(); ++round) {
+  PlayRounds(run, growth, rounds, [&] {
     FrameCompanion companion;
     CheckConnection(run, life, companion);
-    growth.Sample(round);
-  }
+  });
   growth.Judge(run, 12 * kMiB);
 }
 
@@ -76,13 +91,14 @@ void Frames(ScenarioRun& run) {
   const int rounds = run.Rounds(100'000, 120) / kFramesInRound;
   Growth growth(rounds);
   const std::int64_t begin = runtime::NowTicks();
-  for (int round = 1; round <= rounds && run.Failures().empty(); ++round) {
+  int frames = 0;
+  PlayRounds(run, growth, rounds, [&] {
     const std::string fault = PlayFrames(life, companion, kFramesInRound);
     run.Check(fault.empty(), "frames come: " + fault);
-    growth.Sample(round);
-  }
+    frames += kFramesInRound;
+  });
   const double seconds = runtime::TicksToSeconds(runtime::NowTicks() - begin);
-  run.Figure("%.0f frames a second", rounds * kFramesInRound / seconds);
+  run.Figure("%d frames, %.0f a second", frames, frames / seconds);
   growth.Judge(run, 2 * kMiB);
 }
 
