@@ -2,9 +2,8 @@
 
 #include <atomic>
 #include <cstdint>
-#include <string>
-#include <thread>
 
+#include "counter.h"
 #include "support/fake_companion.h"
 
 namespace ombrel::test {
@@ -23,9 +22,7 @@ class StressCompanion {
     std::uint32_t headUpdates = 0;
     std::uint32_t controllerUpdates = 0;
     std::uint32_t others = 0;
-    std::atomic<std::uint32_t> announcements{0};
-    std::atomic<std::uint32_t> haptics{0};
-    std::atomic<std::uint32_t> wrongMessages{0};
+    Counter announcements, haptics, wrongMessages;
   };
   [[nodiscard]] const Work& Done() const { return done_; }
 

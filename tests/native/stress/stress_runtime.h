@@ -2,12 +2,12 @@
 
 #include <openvr_driver.h>
 
-#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <mutex>
 #include <vector>
 
+#include "counter.h"
 #include "hmd/hmd_driver.h"
 #include "server_driver_ombrel.h"
 #include "support/hooked_runtime.h"
@@ -19,11 +19,11 @@ namespace ombrel::test {
 class StressRuntime {
  public:
   struct Work {
-    std::atomic<std::uint32_t> serverTicks{0}, activations{0}, vibrations{0};
-    std::atomic<std::uint32_t> frames{0}, vsyncs{0}, swapSets{0};
-    std::atomic<std::uint32_t> headPosesSent{0}, controllerPosesSent{0}, headPosesAsked{0}, controllerPosesAsked{0};
-    std::atomic<std::uint32_t> inputs{0}, frequencies{0};
-    std::atomic<std::uint32_t> halfPoses{0};  // ever seen by anybody
+    Counter serverTicks, activations, vibrations;
+    Counter frames, vsyncs, swapSets;
+    Counter headPosesSent, controllerPosesSent, headPosesAsked, controllerPosesAsked;
+    Counter inputs, frequencies;
+    Counter halfPoses;  // ever seen by anybody
   };
 
   explicit StressRuntime(std::int32_t hmdMode);

@@ -42,14 +42,14 @@ class StressTest : public testing::TestWithParam<std::int32_t> {
   [[nodiscard]] bool HasEverybodyWorked() const {
     const StressRuntime::Work& done = runtime_.Done();
     const TripwireRenderer::Work& drawn = TripwireRenderer::Done();
-    std::vector<const std::atomic<std::uint32_t>*> counts{
-        &done.serverTicks,          &done.vibrations,  &done.frames,         &done.headPosesSent,      &done.inputs,
-        &done.controllerPosesAsked, &done.frequencies, &done.headPosesAsked, &done.controllerPosesSent};
+    std::vector<const Counter*> counts{&done.serverTicks,   &done.vibrations,     &done.frames,
+                                       &done.headPosesSent, &done.inputs,         &done.controllerPosesAsked,
+                                       &done.frequencies,   &done.headPosesAsked, &done.controllerPosesSent};
     const bool isDirect = GetParam() == kDirectMode;
     if (isDirect) counts.insert(counts.end(), {&drawn.layers, &done.swapSets});
     if (!isDirect) counts.push_back(&done.vsyncs);
     const bool hasCopied = isDirect || drawn.copies >= kConnections;
-    return hasCopied && std::ranges::all_of(counts, [](const auto* count) { return *count >= kEnough; });
+    return hasCopied && std::ranges::all_of(counts, [](const Counter* count) { return *count >= kEnough; });
   }
 
   std::atomic<bool> isOver_{false};

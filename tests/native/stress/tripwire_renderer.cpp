@@ -15,7 +15,7 @@ TripwireRenderer::Work& TripwireRenderer::Done() {
 
 void TripwireRenderer::Forget() {
   Work& work = Done();
-  for (auto* count : {&work.setUps, &work.layers, &work.copies, &work.swapTextures, &work.mixedLayers}) *count = 0;
+  for (auto* count : {&work.setUps, &work.layers, &work.copies, &work.swapTextures, &work.mixedLayers}) count->Reset();
 }
 
 void TripwireRenderer::Configure(const OutputConfiguration& output) { output_ = output; }
@@ -66,7 +66,7 @@ bool TripwireRenderer::CopyToOutput(std::uint64_t /*handle*/, std::int32_t /*out
 
 SwapTexture TripwireRenderer::CreateSwapTexture(const SwapTextureDesc& /*desc*/) {
   ++Done().swapTextures;
-  return {.handle = ++lastHandle_, .texture = std::make_shared<int>(0)};
+  return {.handle = 100 + lastHandle_++, .texture = std::make_shared<int>(0)};
 }
 
 }  // namespace test

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdint>
 
+#include "counter.h"
 #include "render/headset_renderer.h"
 
 namespace ombrel::test {
@@ -12,12 +13,8 @@ namespace ombrel::test {
 class TripwireRenderer final : public IHeadsetRenderer {
  public:
   struct Work {
-    std::atomic<std::uint32_t> setUps{0};
-    std::atomic<std::uint32_t> layers{0};
-    std::atomic<std::uint32_t> copies{0};
-    std::atomic<std::uint32_t> swapTextures{0};
-    // Layers whose textures or bounds were not of one submission.
-    std::atomic<std::uint32_t> mixedLayers{0};
+    Counter setUps, layers, copies, swapTextures;
+    Counter mixedLayers;  // whose textures or bounds were not of one submission
   };
   // Of all renderers since Forget.
   static Work& Done();
@@ -45,7 +42,7 @@ class TripwireRenderer final : public IHeadsetRenderer {
   std::uint64_t touched_ = 0;
   OutputConfiguration output_{};
   std::atomic<bool> ready_{false};
-  std::atomic<std::uint64_t> lastHandle_{99};
+  Counter lastHandle_;
 };
 
 }  // namespace ombrel::test
