@@ -7,7 +7,7 @@ build_packages=(cmake ninja-build g++-mingw-w64-x86-64-posix wine64
   nlohmann-json3-dev libcli11-dev libstb-dev googletest)
 display_packages=(xvfb libgl1 libgl1-mesa-dri libglx-mesa0)
 fuzz_packages=(g++ clang libclang-rt-dev llvm)
-test_packages=("${fuzz_packages[@]}" vkd3d-compiler spirv-tools)
+test_packages=(mesa-vulkan-drivers libvulkan1 "${fuzz_packages[@]}" vkd3d-compiler spirv-tools)
 
 say() {
   printf '\n== %s\n' "$*"
@@ -82,7 +82,7 @@ start_display() {
 
 stop_what_was_started() {
   local prefix
-  for prefix in "$wine_prefix" "${wine_prefix}_gpu"; do
+  for prefix in "$wine_prefix" "${wine_prefix}_gpu" "${wine_prefix}_dxvk"; do
     if [ -d "$prefix" ]; then
       WINEPREFIX=$prefix /usr/lib/wine/wineserver -k 2>/dev/null || true
     fi

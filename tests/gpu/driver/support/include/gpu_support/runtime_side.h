@@ -36,11 +36,15 @@ class RuntimeSide {
   // Paints it, under its keyed mutex if there is one. All formats with 4 bytes a pixel.
   void Paint(const Shared& shared, const Painter& painter);
 
+  // What a texture with a keyed mutex and 4 bytes a pixel shows.
+  [[nodiscard]] bench::Image See(std::uint64_t handle);
+
   // Whether a handle names a texture at this moment.
   [[nodiscard]] bool CanOpen(std::uint64_t handle);
   [[nodiscard]] D3D11_TEXTURE2D_DESC Describe(std::uint64_t handle);
 
  private:
+  [[nodiscard]] bench::Image Read(ID3D11Texture2D* texture);
   [[nodiscard]] ID3D11Device& Device();
   [[nodiscard]] ComPtr<ID3D11Texture2D> Open(std::uint64_t handle);
   void Write(ID3D11Texture2D* texture, const Painter& painter);
