@@ -33,8 +33,10 @@ void ControllerRegistry::ForgetLinks() {
   walk_.ForEach([](ControllerDevice* device) { device->ForgetLink(); });
 }
 
-void ControllerRegistry::Clear() {
+void ControllerRegistry::Retire() {
   walk_.Clear();
+  retired_.reserve(retired_.size() + controllers_.size());
+  for (auto& [id, device] : controllers_) retired_.push_back(std::move(device));
   controllers_.clear();
 }
 

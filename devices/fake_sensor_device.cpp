@@ -33,7 +33,7 @@ vr::EVRInitError FakeSensorDevice::Activate(std::uint32_t unObjectId) {
   Guarded([&] {
     Log("Activate fake sensor %d \n", static_cast<int>(unObjectId));
     propertyContainer_ = ContainerOf(unObjectId);
-    // Universe 1, not the headset's 18: that is how this device has always been announced.
+    // Universe 1, not the headset's 18: that is on purpose.
     const std::array<DeviceProperty, 11> properties{{
         {vr::Prop_FieldOfViewLeftDegrees_Float, 80.0F},
         {vr::Prop_FieldOfViewRightDegrees_Float, 80.0F},

@@ -38,7 +38,7 @@ CServerDriver_Ombrel::~CServerDriver_Ombrel() {
 
 vr::EVRInitError CServerDriver_Ombrel::Init(vr::IVRDriverContext* pDriverContext) {
   if (headset_ != nullptr) return vr::VRInitError_None;
-  const vr::EVRInitError result = GuardedOr(vr::VRInitError_Init_Internal, [&] {
+  const vr::EVRInitError result = GuardedOr(vr::VRInitError_Init_HmdNotFound, [&] {
     const vr::EVRInitError error = Context().Init(pDriverContext);
     if (error != vr::VRInitError_None) return error;
     SetLogSinkIfNone(Context().DriverLog());
@@ -50,19 +50,23 @@ vr::EVRInitError CServerDriver_Ombrel::Init(vr::IVRDriverContext* pDriverContext
 }
 
 vr::EVRInitError CServerDriver_Ombrel::InitDevices() {
+  RetireDevices();
   fakeSensorEnabled_ = ReadBoolSetting("fakeSensorEnabled", true);
   if (!IsCompanionRunning(ListProcesses())) {
     Log("Pellmor not active\n");
     return vr::VRInitError_Init_HmdNotFound;
   }
   Log("Ombrel process is running\n");
-  // What an earlier session left: this one's runtime has not heard of it.
-  devices_.clear();
-  controllers_.Clear();
-  fakeSensor_.reset();
   AddHeadset();
   if (fakeSensorEnabled_) AddFakeSensor();
   return vr::VRInitError_None;
+}
+
+// What an earlier session left is no part of this one, but its runtime may still ask it for a pose.
+void CServerDriver_Ombrel::RetireDevices() {
+  devices_.clear();
+  controllers_.Retire();
+  if (fakeSensor_ != nullptr) retiredSensors_.push_back(std::move(fakeSensor_));
 }
 
 void CServerDriver_Ombrel::AddHeadset() {
@@ -89,6 +93,7 @@ void CServerDriver_Ombrel::Cleanup() {
     ClearLogSink();
     if (headset_ == nullptr) return;
     headset_->Core().StopLink();
+    // Nobody is in here any more; the runtime's own threads get the time to take in what they were told last.
     SleepMs(kLinkStopMs);
     SleepMs(kBeforeReleaseMs);
     ReleaseHeadset();

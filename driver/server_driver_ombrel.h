@@ -23,15 +23,15 @@ class CServerDriver_Ombrel final : public vr::IServerTrackedDeviceProvider, publ
   CServerDriver_Ombrel& operator=(const CServerDriver_Ombrel&) = delete;
 
   // 0, or VRInitError_Init_InterfaceNotFound, or VRInitError_Init_HmdNotFound when the companion program is not
-  // running. May be called again after a failure and after Cleanup; does nothing while there is a headset. Waits for
+  // running or there is no memory for a headset. May be called again after a failure and after Cleanup; does nothing while there is a headset. Waits for
   // nothing but Direct3D, which makes a device.
   vr::EVRInitError Init(vr::IVRDriverContext* pDriverContext) override;
   // Takes 0.4 seconds, and up to two more while a frame under way waits for a keyed mutex. The library may be unloaded
-  // when it has returned.
+  // when it has returned. A runtime that keeps a call of the link's threads (a pose, a device) waiting keeps this waiting.
   void Cleanup() override;
   const char* const* GetInterfaceVersions() override;
-  // Waits only when the companion does not read what is written to it: 0.6 seconds at most, 1.2 when a frame's
-  // announcement waits at the same time, and then not again for two seconds.
+  // Waits only when the companion does not read what is written to it: for a haptic pulse 0.6 seconds at most, 1.2 when a
+  // frame's announcement waits at the same time, and then not again for two seconds.
   void RunFrame() override;
   bool ShouldBlockStandbyMode() override;
   void EnterStandby() override;
@@ -41,6 +41,7 @@ class CServerDriver_Ombrel final : public vr::IServerTrackedDeviceProvider, publ
 
  private:
   vr::EVRInitError InitDevices();
+  void RetireDevices();
   void AddHeadset();
   void AddFakeSensor();
   void ReleaseHeadset();
@@ -52,6 +53,7 @@ class CServerDriver_Ombrel final : public vr::IServerTrackedDeviceProvider, publ
   ControllerRegistry controllers_;
   std::unique_ptr<HMDDriver> headset_;
   std::unique_ptr<FakeSensorDevice> fakeSensor_;
+  std::vector<std::unique_ptr<FakeSensorDevice>> retiredSensors_;
   std::vector<vr::ITrackedDeviceServerDriver*> devices_;  // all that the runtime got from Init
 };
 

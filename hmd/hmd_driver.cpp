@@ -39,6 +39,9 @@ void HMDDriver::ListenToLink() {
   core_.Client().AddListener(static_cast<IFramerateUpdatedListener*>(this));
   // Behind the headset: a pose goes to the runtime before anybody waits for the frame gate.
   core_.Client().AddListener(static_cast<ITrackingUpdatedListener*>(&core_));
+  // The link has been up for as long as a device takes to be made: a rate that came meanwhile reached the core alone.
+  const std::uint32_t rate = core_.FramesPerSecond();
+  if (rate != OmbrelCore::kInitialFramesPerSecond) OnFramerateUpdated(rate);
 }
 
 void HMDDriver::ApplySettings() {
@@ -62,34 +65,43 @@ void HMDDriver::LogConfiguration() const {
 }
 
 vr::EVRInitError HMDDriver::Activate(std::uint32_t unObjectId) {
+  // One by one: what fails does not keep the headset from the rest.
+  Guarded([&] { propertyContainer_ = ContainerOf(unObjectId); });
+  Guarded([&] { Log("HMD activated with id %d \n", static_cast<int>(unObjectId)); });
+  deviceIndex_ = unObjectId;
+  Guarded([&] { WriteHeadsetProperties(); });
   Guarded([&] {
-    propertyContainer_ = ContainerOf(unObjectId);
-    Log("HMD activated with id %d \n", static_cast<int>(unObjectId));
-    deviceIndex_ = unObjectId;
-    WriteHeadsetProperties();
     core_.PrepareOutput({.format = kFormatR8G8B8A8Unorm,
                          .width = static_cast<std::uint32_t>(geometry_.windowWidth),
                          .height = static_cast<std::uint32_t>(geometry_.windowHeight),
                          .invertY = 0});
-    CreateProximityInput();
-    PublishPose();
   });
+  Guarded([&] { CreateProximityInput(); });
+  Guarded([&] { PublishPose(); });
   return vr::VRInitError_None;
 }
 
 void HMDDriver::WriteHeadsetProperties() {
+  const float frequency = displayFrequency_;
   const std::array<DeviceProperty, 10> properties{{
       {vr::Prop_IsOnDesktop_Bool, false},
       {vr::Prop_ContainsProximitySensor_Bool, true},
       {vr::Prop_UserIpdMeters_Float, ipdMeters_},
       {vr::Prop_UserHeadToEyeDepthMeters_Float, 0.0F},
-      {vr::Prop_DisplayFrequency_Float, displayFrequency_.load()},
+      {vr::Prop_DisplayFrequency_Float, frequency},
       {vr::Prop_SecondsFromVsyncToPhotons_Float, secondsFromVsyncToPhotons_},
       {vr::Prop_DeviceClass_Int32, std::int32_t{vr::TrackedDeviceClass_HMD}},
       {vr::Prop_CurrentUniverseId_Uint64, kUniverseId},
       {vr::Prop_ModelNumber_String, modelNumber_.c_str()},
       {vr::Prop_SerialNumber_String, serialNumber_.c_str()},
   }};
+  WriteProperties(propertyContainer_, properties);
+  // The reader thread may have written a newer one meanwhile, which is to stand.
+  if (const float newest = displayFrequency_; newest != frequency) WriteDisplayFrequency(newest);
+}
+
+void HMDDriver::WriteDisplayFrequency(float frequency) {
+  const std::array<DeviceProperty, 1> properties{{{vr::Prop_DisplayFrequency_Float, frequency}}};
   WriteProperties(propertyContainer_, properties);
 }
 
@@ -136,8 +148,7 @@ void HMDDriver::OnTrackingUpdated() {
 void HMDDriver::OnFramerateUpdated(std::uint32_t framesPerSecond) {
   const auto frequency = static_cast<float>(static_cast<std::int32_t>(framesPerSecond));
   displayFrequency_ = frequency;
-  const std::array<DeviceProperty, 1> properties{{{vr::Prop_DisplayFrequency_Float, frequency}}};
-  WriteProperties(propertyContainer_, properties);
+  WriteDisplayFrequency(frequency);
   Log("Updating headset fps, new value: %f \n", static_cast<double>(frequency));
 }
 

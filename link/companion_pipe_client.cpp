@@ -39,11 +39,9 @@ void CompanionPipeClient::Stop() {
 OutgoingPipe::Result CompanionPipeClient::Send(LinkMessageType type, std::span<const std::byte> payload) {
   if (!IsConnected()) return OutgoingPipe::Result::kSent;
   const OutgoingPipe::Result result = writePipe_.Write(type, payload);
-  if (result == OutgoingPipe::Result::kBroken) {
-    // Half a message is out: only a new connection puts the stream in step again.
-    connected_.store(false, std::memory_order_release);
-    wake_.WakeAll();
-  }
+  // Half a message is out: only a new connection puts the stream in step again. The connect thread sees to it, since this
+  // thread may be so late that there is a new one already.
+  if (result == OutgoingPipe::Result::kBroken) wake_.WakeAll();
   return result;
 }
 
@@ -51,7 +49,7 @@ void CompanionPipeClient::RunConnectThread() {
   bool reported = false;
   // Noted before asking, here and below: a Stop in between then ends the wait at once.
   for (std::uint32_t seen = wake_.Generation(); IsRunning(); seen = wake_.Generation()) {
-    if (reported && !IsConnected()) {
+    if (reported && (!IsConnected() || writePipe_.IsBroken())) {
       EndConnection();
       reported = false;
       ReportConnectionState();
@@ -69,6 +67,7 @@ void CompanionPipeClient::RunConnectThread() {
 bool CompanionPipeClient::TryConnect() try {
   if (!OpenPipes()) return false;
   // Marked up before the reader starts: one that ends at once must find it so, to mark it down again.
+  writePipe_.Admit();
   newConnection_.store(true, std::memory_order_release);
   connected_.store(true, std::memory_order_release);
   framer_.Reset();

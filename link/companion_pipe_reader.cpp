@@ -2,6 +2,7 @@
 #include "link/companion_pipe_client.h"
 #include "link/session_shutdown.h"
 #include "platform/clock.h"
+#include "platform/guarded.h"
 
 namespace ombrel {
 
@@ -45,14 +46,16 @@ void CompanionPipeClient::OnTrackingUpdate(std::span<const std::byte> payload) {
   if (outcome == HeadPoseTracker::Outcome::kTooShort) return;
   if (outcome == HeadPoseTracker::Outcome::kPublished) publishedPose_.Store(headPose_.Record());
   hasTrackingData_.store(true, std::memory_order_release);
-  trackingListeners_.ForEach([](ITrackingUpdatedListener* listener) { listener->OnTrackingUpdated(); });
+  // One by one: the pose is counted even if the runtime would not have it.
+  trackingListeners_.ForEach(
+      [](ITrackingUpdatedListener* listener) { Guarded([=] { listener->OnTrackingUpdated(); }); });
 }
 
 void CompanionPipeClient::OnFramerateUpdate(std::span<const std::byte> payload) {
   if (payload.size() < sizeof(std::uint32_t)) return;
   const auto framesPerSecond = ReadRecord<std::uint32_t>(payload);
   framerateListeners_.ForEach(
-      [=](IFramerateUpdatedListener* listener) { listener->OnFramerateUpdated(framesPerSecond); });
+      [=](IFramerateUpdatedListener* listener) { Guarded([=] { listener->OnFramerateUpdated(framesPerSecond); }); });
 }
 
 void CompanionPipeClient::OnControllerUpdate(std::span<const std::byte> payload) {

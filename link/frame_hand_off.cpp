@@ -31,6 +31,7 @@ void OmbrelCore::HandOffTexture(std::uint64_t texture) {
   const SubmissionGate::Pass pass(streamingActive_);
   if (!pass) return;
   std::unique_lock lock(stateMutex_);
+  if (!streamingActive_.IsOpen()) return;  // it closed while the lock was waited for
   SendFrameSharingInfo();
   if (!renderer_->CopyToOutput(texture, currentTexture_, lastAcquireSucceeded_, AcquireTimeoutMs())) return;
   ++submittedFrames_;

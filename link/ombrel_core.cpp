@@ -13,6 +13,7 @@ OmbrelCore::OmbrelCore(std::unique_ptr<IFrameRenderer> renderer)
       renderer_(std::move(renderer)),
       framePeriodMs_(FramePeriodMs(framesPerSecond_.load())) {
   pacing_.Open();
+  calls_.Open();
 }
 
 void OmbrelCore::SetUp() {
@@ -34,6 +35,8 @@ void OmbrelCore::StopLink() {
     EndStreaming();
   }
   pacing_.Drain();
+  calls_.Close();
+  calls_.Drain();
 }
 
 void OmbrelCore::PrepareOutput(const OutputConfiguration& configuration) {
@@ -59,14 +62,19 @@ void OmbrelCore::OnConnectionStateChanged() {
 // On the connect thread, or, when the companion was there before the output, on the server thread. setUpMutex_ is held,
 // stateMutex_ is not: poses go on while textures are made.
 void OmbrelCore::SetUpConnection() {
+  if (!setUpPending_ || !outputConfigured_) return;
+  {
+    // Ahead of the textures: poses that come while they are made count for this connection.
+    const std::lock_guard lock(stateMutex_);
+    submittedFrames_ = -1;
+    trackingUpdates_ = 0;
+  }
   // Not whether the renderer is ready: textures that could not be made for one connection may be for the next.
-  if (!setUpPending_ || !outputConfigured_ || !renderer_->CreateOutputTextures()) return;
+  if (!renderer_->CreateOutputTextures()) return;
   setUpPending_ = false;
   currentTexture_ = 1;
   AcquireNextTexture();
   const std::lock_guard lock(stateMutex_);
-  submittedFrames_ = -1;
-  trackingUpdates_ = 0;
   // A link that dropped meanwhile is reported next, and its frames are not to be taken for those of another.
   if (client_.IsConnected()) streamingActive_.Open();
   stateChanged_.NotifyAll();

@@ -27,19 +27,30 @@ void OutgoingPipe::Close() {
     SleepMs(1);
   }
   pipe_.Close();
+  admitted_ = false;
+  broken_ = false;
   stalledAt_ = 0;
   mutex_.unlock();
 }
 
+void OutgoingPipe::Admit() {
+  const std::lock_guard lock(mutex_);
+  admitted_ = true;
+}
+
 OutgoingPipe::Result OutgoingPipe::Write(LinkMessageType type, std::span<const std::byte> payload) {
   const std::lock_guard lock(mutex_);
-  if (!pipe_.IsOpen()) return Result::kSent;
+  if (!admitted_) return Result::kSent;
   if (IsPausing()) return Result::kStalled;
   cancelled_.store(false, std::memory_order_release);
   writingSince_.store(PerformanceCounter(), std::memory_order_release);
   const Result result = WriteParts(type, payload);
   writingSince_.store(0, std::memory_order_release);
   stalledAt_ = result == Result::kStalled ? PerformanceCounter() : 0;
+  if (result == Result::kBroken) {
+    admitted_ = false;
+    broken_.store(true, std::memory_order_release);
+  }
   return result;
 }
 

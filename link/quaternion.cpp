@@ -22,7 +22,7 @@ Quaternion FromLargestDiagonal(const Matrix3x4& m) {
     return {(m[0][1] + m[1][0]) / s, s / 4.0F, (m[1][2] + m[2][1]) / s, (m[0][2] - m[2][0]) / s};
   }
   const float s = 2.0F * std::sqrt(1.0F + m[2][2] - m[0][0] - m[1][1]);
-  // m[1][1], not m[1][2]: companions rely on what has always come out here.
+  // m[1][1], not m[1][2] as in the textbooks: companions rely on it.
   return {(m[0][2] + m[2][0]) / s, (m[1][1] + m[2][1]) / s, s / 4.0F, (m[1][0] - m[0][1]) / s};
 }
 

@@ -2,6 +2,7 @@
 // windows.h must come first.
 #include <tlhelp32.h>
 
+#include <algorithm>
 #include <array>
 
 #include "platform/handle_win32.h"
@@ -27,8 +28,8 @@ std::vector<ProcessEntry> ListProcesses() {
 std::string OwnExecutablePath() {
   std::array<char, MAX_PATH> path{};
   const DWORD length = GetModuleFileNameA(nullptr, path.data(), MAX_PATH);
-  if (length == 0 || length >= MAX_PATH) return {};
-  return {path.data(), length};
+  // A longer path is cut off: its beginning is what counts.
+  return {path.data(), std::min<std::size_t>(length, path.size() - 1)};
 }
 
 void TerminateProcessById(std::uint32_t id) {

@@ -33,9 +33,11 @@ void DirectModeComponent::CreateSwapTextureSet(std::uint32_t unPid, const SwapTe
                                                vr::SharedTextureHandle_t (*handles)[kTexturesPerSet]) {
   Log("Create swap requested, w: %d, h: %d, format: %d samples: %d \n", static_cast<int>(desc->nWidth),
       static_cast<int>(desc->nHeight), static_cast<int>(desc->nFormat), static_cast<int>(desc->nSampleCount));
+  const SubmissionGate::Pass pass(core_.Calls());
+  if (!pass) return;
   const std::uint32_t setId = nextSetId_++;
   Guarded([&] {
-    // Never freed: four bytes a set, which this call has always left behind.
+    // Never freed: each call leaves four bytes behind, on purpose.
     [[maybe_unused]] const auto* const leftBehind = new std::int32_t(0);
     const SwapTextureDesc wanted{desc->nWidth, desc->nHeight, desc->nFormat, desc->nSampleCount};
     std::array<SwapTexture, kTexturesPerSet> made;
@@ -53,6 +55,8 @@ void DirectModeComponent::CreateSwapTextureSet(std::uint32_t unPid, const SwapTe
 
 void DirectModeComponent::DestroySwapTextureSet(vr::SharedTextureHandle_t sharedTextureHandle) {
   Log("Destroy set: %d\n", static_cast<int>(sharedTextureHandle));
+  const SubmissionGate::Pass pass(core_.Calls());
+  if (!pass) return;
   Guarded([&] {
     swapTextures_.RemoveSet(swapTextures_.FindSet(sharedTextureHandle),
                             [this](std::uint64_t handle) { textures_.UnregisterTexture(handle); });
@@ -60,6 +64,8 @@ void DirectModeComponent::DestroySwapTextureSet(vr::SharedTextureHandle_t shared
 }
 
 void DirectModeComponent::DestroyAllSwapTextureSets(std::uint32_t unPid) {
+  const SubmissionGate::Pass pass(core_.Calls());
+  if (!pass) return;
   Guarded([&] {
     swapTextures_.RemoveProcess(unPid, [this](std::uint64_t handle) { textures_.UnregisterTexture(handle); });
   });
@@ -79,6 +85,8 @@ void DirectModeComponent::SubmitLayer(const SubmitLayerPerEye_t (&perEye)[2], co
 }
 
 void DirectModeComponent::Present(vr::SharedTextureHandle_t syncTexture) {
+  const SubmissionGate::Pass pass(core_.Calls());
+  if (!pass) return;
   presentIndex_ = (presentIndex_ + 1) % kTexturesPerSet;
   Guarded([&] { core_.HandOffLayers(syncTexture, layers_, framePose_); });
   vr::DriverDirectMode_FrameTiming timing = frameTiming_.Load();
@@ -87,6 +95,8 @@ void DirectModeComponent::Present(vr::SharedTextureHandle_t syncTexture) {
 }
 
 void DirectModeComponent::PostPresent() {
+  const SubmissionGate::Pass pass(core_.Calls());
+  if (!pass) return;
   Guarded([&] { core_.WaitForNextFrame(); });
 }
 

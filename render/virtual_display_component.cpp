@@ -9,16 +9,23 @@ VirtualDisplayComponent::VirtualDisplayComponent(OmbrelCore& core, vr::IVRServer
     : core_(core), host_(host), counterFrequency_(PerformanceFrequency()) {}
 
 void VirtualDisplayComponent::Present(const vr::PresentInfo_t* pPresentInfo, std::uint32_t /*unPresentInfoSize*/) {
+  const SubmissionGate::Pass pass(core_.Calls());
+  if (!pass) return;
   Guarded([&] { core_.HandOffTexture(pPresentInfo->backbufferTextureHandle); });
   ++presents_;
 }
 
 void VirtualDisplayComponent::WaitForPresent() {
-  Guarded([&] {
-    core_.WaitForNextFrame();
+  vr::IVRServerDriverHost* host = nullptr;
+  {
+    const SubmissionGate::Pass pass(core_.Calls());
+    if (!pass) return;
+    Guarded([&] { core_.WaitForNextFrame(); });
     lastVsync_ = PerformanceCounter();
-    host_->VsyncEvent(0.0);
-  });
+    host = host_;
+  }
+  // Without the pass: a runtime that lets this call wait for Cleanup must not have Cleanup wait for this call.
+  Guarded([&] { host->VsyncEvent(0.0); });
 }
 
 bool VirtualDisplayComponent::GetTimeSinceLastVsync(float* pfSecondsSinceLastVsync, std::uint64_t* pulFrameCounter) {

@@ -63,6 +63,8 @@ void FakeServerHost::RefuseDevice(const std::string& serial) {
   refused_.insert(serial);
 }
 
+void FakeServerHost::ActivateAtOnce() { activateAtOnce_ = true; }
+
 void FakeServerHost::PushEvent(const vr::VREvent_t& event) {
   const std::lock_guard lock(mutex_);
   events_.push_back(event);
@@ -125,6 +127,9 @@ bool FakeServerHost::TrackedDeviceAdded(const char* pchDeviceSerialNumber, vr::E
   recorder_.Enter(
       "IVRServerDriverHost.TrackedDeviceAdded",
       {{"serial", device.serial}, {"class", static_cast<int>(eDeviceClass)}, {"accepted", device.accepted}});
+  if (device.accepted && activateAtOnce_) {
+    pDriver->Activate(device.index);
+  }
   return device.accepted;
 }
 

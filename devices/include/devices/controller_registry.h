@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <unordered_map>
+#include <vector>
 
 #include "devices/controller_device.h"
 #include "platform/append_only_list.h"
@@ -25,11 +26,12 @@ class ControllerRegistry {
 
   // While no link runs: the devices' way to the companion is gone.
   void ForgetLinks();
-  // While no link runs, and the runtime does not know the devices any more.
-  void Clear();
+  // While no link runs: from here on no id is known. The devices stay, since a runtime may still ask them.
+  void Retire();
 
  private:
-  std::unordered_map<std::uint32_t, std::unique_ptr<ControllerDevice>> controllers_;
+  std::unordered_map<std::uint32_t, std::unique_ptr<ControllerDevice>> controllers_;  // the reader thread's
+  std::vector<std::unique_ptr<ControllerDevice>> retired_;
   AppendOnlyList<ControllerDevice*> walk_;
 };
 

@@ -14,7 +14,7 @@ struct DisplayGeometry {
 };
 
 // The geometry that the settings ask for: the window before scaling, and the scale in percent. The scale enlarges only,
-// an eye's picture has at least 500 by 600 pixels (and at most what an int32 holds), and the window follows the scaled
+// an eye's picture has at least 500 by 600 pixels (and at most 1e9), and the window follows the scaled
 // picture.
 [[nodiscard]] DisplayGeometry ScaledGeometry(std::int32_t windowWidth, std::int32_t windowHeight,
                                              std::int32_t renderScalePercent);

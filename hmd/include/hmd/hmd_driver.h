@@ -66,6 +66,7 @@ class HMDDriver : public vr::ITrackedDeviceServerDriver,
   void ApplySettings();
   void LogConfiguration() const;
   void WriteHeadsetProperties();
+  void WriteDisplayFrequency(float frequency);
   void CreateProximityInput();
   void PublishPose();
   [[nodiscard]] bool IsActivated() const { return deviceIndex_ != vr::k_unTrackedDeviceIndexInvalid; }

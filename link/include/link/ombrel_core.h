@@ -20,6 +20,8 @@ class OmbrelCore final : public IFramerateUpdatedListener,
                          public IConnectionStateChangedListener,
                          public ITrackingUpdatedListener {
  public:
+  static constexpr std::uint32_t kInitialFramesPerSecond = 60;
+
   explicit OmbrelCore(std::unique_ptr<IFrameRenderer> renderer);
   ~OmbrelCore() { StopLink(); }
   OmbrelCore(const OmbrelCore&) = delete;
@@ -34,6 +36,13 @@ class OmbrelCore final : public IFramerateUpdatedListener,
   [[nodiscard]] CompanionPipeClient& Client() { return client_; }
   [[nodiscard]] IFrameRenderer& Renderer() { return *renderer_; }
   [[nodiscard]] std::int64_t CounterFrequency() const { return counterFrequency_; }
+
+  // Held by the frame components while a call of the runtime is in them: StopLink waits for these, too. Closed once the
+  // link has stopped: there is nothing to be done any more.
+  [[nodiscard]] SubmissionGate& Calls() { return calls_; }
+
+  // Frames per second, as the companion wants them.
+  [[nodiscard]] std::uint32_t FramesPerSecond() const { return framesPerSecond_; }
 
   // Server thread. Gives the renderer its output, unless it has one, and lets a companion that is connected already
   // have frames.
@@ -66,7 +75,7 @@ class OmbrelCore final : public IFramerateUpdatedListener,
   FrameSharing sharing_;
 
   std::atomic<std::int32_t> currentTexture_{0};  // the output that the driver holds
-  std::atomic<std::uint32_t> framesPerSecond_{60};
+  std::atomic<std::uint32_t> framesPerSecond_{kInitialFramesPerSecond};
   std::atomic<double> framePeriodMs_;
   std::atomic<bool> lastAcquireSucceeded_{false};
   std::atomic<std::int64_t> lastPacingEnd_{0};  // performance counter
@@ -75,6 +84,7 @@ class OmbrelCore final : public IFramerateUpdatedListener,
   SubmissionGate streamingActive_;
   // Open until the link stops.
   SubmissionGate pacing_;
+  SubmissionGate calls_;
   WakeSignal linkDropped_;
 
   Mutex stateMutex_;

@@ -30,6 +30,9 @@ class OutgoingPipe {
   [[nodiscard]] bool IsOpen() const { return pipe_.IsOpen(); }
   [[nodiscard]] bool IsPeerGone() const { return pipe_.IsPeerGone(); }
   void CancelStalledWrite();
+  // From here on messages go out; until then, and after Close or half a message, they are lost.
+  void Admit();
+  [[nodiscard]] bool IsBroken() const { return broken_.load(std::memory_order_acquire); }
   // Frees a writer that is blocked and waits for it.
   void Close();
 
@@ -41,8 +44,10 @@ class OutgoingPipe {
 
   Mutex mutex_;  // one message at a time; also held to close
   PipeClient pipe_;
+  bool admitted_ = false;       // guarded by mutex_
   std::int64_t stalledAt_ = 0;  // performance counter, 0 unless the last write stalled; guarded by mutex_
   std::atomic<std::int64_t> writingSince_{0};  // performance counter, 0 while nobody writes
+  std::atomic<bool> broken_{false};            // half a message is out
   std::atomic<bool> cancelled_{false};         // the write under way was cancelled because it stalled
 };
 

@@ -16,8 +16,8 @@ struct ProcessEntry {
 // The system's processes in the order in which it lists them. Empty when it does not.
 [[nodiscard]] std::vector<ProcessEntry> ListProcesses();
 
-// Full path of this process's executable, in the system's code page. Empty when it cannot be told, or is longer than
-// 259 characters.
+// Full path of this process's executable, in the system's code page. Cut off after 259 characters; empty when it
+// cannot be told.
 [[nodiscard]] std::string OwnExecutablePath();
 
 // Both end the process at once, exit code 0. A process that may not be opened lives on.

@@ -1,3 +1,4 @@
+#include "companion/shared_block.h"
 #include "direct_fixture.h"
 
 namespace ombrel::test {
@@ -25,6 +26,21 @@ TEST_F(FrameSequenceTest, FramesAlternateBetweenTheOutputsWithTheirPosesBesideTh
     EXPECT_EQ(companion->Slot(output), SlotOfPose(frame + 1));
     ASSERT_EQ(companion->Release(output), S_OK);
   }
+}
+
+TEST_F(FrameSequenceTest, APoseIsInItsSlotWhenTheOutputIsGivenAway) {
+  ASSERT_TRUE(HandOver());
+  const bench::FrameSharingInfo info = TakeAnnouncement();
+  bench::SharedBlock block;
+  ASSERT_TRUE(block.Open(info.name));
+  bench::PoseSlot seen{};
+  calls.onRelease = [&](std::uint32_t handle) {
+    if (handle == info.sharedHandle1) seen = block.ReadSlot(1);
+  };
+  SubmitLayer(MakeEye(kRed), PoseNumber(7));
+  ASSERT_TRUE(HandOver());
+  calls.onRelease = nullptr;
+  EXPECT_EQ(seen, SlotOfPose(7));
 }
 
 TEST_F(FrameSequenceTest, ASlotStaysAsItIsWhileTheOtherIsWritten) {

@@ -37,7 +37,9 @@ INSTANTIATE_TEST_SUITE_P(Limits, ScaledGeometryTest,
                                          Case{2560, 0, 100, 1280, 600}, Case{-2560, -1440, 100, 500, 600}));
 
 INSTANTIATE_TEST_SUITE_P(OddWidthsAreHalvedFirst, ScaledGeometryTest,
-                         testing::Values(Case{1921, 1080, 100, 960, 1080}, Case{1921, 1080, 150, 1440, 1620}));
+                         testing::Values(Case{1921, 1080, 100, 960, 1080}, Case{1921, 1080, 150, 1440, 1620},
+                                         // 960 * 1.33 = 1276.8; halves, and rounding, would make it 1277
+                                         Case{1921, 1080, 133, 1276, 1436}));
 
 TEST(ScaledGeometry, KeepsTheScale) {
   EXPECT_EQ(ScaledGeometry(0, 0, 150).renderScale, 1.5F);

@@ -35,6 +35,20 @@ TEST_F(HeadsetLinkTest, PassesAPoseOnToTheRuntime) {
   EXPECT_EQ(Pose().qRotation.y, pose.qRotation.y);
 }
 
+// Making a device takes longer than connecting.
+TEST_F(HeadsetLinkTest, TakesARateThatCameWhileItsDeviceWasMade) {
+  onRendererCall_ = [this](const std::string& call) {
+    if (call != "CreateDevice") return;
+    ASSERT_TRUE(companion_.Connect());
+    ASSERT_TRUE(companion_.Send(9, Bytes().U32(72)));
+    companion_.out.Disconnect();
+    // The driver lets go of a connection when it has taken in all that came.
+    ASSERT_TRUE(companion_.in.WaitForClientGone());
+  };
+  Make();
+  EXPECT_EQ(LogLines().back(), "Updating headset fps, new value: 72.000000 \n");
+}
+
 TEST_F(HeadsetLinkTest, AppliesTheUsersOffsets) {
   Set("RotationOffsetYDeg", 90);
   ASSERT_TRUE(MakeConnected());

@@ -108,6 +108,23 @@ TEST_F(OmbrelCoreTest, PosesGoOnWhileTheOutputsAreMade) {
   EXPECT_TRUE(WaitForStreaming());
 }
 
+TEST_F(OmbrelCoreTest, APoseThatComesWhileTheOutputsAreMadeLetsAFrameGo) {
+  PrepareOutput();
+  Barrier making;
+  renderer_->onCall = [&](const std::string& line) {
+    if (line == "CreateOutputTextures") making.Pass();
+  };
+  SetUpCore();
+  ASSERT_TRUE(companion_.Connect());
+  ASSERT_TRUE(making.WaitForVisitor());
+  ASSERT_TRUE(SendPose());
+  making.Open();
+  Background frame([this] {
+    while (renderer_->journal.Count("CopyToOutput 5 0 16") == 0) core_->HandOffTexture(5);
+  });
+  EXPECT_TRUE(frame.Finishes()) << "no further pose comes";
+}
+
 TEST_F(OmbrelCoreTest, AnnouncesTheOutputsWithTheFirstFrameOfEachConnection) {
   ASSERT_TRUE(Stream());
   const auto first = companion_.Receive();

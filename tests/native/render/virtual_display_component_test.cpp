@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <memory>
 
 #include "support/background.h"
@@ -77,6 +78,23 @@ TEST_F(VirtualDisplayComponentTest, TellsOfAVsyncBehindEachWait) {
   component_.WaitForPresent();
   EXPECT_EQ(host_.vsyncs.All(), (Journal::Lines{"0.000000", "0.000000"}));
   EXPECT_EQ(Frames(), 0U);
+}
+
+TEST_F(VirtualDisplayComponentTest, HasNotedTheVsyncWhenItTellsOfIt) {
+  const auto begin = std::chrono::steady_clock::now();
+  float seconds = -1.0F;
+  host_.onVsync = [&] { seconds = SecondsSinceVsync(); };
+  component_.WaitForPresent();
+  const std::chrono::duration<float> sinceBegin = std::chrono::steady_clock::now() - begin;
+  EXPECT_GE(seconds, 0.0F);
+  EXPECT_LT(seconds, sinceBegin.count()) << "not since the counter began";
+}
+
+TEST_F(VirtualDisplayComponentTest, PacesTheRuntimeToTheFramePeriod) {
+  component_.WaitForPresent();
+  const auto begin = std::chrono::steady_clock::now();
+  for (int i = 0; i < 4; ++i) component_.WaitForPresent();
+  EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::microseconds(4 * 16'600));
 }
 
 TEST_F(VirtualDisplayComponentTest, CountsTheTimeFromTheLastVsync) {

@@ -66,7 +66,10 @@ class FakeServerDriverHost final : public vr::IVRServerDriverHost {
     return true;
   }
   void TrackedDevicePoseUpdated(std::uint32_t device, const vr::DriverPose_t& pose, std::uint32_t size) override;
-  void VsyncEvent(double offset) override { vsyncs.Add(std::to_string(offset)); }
+  void VsyncEvent(double offset) override {
+    vsyncs.Add(std::to_string(offset));
+    if (onVsync) onVsync();
+  }
   void VendorSpecificEvent(std::uint32_t, vr::EVREventType, const vr::VREvent_Data_t&, double) override {}
   bool IsExiting() override { return false; }
   bool PollNextEvent(vr::VREvent_t*, std::uint32_t) override { return false; }
@@ -78,6 +81,7 @@ class FakeServerDriverHost final : public vr::IVRServerDriverHost {
   Journal updates;               // "device size"
   std::function<void()> onPose;  // called behind each update; may block
   Journal vsyncs;                // offsets
+  std::function<void()> onVsync;
 
  private:
   mutable std::mutex mutex_;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -36,6 +37,8 @@ class FakeServerHost : public vr::IVRServerDriverHost {
   [[nodiscard]] std::vector<AddedDevice> TakePending();
   /// TrackedDeviceAdded will answer false for that serial.
   void RefuseDevice(const std::string& serial);
+  /// Devices are activated within TrackedDeviceAdded from here on, not by whoever takes the pending ones.
+  void ActivateAtOnce();
 
   [[nodiscard]] PoseLog& Poses() { return poses_; }
 
@@ -77,6 +80,7 @@ class FakeServerHost : public vr::IVRServerDriverHost {
   std::size_t pollsWithWrongSize_ = 0;
   std::size_t vsyncEvents_ = 0;
   bool headsetIndexTaken_ = false;
+  std::atomic<bool> activateAtOnce_ = false;
   bool exiting_ = false;
 };
 

@@ -122,6 +122,7 @@ void RecordedCalls::OnAcquireSync(std::uint32_t handle, UINT64 key, DWORD timeou
 
 void RecordedCalls::OnReleaseSync(std::uint32_t handle, UINT64 key, HRESULT result) {
   Add(Released{handle, key, result});
+  if (onRelease) onRelease(handle);
 }
 
 void RecordedCalls::OnOMSetRenderTargets(std::span<ID3D11RenderTargetView* const> views,

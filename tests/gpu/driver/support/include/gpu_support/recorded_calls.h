@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -34,6 +35,9 @@ class RecordedCalls : public bench::DeviceObserver {
   // How often such a call was made, failed or not; not cleared.
   [[nodiscard]] std::size_t Asked(bench::DeviceCall call) const;
   void Clear();
+
+  // Called as soon as a keyed mutex is given away, before its owner goes on. Set while no frame is under way.
+  std::function<void(std::uint32_t handle)> onRelease;
 
   template <class Call>
   [[nodiscard]] std::vector<Call> Of() const {
