@@ -23,16 +23,16 @@ struct Held {
 // Counts what the driver allocates and frees. For DriverLife, as what it calls after loading.
 void WatchHeap(void* module);
 
-// Samples over many rounds, and whether they grow. The first quarter of the rounds is warm-up.
+// Samples over many rounds, and whether they grow. The first quarter of the rounds is warm-up, and at least one round.
 class Growth {
  public:
   explicit Growth(int rounds) : rounds_(rounds) {}
 
   // Called after each round, from 1; reads every so often.
   void Sample(int round);
-  // Fails the run if threads, handles, Direct3D objects or the driver's blocks are more than after warm-up, or if the
-  // process' memory at its lowest is more in the second half than in the first by over `allowedBytes`: Direct3D and
-  // the allocator let it swing. Prints warm-up value, end value and slope.
+  // Fails the run if threads, handles, Direct3D objects or the driver's blocks at their lowest are more in the second
+  // half than in the first, or if the process' memory is so by over `allowedBytes`: what goes in its own time lets them
+  // swing. Prints warm-up value, end value and slope.
   void Judge(ScenarioRun& run, std::int64_t allowedBytes) const;
 
  private:
@@ -41,7 +41,8 @@ class Growth {
     Held held;
   };
   [[nodiscard]] double BytesPerRound() const;
-  [[nodiscard]] std::int64_t LowestBytes(std::size_t begin, std::size_t end) const;
+  // By how much the lowest value of the second half is above that of the first.
+  [[nodiscard]] std::int64_t Rise(std::int64_t Held::*value) const;
 
   const int rounds_;
   std::vector<Point> points_;  // after warm-up
