@@ -3,6 +3,13 @@
 # any other test as one, passed, failed or skipped as ctest says; a program that fails without naming a failed test (a
 # crash, say) is one failure.
 
+# The scenarios name the checks that they leave out, and why.
+/^[0-9]+:  +skipped: / {
+  sub(/^[0-9]+: +/, "  ")
+  print
+  next
+}
+
 /^[0-9]+: / {
   number = $1 + 0
   output[number] = output[number] $0 "\n"

@@ -117,6 +117,18 @@ void BetweenPipes(ScenarioRun& run) {
   life.Unload();
 }
 
+// The companion neither writes nor goes, so that nothing but the driver ends its read.
+void DuringRead(ScenarioRun& run) {
+  DriverLife life(run);
+  life.Start();
+  SilentPipes pipes;
+  run.Check(pipes.WaitForDriver(kPatienceMs), "the driver connects");
+  run.Check(pipes.Write(EncodeQuaternionAndPosition({}, {4, 0, 0})), "the driver reads");
+  run.Check(WaitUntil([&] { return life.Pose().vecPosition[0] == 4.0; }, kPatience), "a pose arrives");
+  life.Cleanup();
+  life.Unload();
+}
+
 // The runtime takes its time over a pose, on the reader thread.
 void DuringDispatch(ScenarioRun& run) {
   std::atomic<bool> isSlow = false, inside = false;
@@ -161,6 +173,7 @@ constexpr std::array kScenarios{
     Scenario{"cleanup_during_pacing", DuringPacing},
     Scenario{"cleanup_during_set_up", DuringSetUp},
     Scenario{"cleanup_between_pipes", BetweenPipes},
+    Scenario{"cleanup_during_read", DuringRead},
     Scenario{"cleanup_during_dispatch", DuringDispatch},
     Scenario{"cleanup_at_any_time", AtAnyTime},
 };

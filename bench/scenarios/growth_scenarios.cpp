@@ -147,6 +147,7 @@ void LoadCycles(ScenarioRun& run) {
     growth.Sample(round);
   }
   growth.Judge(run, AllowedWithTextures(run));
+  if (!run.Failures().empty()) return;
   const std::int64_t left = ReadHeld().driverBlocks - blocksBefore - rounds * ofLoading;
   run.Figure("%lld blocks of the driver left in all", static_cast<long long>(left));
   run.Check(left == 0, "a life leaves no block of the driver behind");

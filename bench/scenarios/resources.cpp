@@ -136,8 +136,9 @@ void Growth::Judge(ScenarioRun& run, std::int64_t allowedBytes) const {
   run.Figure("driver's blocks %+lld, private KiB %lld %lld, slope %.1f bytes a round",
              number(end.driverBlocks - warm.driverBlocks), number(warm.privateBytes / 1024),
              number(end.privateBytes / 1024), BytesPerRound());
-  run.Check(Rise(&Held::threads) <= 0, "threads do not grow");
-  run.Check(Rise(&Held::handles) <= 0, "handles do not grow");
+  // One of the system's own may come late; one for each round would be many more.
+  run.Check(Rise(&Held::threads) <= 1, "threads do not grow");
+  run.Check(Rise(&Held::handles) <= 2, "handles do not grow");
   run.Check(Rise(&Held::graphics) <= 0, "Direct3D objects do not grow");
   run.Check(Rise(&Held::driverBlocks) <= 0, "the driver's heap does not grow");
   run.Check(Rise(&Held::privateBytes) <= allowedBytes, "memory does not grow");
