@@ -34,16 +34,19 @@ class HeldOutputs {
       RequireOk(textures_[i].As(&mutexes_[i]), "finding its mutex");
     }
   }
-  // Takes the one that the driver does not hold; the driver then waits for it at its next frame.
+  // Takes what the driver does not hold: it then waits at its next frame.
   void TakeFree() {
-    while (held_ == nullptr) {
-      for (auto& mutex : mutexes_) {
-        if (held_ == nullptr && mutex->AcquireSync(0, 1) == S_OK) held_ = mutex.Get();
+    for (bool any = false; !any;) {
+      for (std::size_t i = 0; i < mutexes_.size(); ++i) {
+        isHeld_[i] = mutexes_[i]->AcquireSync(0, 1) == S_OK;
+        any = any || isHeld_[i];
       }
     }
   }
   ~HeldOutputs() {
-    if (held_ != nullptr) held_->ReleaseSync(0);
+    for (std::size_t i = 0; i < mutexes_.size(); ++i) {
+      if (isHeld_[i]) mutexes_[i]->ReleaseSync(0);
+    }
   }
   HeldOutputs(const HeldOutputs&) = delete;
   HeldOutputs& operator=(const HeldOutputs&) = delete;
@@ -51,7 +54,7 @@ class HeldOutputs {
  private:
   std::array<Microsoft::WRL::ComPtr<ID3D11Texture2D>, 2> textures_;
   std::array<Microsoft::WRL::ComPtr<IDXGIKeyedMutex>, 2> mutexes_;
-  IDXGIKeyedMutex* held_ = nullptr;
+  std::array<bool, 2> isHeld_{};
 };
 
 void PlayAtRate(ScenarioRun& run, DriverLife& life, FrameCompanion& companion, std::uint32_t rate) {
