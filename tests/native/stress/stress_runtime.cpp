@@ -37,14 +37,13 @@ bool StressRuntime::Start() {
   direct_ =
       static_cast<vr::IVRDriverDirectModeComponent*>(headset->GetComponent(vr::IVRDriverDirectModeComponent_Version));
   virtual_ = static_cast<vr::IVRVirtualDisplay*>(headset->GetComponent(vr::IVRVirtualDisplay_Version));
-  ActivateNewDevices();
   return (direct_ != nullptr) != (virtual_ != nullptr);
 }
 
 void StressRuntime::Tick() {
+  ActivateNewDevices();
   isVibrationDue_ = true;
   provider_.RunFrame();
-  ActivateNewDevices();
   ++done_.serverTicks;
 }
 

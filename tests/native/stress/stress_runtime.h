@@ -31,8 +31,8 @@ class StressRuntime {
   StressRuntime(const StressRuntime&) = delete;
   StressRuntime& operator=(const StressRuntime&) = delete;
 
-  // The server thread: starts the driver, ticks it and activates the devices that it adds, and stops it. May be started
-  // again; nobody else may call in meanwhile.
+  // The server thread: starts the driver, ticks it and activates the devices that it has added, and stops it. May be
+  // started again; nobody else may call in meanwhile.
   [[nodiscard]] bool Start();
   void Tick();
   void Stop() { provider_.Cleanup(); }
@@ -44,6 +44,8 @@ class StressRuntime {
   // Any other thread: asks every device that is known for its pose.
   void AskForPoses();
 
+  // Any thread: whether the companion is heard, activated devices or not.
+  [[nodiscard]] bool HasControllers() const { return Devices().size() > 1; }
   [[nodiscard]] const Work& Done() const { return done_; }
 
  private:
