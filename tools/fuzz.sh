@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # Fuzzes the driver with what a companion may send, for a minute or for as many seconds as are named, and tells how much
 # of it was run: tools/fuzz.sh [SECONDS]
-# Every stream is also judged by the protocol's page. What the fuzzer learns stays in build/host-fuzz/learnt/ for the next
-# run; a stream that breaks something lies in build/host-fuzz/findings/, and belongs into tests/fuzz/corpus/ once it is
-# understood.
+# Every stream is also judged by the protocol's page. What the fuzzer learns stays in build/host-fuzz/learnt/ for the
+# next run; a stream that breaks something lies in build/host-fuzz/findings/, and belongs into tests/fuzz/corpus/ once it
+# is understood.
 set -euo pipefail
 # shellcheck source=tools/lib.sh
 . "$(dirname "$0")/lib.sh"
@@ -15,8 +15,8 @@ fuzzer=$folder/tests/fuzz/fuzz_companion
 # Allocations are many and small: with whole call stacks for each, half of the time goes there.
 export ASAN_OPTIONS=malloc_context_size=4
 
-# lines_run NAME CORPUS...: how many lines the streams run of what a companion's bytes can reach, which the base station is
-# not.
+# lines_run NAME CORPUS...: how many lines the streams run of what a companion's bytes can reach, which the base station
+# is not.
 lines_run() {
   local name=$1
   shift

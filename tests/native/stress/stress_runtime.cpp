@@ -6,6 +6,12 @@
 #include "tell_tale.h"
 
 namespace ombrel::test {
+namespace {
+
+// Often enough to meet one that is being written.
+constexpr int kAsksInARow = 50;
+
+}  // namespace
 
 StressRuntime::StressRuntime(std::int32_t hmdMode) { SetHooks(hmdMode); }
 
@@ -114,11 +120,15 @@ void StressRuntime::ChangeSwapTextures() {
 
 void StressRuntime::AskForPoses() {
   for (const Device& device : Devices()) {
-    vr::DriverPose_t pose{};
-    device.driver->GetPose(&pose);
-    ++(device.isHeadset ? done_.headPosesAsked : done_.controllerPosesAsked);
-    if (!(device.isHeadset ? IsWholeHeadPose(pose) : IsWholeControllerPose(pose))) ++done_.halfPoses;
+    for (int times = 0; times < kAsksInARow; ++times) AskForPose(device);
   }
+}
+
+void StressRuntime::AskForPose(const Device& device) {
+  vr::DriverPose_t pose{};
+  device.driver->GetPose(&pose);
+  ++(device.isHeadset ? done_.headPosesAsked : done_.controllerPosesAsked);
+  if (!(device.isHeadset ? IsWholeHeadPose(pose) : IsWholeControllerPose(pose))) ++done_.halfPoses;
 }
 
 void StressRuntime::OnPose(std::uint32_t index, const vr::DriverPose_t& pose, std::uint32_t size) {

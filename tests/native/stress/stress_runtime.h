@@ -41,7 +41,7 @@ class StressRuntime {
   void PresentFrame();
   // Another of its threads: a swap-texture set comes and goes. Does nothing in virtual-display mode.
   void ChangeSwapTextures();
-  // Any other thread: asks every device that is known for its pose.
+  // Any other thread: asks every device that is known for its pose, many times.
   void AskForPoses();
 
   // Any thread: whether the companion is heard, activated devices or not.
@@ -60,6 +60,7 @@ class StressRuntime {
   bool NextEvent(vr::VREvent_t* event);
   void ActivateNewDevices();
   void SubmitLayers();
+  void AskForPose(const Device& device);
   [[nodiscard]] std::vector<Device> Devices() const;
 
   HookedRuntime host_;
