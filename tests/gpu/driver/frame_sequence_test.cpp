@@ -35,7 +35,7 @@ TEST_F(FrameSequenceTest, APoseIsInItsSlotWhenTheOutputIsGivenAway) {
   ASSERT_TRUE(block.Open(info.name));
   bench::PoseSlot seen{};
   calls.onRelease = [&](std::uint32_t handle) {
-    if (handle == info.sharedHandle1) seen = block.ReadSlot(1);
+    if (handle == info.sharedHandles[1]) seen = block.ReadSlot(1);
   };
   SubmitLayer(MakeEye(kRed), PoseNumber(7));
   ASSERT_TRUE(HandOver());
