@@ -47,7 +47,6 @@ ControllerDevice::ControllerDevice(OmbrelCore* link, vr::IVRServerDriverHost* ho
       touchComponents_{{{kTrackpad, "/input/trackpad/touch"}}},
       axisComponents_{{{0, "/input/trackpad/x"}, {1, "/input/trackpad/y"}, {10, "/input/trigger/value"}}},
       lastPose_(InitialPose()),
-      pose_(lastPose_),
       host_(host),
       controllerId_(controllerId),
       link_(link),
@@ -90,11 +89,18 @@ void* ControllerDevice::GetComponent(const char* pchComponentNameAndVersion) {
   return isDevice ? static_cast<vr::ITrackedDeviceServerDriver*>(this) : nullptr;
 }
 
+vr::DriverPose_t ControllerDevice::CurrentPose() const {
+  vr::DriverPose_t pose = InitialPose();
+  if (hasRecord_.load(std::memory_order_acquire)) ApplyControllerPose(lastRecord_.Load(), pose);
+  return pose;
+}
+
 void ControllerDevice::UpdateFromRecord(const ControllerUpdate& record) {
   const std::uint32_t index = deviceIndex_;
   if (index == vr::k_unTrackedDeviceIndexInvalid) return;
   ApplyControllerPose(record, lastPose_);
-  pose_.Store(lastPose_);
+  lastRecord_.StoreAlone(record);
+  hasRecord_.store(true, std::memory_order_release);
   host_->TrackedDevicePoseUpdated(index, lastPose_, sizeof(lastPose_));
   SendButtons(record.state);
   SendAxes(record.state);

@@ -1,7 +1,9 @@
 #include "devices/controller_pose.h"
 
-#include <algorithm>
-#include <bit>
+#include <array>
+#include <cstddef>
+#include <cstring>
+#include <span>
 
 #include "link/quaternion.h"
 
@@ -10,41 +12,43 @@ namespace {
 
 constexpr double kPoseTimeOffsetSeconds = 0.04;
 
+// The last eight bytes of a pose, which are written at once: what is written byte by byte cannot be read as a word, to be
+// published, until it has gone all the way to memory.
 struct Status {
   vr::ETrackingResult result;
   bool poseIsValid;
+  bool willDriftInYaw = false;
+  bool shouldApplyHeadModel = false;
   bool deviceIsConnected;
 };
+static_assert(sizeof(Status) == 8 && offsetof(vr::DriverPose_t, result) + sizeof(Status) == sizeof(vr::DriverPose_t));
+static_assert(offsetof(vr::DriverPose_t, deviceIsConnected) ==
+              offsetof(vr::DriverPose_t, result) + offsetof(Status, deviceIsConnected));
 
-Status StatusOf(std::uint32_t trackingState) {
-  switch (trackingState) {
-    case 1:
-      return {vr::TrackingResult_Running_OutOfRange, false, true};
-    case 2:
-      return {vr::TrackingResult_Uninitialized, false, false};
-    default:
-      return {vr::TrackingResult_Running_OK, true, true};
-  }
+// By tracking state.
+constexpr std::array<Status, 3> kStatus{{
+    {.result = vr::TrackingResult_Running_OK, .poseIsValid = true, .deviceIsConnected = true},
+    {.result = vr::TrackingResult_Running_OutOfRange, .poseIsValid = false, .deviceIsConnected = true},
+    {.result = vr::TrackingResult_Uninitialized, .poseIsValid = false, .deviceIsConnected = false},
+}};
+
+const Status& StatusOf(std::uint32_t trackingState) {
+  return kStatus[trackingState < kStatus.size() ? trackingState : 0];
 }
 
 }  // namespace
 
 void ApplyControllerPose(const ControllerUpdate& record, vr::DriverPose_t& pose) {
-  const auto matrix = std::bit_cast<Matrix3x4>(record.pose);
+  const MatrixBytes matrix(std::as_bytes(std::span(record.pose)));
   const Quaternion rotation = FromMatrixBySquareRoots(matrix);
-  const Status status = StatusOf(record.trackingState);
   pose.poseTimeOffset = kPoseTimeOffsetSeconds;
   pose.qWorldFromDriverRotation = {1.0, 0.0, 0.0, 0.0};
   pose.qDriverFromHeadRotation = {1.0, 0.0, 0.0, 0.0};
   for (std::size_t axis = 0; axis < 3; ++axis) pose.vecPosition[axis] = matrix[axis][3];
-  std::ranges::copy(record.velocity, pose.vecVelocity);
-  std::ranges::copy(record.acceleration, pose.vecAcceleration);
+  for (std::size_t axis = 0; axis < 3; ++axis) pose.vecVelocity[axis] = record.velocity[axis];
+  for (std::size_t axis = 0; axis < 3; ++axis) pose.vecAcceleration[axis] = record.acceleration[axis];
   pose.qRotation = {rotation.w, rotation.x, rotation.y, rotation.z};
-  pose.result = status.result;
-  pose.poseIsValid = status.poseIsValid;
-  pose.willDriftInYaw = false;
-  pose.shouldApplyHeadModel = false;
-  pose.deviceIsConnected = status.deviceIsConnected;
+  std::memcpy(&pose.result, &StatusOf(record.trackingState), sizeof(Status));
 }
 
 }  // namespace ombrel

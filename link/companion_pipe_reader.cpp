@@ -44,7 +44,7 @@ void CompanionPipeClient::Dispatch(const MessageFramer::Message& message) try {
 void CompanionPipeClient::OnTrackingUpdate(std::span<const std::byte> payload) {
   const HeadPoseTracker::Outcome outcome = headPose_.Apply(payload, TickMilliseconds());
   if (outcome == HeadPoseTracker::Outcome::kTooShort) return;
-  if (outcome == HeadPoseTracker::Outcome::kPublished) publishedPose_.Store(headPose_.Record());
+  if (outcome == HeadPoseTracker::Outcome::kPublished) publishedPose_.StoreAlone(headPose_.Record());
   hasTrackingData_.store(true, std::memory_order_release);
   // One by one: the pose is counted even if the runtime would not have it.
   trackingListeners_.ForEach(

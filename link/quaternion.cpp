@@ -5,13 +5,6 @@
 #include <numbers>
 
 namespace ombrel {
-namespace {
-
-float Sign(float v) { return static_cast<float>(v > 0.0F) - static_cast<float>(v < 0.0F); }
-
-float HalfRoot(float v) { return std::sqrt(std::max(0.0F, v)) * 0.5F; }
-
-// The trace method's cases for a trace that is not above -1, chosen by the largest diagonal element.
 Quaternion FromLargestDiagonal(const Matrix3x4& m) {
   if (m[0][0] > m[1][1] && m[0][0] > m[2][2]) {
     const float s = 2.0F * std::sqrt(1.0F + m[0][0] - m[1][1] - m[2][2]);
@@ -24,23 +17,6 @@ Quaternion FromLargestDiagonal(const Matrix3x4& m) {
   const float s = 2.0F * std::sqrt(1.0F + m[2][2] - m[0][0] - m[1][1]);
   // m[1][1], not m[1][2] as in the textbooks: companions rely on it.
   return {(m[0][2] + m[2][0]) / s, (m[1][1] + m[2][1]) / s, s / 4.0F, (m[1][0] - m[0][1]) / s};
-}
-
-}  // namespace
-
-Quaternion operator*(const Quaternion& p, const Quaternion& s) {
-  return {
-      .x = p.w * s.x + p.x * s.w + p.y * s.z - p.z * s.y,
-      .y = p.w * s.y - p.x * s.z + p.y * s.w + p.z * s.x,
-      .z = p.w * s.z + p.x * s.y - p.y * s.x + p.z * s.w,
-      .w = p.w * s.w - p.x * s.x - p.y * s.y - p.z * s.z,
-  };
-}
-
-Quaternion Normalised(const Quaternion& q) {
-  const float length = std::sqrt(q.x * q.x + q.y * q.y + q.z * q.z + q.w * q.w);
-  if (length == 0.0F) return q;
-  return {q.x / length, q.y / length, q.z / length, q.w / length};
 }
 
 bool IsFinite(const Quaternion& q) {
@@ -65,23 +41,6 @@ Quaternion EulerToQuaternion(float aboutX, float aboutY, float aboutZ) {
       .y = static_cast<float>(cc * sb * ca + sc * cb * sa),
       .z = static_cast<float>(sc * cb * ca - cc * sb * sa),
       .w = static_cast<float>(cc * cb * ca - sc * sb * sa),
-  };
-}
-
-Quaternion FromMatrixByTrace(const Matrix3x4& m) {
-  const float trace = m[0][0] + m[1][1] + m[2][2];
-  // Not turned round into <=, which would let a trace that is not a number pass.
-  if (!(static_cast<double>(trace) + 1.0 > 1e-8)) return FromLargestDiagonal(m);
-  const float s = 2.0F * std::sqrt(trace + 1.0F);
-  return {(m[2][1] - m[1][2]) / s, (m[0][2] - m[2][0]) / s, (m[1][0] - m[0][1]) / s, s / 4.0F};
-}
-
-Quaternion FromMatrixBySquareRoots(const Matrix3x4& m) {
-  return {
-      .x = HalfRoot(1.0F + m[0][0] - m[1][1] - m[2][2]) * Sign(m[2][1] - m[1][2]),
-      .y = HalfRoot(1.0F - m[0][0] + m[1][1] - m[2][2]) * Sign(m[0][2] - m[2][0]),
-      .z = HalfRoot(1.0F - m[0][0] - m[1][1] + m[2][2]) * Sign(m[1][0] - m[0][1]),
-      .w = HalfRoot(1.0F + m[0][0] + m[1][1] + m[2][2]),
   };
 }
 

@@ -19,9 +19,9 @@ std::vector<std::byte> ControllerCase::Record(std::uint32_t controller, int turn
   ControllerUpdate record{};
   record.controllerId = controller;
   record.pose = {0.8F, -0.6F, 0.0F, 0.3F + 0.1F * value, 0.6F, 0.8F, 0.0F, 1.2F, 0.0F, 0.0F, 1.0F, -0.4F};
-  record.state.pressedButtons = turn == 0 ? 0 : std::uint64_t{1} << 33;
-  record.state.axes[0] = {0.25F + 0.5F * value, 0.5F - 0.5F * value};
-  record.state.axes[1] = {value, 0.0F};
+  record.state.pressedButtons = std::uint64_t{1} << 33;
+  record.state.axes[0] = {0.25F, 0.5F};
+  record.state.axes[1] = {0.5F + 0.25F * value, 0.0F};
   record.velocity = {0.1, 0.2, 0.3};
   const auto bytes = RecordBytes(record);
   return {bytes.begin(), bytes.end()};

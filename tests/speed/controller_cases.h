@@ -26,7 +26,7 @@ class ControllerCase {
     registry_.Find(record.controllerId)->UpdateFromRecord(record);
   }
 
-  // Bytes of a record for that controller. `turn` 0 and 1 differ in a button and in all axes that count.
+  // Bytes of a record for that controller. `turn` 0 and 1 differ in where it is and how far its trigger is pulled.
   [[nodiscard]] static std::vector<std::byte> Record(std::uint32_t controller, int turn);
   [[nodiscard]] std::uint64_t Poses() const { return host_.poses; }
   [[nodiscard]] std::uint64_t Updates() const { return context_.input.updates; }

@@ -28,7 +28,8 @@ struct PoseFormatCase {
 class PosePublisher {
  public:
   void Publish(std::span<const std::byte> payload) {
-    if (tracker_.Apply(payload, ++time_) == HeadPoseTracker::Outcome::kPublished) published_.Store(tracker_.Record());
+    if (tracker_.Apply(payload, ++time_) == HeadPoseTracker::Outcome::kPublished)
+      published_.StoreAlone(tracker_.Record());
   }
   [[nodiscard]] LinkPoseRecord Published() const { return published_.Load(); }
 

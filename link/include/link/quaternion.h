@@ -1,6 +1,10 @@
 #pragma once
 
 #include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstring>
+#include <span>
 
 namespace ombrel {
 
@@ -20,11 +24,48 @@ struct Vector3 {
 // Three rows of four floats; the rotation is in columns 0 to 2.
 using Matrix3x4 = std::array<std::array<float, 4>, 3>;
 
+// The same where its bytes lie, read element by element. A copy would have to be waited for: what the compiler loads
+// from it in pairs lies across the parts that it was stored in.
+class MatrixBytes {
+ public:
+  static constexpr std::size_t kSize = sizeof(Matrix3x4);
+
+  explicit MatrixBytes(std::span<const std::byte> bytes) : bytes_(bytes.data()) {}
+  struct Row {
+    const std::byte* bytes;
+    float operator[](std::size_t column) const {
+      float element;
+      std::memcpy(&element, bytes + column * sizeof(float), sizeof(float));
+      return element;
+    }
+  };
+  Row operator[](std::size_t row) const { return {bytes_ + row * 4 * sizeof(float)}; }
+  [[nodiscard]] Matrix3x4 Copy() const {
+    Matrix3x4 matrix;
+    std::memcpy(&matrix, bytes_, sizeof(matrix));
+    return matrix;
+  }
+
+ private:
+  const std::byte* bytes_;
+};
+
 // Hamilton product p ⊗ s.
-[[nodiscard]] Quaternion operator*(const Quaternion& p, const Quaternion& s);
+[[nodiscard]] inline Quaternion operator*(const Quaternion& p, const Quaternion& s) {
+  return {
+      .x = p.w * s.x + p.x * s.w + p.y * s.z - p.z * s.y,
+      .y = p.w * s.y - p.x * s.z + p.y * s.w + p.z * s.x,
+      .z = p.w * s.z + p.x * s.y - p.y * s.x + p.z * s.w,
+      .w = p.w * s.w - p.x * s.x - p.y * s.y - p.z * s.z,
+  };
+}
 
 // Unit length; a quaternion of length 0 stays as it is.
-[[nodiscard]] Quaternion Normalised(const Quaternion& q);
+[[nodiscard]] inline Quaternion Normalised(const Quaternion& q) {
+  const float length = std::sqrt(q.x * q.x + q.y * q.y + q.z * q.z + q.w * q.w);
+  if (length == 0.0F) return q;
+  return {q.x / length, q.y / length, q.z / length, q.w / length};
+}
 
 [[nodiscard]] bool IsFinite(const Quaternion& q);
 
@@ -37,11 +78,33 @@ using Matrix3x4 = std::array<std::array<float, 4>, 3>;
 
 // Quaternion of a rotation matrix by its trace (Shoemake 1985), but with m11 + m21 in y when m22 is the largest
 // diagonal element and the trace is not above -1: the protocol has it so.
-[[nodiscard]] Quaternion FromMatrixByTrace(const Matrix3x4& m);
+[[nodiscard]] Quaternion FromLargestDiagonal(const Matrix3x4& m);  // its cases for such a trace
+[[nodiscard]] inline Quaternion FromMatrixByTrace(const MatrixBytes& m) {
+  const float trace = m[0][0] + m[1][1] + m[2][2];
+  // Not turned round into <=, which would let a trace that is not a number pass.
+  if (!(static_cast<double>(trace) + 1.0 > 1e-8)) return FromLargestDiagonal(m.Copy());
+  const float s = 2.0F * std::sqrt(trace + 1.0F);
+  return {(m[2][1] - m[1][2]) / s, (m[0][2] - m[2][0]) / s, (m[1][0] - m[0][1]) / s, s / 4.0F};
+}
+[[nodiscard]] inline Quaternion FromMatrixByTrace(const Matrix3x4& m) {
+  return FromMatrixByTrace(MatrixBytes(std::as_bytes(std::span(m))));
+}
 
 // Quaternion of a rotation matrix, each component from its own square root and the sign of its off-diagonal
 // difference. No difference means a component of 0: a half-turn about an axis gives the zero quaternion.
-[[nodiscard]] Quaternion FromMatrixBySquareRoots(const Matrix3x4& m);
+[[nodiscard]] inline Quaternion FromMatrixBySquareRoots(const MatrixBytes& m) {
+  const auto halfRoot = [](float v) { return std::sqrt(v > 0.0F ? v : 0.0F) * 0.5F; };
+  const auto sign = [](float v) { return (v > 0.0F ? 1.0F : 0.0F) - (v < 0.0F ? 1.0F : 0.0F); };
+  return {
+      .x = halfRoot(1.0F + m[0][0] - m[1][1] - m[2][2]) * sign(m[2][1] - m[1][2]),
+      .y = halfRoot(1.0F - m[0][0] + m[1][1] - m[2][2]) * sign(m[0][2] - m[2][0]),
+      .z = halfRoot(1.0F - m[0][0] - m[1][1] + m[2][2]) * sign(m[1][0] - m[0][1]),
+      .w = halfRoot(1.0F + m[0][0] + m[1][1] + m[2][2]),
+  };
+}
+[[nodiscard]] inline Quaternion FromMatrixBySquareRoots(const Matrix3x4& m) {
+  return FromMatrixBySquareRoots(MatrixBytes(std::as_bytes(std::span(m))));
+}
 
 // The turn about the vertical axis that takes what `raw` faces back to the front: only the y component of raw's
 // rotation vector is kept, negated. Not finite when `raw` is not.

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <type_traits>
+#include <utility>
 
 namespace ombrel {
 
@@ -22,13 +23,14 @@ class SeqLock {
   SeqLock(const SeqLock&) = delete;
   SeqLock& operator=(const SeqLock&) = delete;
 
-  void Store(const T& value) {
-    std::array<std::uint64_t, kWords> words{};
-    std::memcpy(words.data(), &value, sizeof(T));
-    const std::uint32_t even = EnterAsWriter();
-    // Each word is a release store, so that none of them can be seen before the odd count that announces them.
-    for (std::size_t i = 0; i < kWords; ++i) words_[i].store(words[i], std::memory_order_release);
-    sequence_.store(even + 2, std::memory_order_release);
+  void Store(const T& value) { StoreBehind(EnterAsWriter(), value); }
+
+  // The same for a value that one thread stores, and no other at the time: it need not look out for other writers, whose
+  // exclusion costs more than the copy.
+  void StoreAlone(const T& value) {
+    const std::uint32_t even = sequence_.load(std::memory_order_relaxed);
+    sequence_.store(even + 1, std::memory_order_relaxed);
+    StoreBehind(even, value);
   }
 
   [[nodiscard]] T Load() const {
@@ -46,6 +48,26 @@ class SeqLock {
 
  private:
   static constexpr std::size_t kWords = (sizeof(T) + 7) / 8;
+
+  // The count is even + 1 by now.
+  void StoreBehind(std::uint32_t even, const T& value) {
+    // Each word is a release store, so that none of them can be seen before the odd count that announces them.
+    for (std::size_t i = 0; i < kWords; ++i) words_[i].store(WordOf(value, i), std::memory_order_release);
+    sequence_.store(even + 2, std::memory_order_release);
+  }
+
+  // What the last word has too many is zero.
+  static std::uint64_t WordOf(const T& value, std::size_t index) {
+    constexpr std::size_t kTail = sizeof(T) % 8;
+    const auto* bytes = reinterpret_cast<const std::byte*>(&value) + 8 * index;
+    std::uint64_t word = 0;
+    if (kTail != 0 && index + 1 == kWords) {
+      std::memcpy(&word, bytes, kTail);
+    } else {
+      std::memcpy(&word, bytes, sizeof(word));
+    }
+    return word;
+  }
 
   std::uint32_t EnterAsWriter() {
     std::uint32_t even = sequence_.load(std::memory_order_relaxed) & ~1U;
