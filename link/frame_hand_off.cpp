@@ -66,6 +66,7 @@ void OmbrelCore::WaitForNextFrame() {
   const std::uint32_t sleepMs = SleepPartMs(remaining);
   const bool released = sleepMs > 0 && linkDropped_.WaitFor(seen, sleepMs);
   if (!released) {
+    SleepBelowMs(SleepRestMs(RemainingMs(remaining, PerformanceCounter() - begin, counterFrequency_)));
     const double left = RemainingMs(remaining, PerformanceCounter() - begin, counterFrequency_);
     const std::int64_t spinBegin = PerformanceCounter();
     while (left > 0.0 && !IsSpinOver(PerformanceCounter() - spinBegin, counterFrequency_, left)) {

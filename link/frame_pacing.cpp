@@ -26,6 +26,8 @@ std::uint32_t SleepPartMs(double remainingMs) {
   return remainingMs - 1.0 > 0.0 ? static_cast<std::uint32_t>(remainingMs - 1.0) : 0;
 }
 
+double SleepRestMs(double leftMs) { return std::clamp(leftMs - 1.0, 0.0, 1.0); }
+
 bool IsSpinOver(std::int64_t elapsed, std::int64_t frequency, double leftMs) {
   return static_cast<float>(elapsed) >= static_cast<float>(static_cast<double>(frequency) * leftMs / 1000.0);
 }

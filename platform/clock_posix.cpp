@@ -19,6 +19,11 @@ std::uint32_t TickMilliseconds() {
 
 void SleepMs(std::uint32_t milliseconds) { std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds)); }
 
+void SleepBelowMs(double milliseconds) {
+  if (milliseconds <= 0.0) return;
+  std::this_thread::sleep_for(std::chrono::duration<double, std::milli>(milliseconds));
+}
+
 void RaiseTimerResolution() {}
 
 }  // namespace ombrel

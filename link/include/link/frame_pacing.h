@@ -22,6 +22,10 @@ inline constexpr double kLongestWaitMs = 1000.0;
 // How much of the remaining time to sleep: all but the last millisecond, in whole milliseconds.
 [[nodiscard]] std::uint32_t SleepPartMs(double remainingMs);
 
+// How much to sleep of what that leaves: all but the last millisecond again, which is less than one. A timer that ticks
+// once a millisecond, and so rounds up, still ends before the deadline. 0 when there is nothing to sleep.
+[[nodiscard]] double SleepRestMs(double leftMs);
+
 // Whether `elapsed` counts of polling make up `leftMs`. Compared in single precision.
 [[nodiscard]] bool IsSpinOver(std::int64_t elapsed, std::int64_t frequency, double leftMs);
 

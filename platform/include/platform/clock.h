@@ -13,6 +13,9 @@ namespace ombrel {
 
 void SleepMs(std::uint32_t milliseconds);
 
+// Sleeps for part of a millisecond, rounded up to the system's timer; not at all for 0.
+void SleepBelowMs(double milliseconds);
+
 // Asks for the finest timer period the system offers, but no finer than 1 ms, for the rest of the process's life.
 void RaiseTimerResolution();
 

@@ -69,6 +69,14 @@ TEST(SleepPart, IsNothingForAPeriodOfHalfAMillisecond) {
   EXPECT_EQ(SleepPartMs(0.0), 0U);
 }
 
+TEST(SleepRest, LeavesTheLastMillisecondToSpinning) {
+  EXPECT_DOUBLE_EQ(SleepRestMs(1.75), 0.75);
+  EXPECT_EQ(SleepRestMs(1.0), 0.0);
+  EXPECT_EQ(SleepRestMs(0.25), 0.0);
+}
+
+TEST(SleepRest, IsAMillisecondAtMost) { EXPECT_EQ(SleepRestMs(5.0), 1.0); }
+
 TEST(Spin, IsOverWhenTheCountsMakeUpTheTime) {
   EXPECT_FALSE(IsSpinOver(4'999, kTenMegahertz, 0.5));
   EXPECT_TRUE(IsSpinOver(5'000, kTenMegahertz, 0.5));
