@@ -1,5 +1,5 @@
 #!/bin/sh
-# Reads a built DLL back with binutils: check_dll.sh exports|imports|flags|version DLL [VERSION]
+# Reads a built DLL back with binutils: check_dll.sh exports|imports|flags|size|version DLL [VERSION]
 # OBJDUMP and WINDRES name the programs. Prints what is wrong and fails.
 set -eu
 what=$1
@@ -48,8 +48,19 @@ check_version() {
   echo "$resources" | grep -qF 'VALUE "OriginalFilename", "driver_ombrel.dll"' || fail "OriginalFilename is wrong"
 }
 
+check_size() {
+  bytes=$(wc -c <"$dll")
+  [ "$bytes" -le 1048576 ] || fail "is $bytes bytes, more than 1 MiB"
+  sections=$("$OBJDUMP" -h "$dll" | awk '$1 ~ /^[0-9]+$/ {print $2}')
+  debug=$(echo "$sections" | grep -vx '\.gnu_debuglink' | grep '^\.debug' || true)
+  [ -z "$debug" ] || fail "carries symbols for debugging: $(echo "$debug" | tr '\n' ' ')"
+  echo "$sections" | grep -qx '\.gnu_debuglink' || fail "does not say where its symbols are"
+  symbols=$(dirname "$dll")/../../../symbols/$(basename "$dll").debug
+  "$OBJDUMP" -h "$symbols" | grep -q '\.debug_line' || fail "has no symbols beside it"
+}
+
 case $what in
-  exports | imports | flags | version) "check_$what" ;;
+  exports | imports | flags | size | version) "check_$what" ;;
   *) fail "unknown check $what" ;;
 esac
 echo "$dll: $what are right"
