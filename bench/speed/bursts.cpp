@@ -74,7 +74,7 @@ Series MeasureBurst(DriverUnderTest& driver, const Burst& burst) {
 
 std::vector<Series> MeasureBursts(const Plan& plan) {
   DriverUnderTest driver(plan.library, Graphics::kNone);
-  if (plan.isShort) return {MeasureBurst(driver, {"burst", 3'000, 1, 5})};
+  if (plan.isShort) return {MeasureBurst(driver, {"burst", 2'000, 1, 3})};
   return {MeasureBurst(driver, {"burst", 100'000, 1, 3}), MeasureBurst(driver, {"burst in pieces", 96'000, 1'600, 20})};
 }
 

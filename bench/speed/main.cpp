@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 
 #include "experiments.h"
+#include "speed/goals.h"
 #include "speed/series.h"
 
 namespace {
@@ -39,7 +40,20 @@ void KeepToOneProcessor() {
   SetProcessAffinityMask(GetCurrentProcess(), last);
 }
 
-int Run(const Plan& plan, const std::vector<std::string>& only, const std::string& out) {
+// Whether all medians are within twice their goals: only what is far outside noise is not.
+bool IsNearGoals(const std::vector<Series>& all) {
+  constexpr double kSlack = 2.0;
+  bool allNear = true;
+  for (const bench::speed::Verdict& verdict : bench::speed::Judge(all)) {
+    const bool met = verdict.IsMedianMet(kSlack);
+    allNear = allNear && met;
+    std::printf("%s: floor %g %s, driver %g%s\n", verdict.goal.what.c_str(), verdict.floorMedian, verdict.unit.c_str(),
+                verdict.driverMedian, met ? "" : ", FAR FROM ITS GOAL");
+  }
+  return allNear && !all.empty();
+}
+
+int Run(const Plan& plan, const std::vector<std::string>& only, const std::string& out, bool check) {
   std::vector<Series> all;
   for (const Experiment& experiment : kExperiments) {
     if (!only.empty() && std::ranges::find(only, experiment.name) == only.end()) continue;
@@ -49,7 +63,7 @@ int Run(const Plan& plan, const std::vector<std::string>& only, const std::strin
     for (Series& series : experiment.measure(plan)) all.push_back(std::move(series));
   }
   std::ofstream(out) << ToJson(all);
-  return 0;
+  return check && !IsNearGoals(all) ? 1 : 0;
 }
 
 }  // namespace
@@ -63,10 +77,12 @@ int main(int argc, char** argv) {
   app.add_option("--empty-dll", plan.emptyDll, "a DLL that does nothing");
   app.add_option("--out", out, "where the values go, as JSON")->required();
   app.add_option("--only", only, "experiments, by name");
+  bool check = false;
+  app.add_flag("--check", check, "fail when a median is more than twice its goal");
   app.add_flag("--short", plan.isShort, "a few seconds in all");
   CLI11_PARSE(app, argc, argv);
   try {
-    return Run(plan, only, out);
+    return Run(plan, only, out, check);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "%s\n", error.what());
     return 1;

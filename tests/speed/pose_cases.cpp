@@ -37,8 +37,8 @@ Matrix3x4 LookMatrix(int number) {
 }
 
 template <typename MakePayload>
-PoseFormatCase Case(const char* name, MakePayload make, double goal = kGoal) {
-  PoseFormatCase made{name, goal, {}};
+PoseFormatCase Case(const char* name, MakePayload make, double goal = kGoal, bool isMostlyArithmetic = false) {
+  PoseFormatCase made{name, goal, isMostlyArithmetic, {}};
   for (int number = 0; number < kPoses; ++number) made.payloads.push_back(make(number));
   return made;
 }
@@ -60,8 +60,8 @@ std::vector<PoseFormatCase> PoseFormatCases() {
   return {
       Case("0 rotation matrix", [](int n) { return Join(LookMatrix(n), PoseFormat::kMatrix); }),
       Case("1 republish", [](int) { return Join(PoseFormat::kRepublish); }),
-      Case("2 sensors", Readings, kFilterGoal),
-      Case("3 Euler angles", Angles),
+      Case("2 sensors", Readings, kFilterGoal, true),
+      Case("3 Euler angles", Angles, kGoal, true),
       Case("4 quaternion",
            [](int n) {
              return Join(Look(n), Vector3{0.1F, 1.7F, 0.2F}, PoseFormat::kQuaternion);
@@ -71,7 +71,8 @@ std::vector<PoseFormatCase> PoseFormatCases() {
              return Join(Vector3{0.1F * float(n), 1.7F, 0.2F}, PoseFormat::kPositionOnly);
            }),
       Case("6 pose matrix", [](int n) { return Join(LookMatrix(n), PoseFormat::kPoseMatrix); }),
-      Case("50 recenter", [](int) { return Join(PoseFormat::kRecenter); }),
+      Case(
+          "50 recenter", [](int) { return Join(PoseFormat::kRecenter); }, kGoal, true),
       Case("254 tracking state", [](int n) { return Join(std::uint8_t(n % 3), PoseFormat::kTrackingState); }),
   };
 }

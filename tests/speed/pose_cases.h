@@ -16,6 +16,8 @@ using Payload = std::vector<std::byte>;
 struct PoseFormatCase {
   const char* name;
   double goal;  // times the floor
+  // The format itself asks for sines, or for a filter, and so for many times the floor whatever else is done.
+  bool isMostlyArithmetic;
   std::vector<Payload> payloads;
 };
 
