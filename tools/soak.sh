@@ -32,7 +32,7 @@ print_calls() {
   echo '| call | may wait, ms | worst seen, ms | calls |'
   echo '| --- | --- | --- | --- |'
   awk -F, '!($1 in worst) { order[++n] = $1 }
-    { waits[$1] = $2; calls[$1] += $5; if ($4 + 0 > worst[$1] + 0) worst[$1] = $4 }
+    { waits[$1] = $2; calls[$1] += $5; if ($4 + 0 >= worst[$1] + 0) worst[$1] = $4 }
     END { for (i = 1; i <= n; i++) printf "| %s | %s | %s | %d |\n", order[i], waits[order[i]], worst[order[i]],
           calls[order[i]] }' "$out/calls.csv"
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "companion/controller_record.h"
+#include "companion/owned_handle.h"
 #include "companion/statistics.h"
 #include "frame_companion.h"
 #include "runtime/clock.h"
@@ -84,6 +85,45 @@ void AnnounceAll(ScenarioRun& run, DriverLife& life, PipeServer& pipes) {
   life.ActivatePending();
 }
 
+// The time that RunFrame takes, and beside it that of something which is as long as the machine is as busy: a few calls
+// of the system and the stand-in's own part in a frame.
+class FrameTimes {
+ public:
+  void Measure(DriverLife& life) {
+    const std::int64_t begin = runtime::NowTicks();
+    life.RunFrame();
+    const std::int64_t between = runtime::NowTicks();
+    for (int call = 0; call < 4; ++call) {
+      SetEvent(event_.Get());
+      life.runtime.Journal().Append("floor", nlohmann::ordered_json::object());
+    }
+    const std::int64_t end = runtime::NowTicks();
+    frames_.push_back(runtime::TicksToMilliseconds(between - begin));
+    floors_.push_back(runtime::TicksToMilliseconds(end - between));
+  }
+  // Compares the first fifth with the last. Medians are those of the machine's other work as well: the frames that were
+  // left alone tell, a tenth of all, beside the floor's.
+  void Judge(ScenarioRun& run) const {
+    const double first = Part(frames_, 0, kAlone), last = Part(frames_, 4, kAlone);
+    const double firstFloor = Part(floors_, 0, kAlone), lastFloor = Part(floors_, 4, kAlone);
+    run.Check(last / lastFloor <= 2 * first / firstFloor, "RunFrame takes no longer in the end than in the beginning");
+    run.Figure(
+        "%zu frames, RunFrame at first and at last: median %.3f and %.3f ms, left alone %.3f and %.3f ms, "
+        "its floor then %.3f and %.3f ms",
+        frames_.size(), Part(frames_, 0, 0.5), Part(frames_, 4, 0.5), first, last, firstFloor, lastFloor);
+  }
+
+ private:
+  static constexpr double kAlone = 0.1;
+  [[nodiscard]] static double Part(const std::vector<double>& values, int fifth, double share) {
+    const auto length = static_cast<std::ptrdiff_t>(values.size() / 5);
+    return Percentile({values.begin() + fifth * length, values.begin() + (fifth + 1) * length}, share);
+  }
+  OwnedHandle event_{CreateEventA(nullptr, TRUE, FALSE, nullptr)};
+  std::vector<double> frames_;
+  std::vector<double> floors_;
+};
+
 void FortyControllers(ScenarioRun& run) {
   NumbersSeen numbers;
   DriverLife life(run);
@@ -95,13 +135,12 @@ void FortyControllers(ScenarioRun& run) {
   const auto container = FakeProperties::ContainerOf(life.runtime.Host().Added().back().index);
 
   std::atomic<bool> stop = false;
-  std::vector<double> frameMs;
+  FrameTimes times;
   std::thread server([&] {
     while (!stop) {
       life.runtime.Host().PushHaptic(container, 1, 0.01F, 100, 1);
       const std::int64_t begin = runtime::NowTicks();
-      life.RunFrame();
-      frameMs.push_back(runtime::TicksToMilliseconds(runtime::NowTicks() - begin));
+      times.Measure(life);
       runtime::SleepUntilTicks(begin + runtime::SecondsToTicks(1.0 / 90));
     }
   });
@@ -110,15 +149,10 @@ void FortyControllers(ScenarioRun& run) {
   stop = true;
   server.join();
 
-  const std::size_t fifth = frameMs.size() / 5;
-  const double first = Percentile({frameMs.begin(), frameMs.begin() + static_cast<std::ptrdiff_t>(fifth)}, 0.5);
-  const double last = Percentile({frameMs.end() - static_cast<std::ptrdiff_t>(fifth), frameMs.end()}, 0.5);
   run.Check(allSeen, "no record is lost");
   run.Check(numbers.Faults() == 0, "no record is out of order");
-  run.Check(last <= 3 * first + 0.05, "RunFrame takes no longer in the end than in the beginning");
-  run.Figure(
-      "%d records sent, %d seen, %d out of order, %zu frames, RunFrame's median %.3f ms at first, %.3f ms at last",
-      sent, numbers.Seen(), numbers.Faults(), frameMs.size(), first, last);
+  run.Figure("%d records sent, %d seen, %d out of order", sent, numbers.Seen(), numbers.Faults());
+  times.Judge(run);
 }
 
 constexpr std::array kScenarios{Scenario{"forty_controllers", FortyControllers}};
