@@ -22,9 +22,14 @@ class DriverContext {
   vr::IVRDriverLog* DriverLog();
   vr::IVRDriverManager* DriverManager();
   vr::IVRResources* Resources();
-  vr::IVRDriverInput* DriverInput();
+  // Asked for with each input that changes.
+  vr::IVRDriverInput* DriverInput() {
+    vr::IVRDriverInput* known = driverInput_.load(std::memory_order_acquire);
+    return known != nullptr ? known : FetchDriverInput();
+  }
 
  private:
+  vr::IVRDriverInput* FetchDriverInput();
   template <typename Interface>
   Interface* Fetch(std::atomic<Interface*>& slot, const char* version);
 
@@ -39,6 +44,10 @@ class DriverContext {
 };
 
 // The one context of the process.
-DriverContext& Context();
+inline DriverContext& Context() {
+  // Constant-initialised, so that no guard runs on any thread's way here.
+  static constinit DriverContext context;
+  return context;
+}
 
 }  // namespace ombrel
