@@ -118,11 +118,11 @@ void EveryCall(ScenarioRun& run) {
     }
   });
   int rounds = 0;
-  for (int companions = run.Rounds(60, 3); companions > 0; --companions) {
+  for (int companions = run.Rounds(60, 2); companions > 0; --companions) {
     FrameCompanion companion;
     if (!run.Check(companion.Connect(), "the driver connects")) break;
     const PoseStream poses(companion.Pipes());
-    const auto end = std::chrono::steady_clock::now() + milliseconds(300);
+    const auto end = std::chrono::steady_clock::now() + milliseconds(200);
     for (; std::chrono::steady_clock::now() < end; ++rounds) {
       CallTheHeadset(run.calls, life);
       CallTheDirectMode(run.calls, life);
@@ -144,7 +144,7 @@ void EveryCallVirtual(ScenarioRun& run) {
   FrameCompanion companion;
   CheckConnection(run, life, companion);
   for (int more = run.Rounds(25, 1); more > 0 && run.Failures().empty(); --more) {
-    const std::string fault = PlayFrames(life, companion, 20);
+    const std::string fault = PlayFrames(life, companion, run.Rounds(20, 5));
     run.Check(fault.empty(), "frames come: " + fault);
   }
   for (int frame = 0; frame < 20; ++frame) {

@@ -39,7 +39,7 @@ void PlayRounds(ScenarioRun& run, Growth& growth, int rounds, Play play) {
 void Reconnects(ScenarioRun& run) {
   DriverLife life(run, Mode::kLayers, WatchHeap);
   life.Start();
-  const int rounds = run.Rounds(1000, 9);
+  const int rounds = run.Rounds(1000, 8);
   Growth growth(rounds);
   std::unique_ptr<FrameCompanion> companion;  // connected at each sample
   PlayRounds(run, growth, rounds, [&] {
@@ -94,7 +94,7 @@ void Frames(ScenarioRun& run) {
   life.Start();
   FrameCompanion companion;
   if (!CheckConnection(run, life, companion)) return;
-  const int rounds = run.Rounds(100'000, 120) / kFramesInRound;
+  const int rounds = run.Rounds(100'000, 60) / kFramesInRound;
   Growth growth(rounds);
   const std::int64_t begin = runtime::NowTicks();
   int frames = 0;
@@ -131,7 +131,7 @@ std::int64_t BlocksOfLoading(ScenarioRun& run) {
 // The library comes and goes in one process, each time with a whole session.
 void LoadCycles(ScenarioRun& run) {
   constexpr int kModes = 2;
-  const int rounds = run.Rounds(200, 6);
+  const int rounds = run.Rounds(200, 5);
   const std::int64_t ofLoading = BlocksOfLoading(run);
   const std::int64_t blocksBefore = ReadHeld().driverBlocks;
   Growth growth(rounds);

@@ -78,7 +78,7 @@ void Restarts(ScenarioRun& run) {
   DriverLife& life = DriverLife::Shared(run);
   std::mt19937 random(18);
   std::uniform_int_distribution<int> lifetimeMs(0, 600);
-  const int rounds = run.Rounds(1000, 8);
+  const int rounds = run.Rounds(1000, 6);
   int connected = 0;
   for (int round = 0; round < rounds; ++round) {
     PipeServer pipes({});
@@ -128,7 +128,7 @@ void GarbageScenario(ScenarioRun& run) {
   DriverLife life(run);
   life.Start();
   std::mt19937 random(18);
-  const int rounds = run.Rounds(400, 8);
+  const int rounds = run.Rounds(400, 4);
   int taken = 0;
   for (int round = 0; round < rounds; ++round) {
     SilentPipes pipes;

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <future>
+#include <string>
 
 #include "companion/messages.h"
 #include "frame_companion.h"
@@ -89,8 +90,8 @@ void FrameRates(ScenarioRun& run, Mode mode) {
   FrameCompanion companion;
   if (!CheckConnection(run, life, companion)) return;
   for (const std::uint32_t rate : kRates) {
-    if (rate == 1 && mode == Mode::kTexture && !run.isLong) {
-      run.Skip("one frame a second: in the long form only, since both modes wait by the same rules");
+    if (!run.isLong && rate == (mode == Mode::kTexture ? 0 : 1)) {
+      run.Skip(std::to_string(rate) + " frames a second: in the long form, since both modes wait by the same rules");
       continue;
     }
     PlayAtRate(run, life, companion, rate);
