@@ -24,7 +24,7 @@ std::int64_t AllowedWithTextures(const ScenarioRun& run) { return run.Rounds(12,
 // Rounds until they are done, something failed, or they take too long for a soak of an hour; then it says so.
 template <typename Play>
 void PlayRounds(ScenarioRun& run, Growth& growth, int rounds, Play play) {
-  constexpr double kLongestSeconds = 1500;
+  constexpr double kLongestSeconds = 1200;
   const std::int64_t begin = runtime::NowTicks();
   for (int round = 1; round <= rounds && run.Failures().empty(); ++round) {
     play();
