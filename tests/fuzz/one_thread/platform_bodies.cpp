@@ -17,6 +17,7 @@ std::int64_t PerformanceCounter() { return TheWorld().now += 1000; }
 std::int64_t PerformanceFrequency() { return 10'000'000; }
 std::uint32_t TickMilliseconds() { return static_cast<std::uint32_t>(TheWorld().now / 10'000); }
 void SleepMs(std::uint32_t milliseconds) { TheWorld().Sleep(milliseconds); }
+void SleepBelowMs(double milliseconds) { TheWorld().now += static_cast<std::int64_t>(milliseconds * 10'000.0); }
 void RaiseTimerResolution() {}
 
 std::uint32_t CurrentProcessId() { return 4660; }

@@ -45,8 +45,9 @@ TEST_F(ControllerRegistryTest, TellsAThousandApart) {
 }
 
 TEST_F(ControllerRegistryTest, KnowsNobodyOnceRetired) {
-  Add(7);
+  ControllerDevice& retired = Add(7);
   registry_.Retire();
+  EXPECT_EQ(retired.ControllerId(), 7) << "the runtime may still ask it";
   EXPECT_EQ(registry_.Find(7), nullptr);
   EXPECT_EQ(registry_.Find(0), nullptr);
 }
