@@ -19,3 +19,5 @@ set(CMAKE_CROSSCOMPILING_EMULATOR
   "${CMAKE_CURRENT_LIST_DIR}/../tools/wine.sh;--prefix;${CMAKE_BINARY_DIR}/wine")
 set(OMBREL_GPU_EMULATOR
   "${CMAKE_CURRENT_LIST_DIR}/../tools/wine.sh;--prefix;${CMAKE_BINARY_DIR}/wine_gpu")
+set(OMBREL_SCENARIOS_EMULATOR
+  "${CMAKE_CURRENT_LIST_DIR}/../tools/wine.sh;--prefix;${CMAKE_BINARY_DIR}/wine_scenarios")

@@ -36,6 +36,11 @@ void MsvcDirectPresent(void* direct, uint64_t syncTexture);
 void MsvcDirectPostPresent(void* direct);
 void MsvcDirectGetFrameTiming(void* direct, void* timing);  // DriverDirectMode_FrameTiming
 
+// IVRVirtualDisplay_002
+void MsvcVirtualPresent(void* virtualDisplay, uint64_t texture);
+void MsvcVirtualWaitForPresent(void* virtualDisplay);
+bool MsvcVirtualGetTimeSinceLastVsync(void* virtualDisplay, float* seconds, uint64_t* frames);
+
 // IServerTrackedDeviceProvider_004
 int32_t MsvcProviderInit(void* provider, void* driverContext);
 void MsvcProviderCleanup(void* provider);
