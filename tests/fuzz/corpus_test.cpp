@@ -63,7 +63,7 @@ TEST(FuzzCorpusTest, StreamsMadeFromItAreTakenToo) {
   const Seeds corpus = Corpus();
   StreamMutator mutator(1, FlipAByte);
   StreamMutator::Stream last;
-  for (int round = 0; round < 10; ++round) {
+  for (int round = 0; round < 100; ++round) {
     for (const auto& [name, bytes] : corpus) {
       if (bytes.size() > 4096) continue;
       last = round % 2 == 0 ? mutator.Mutate(bytes, 4096) : mutator.Cross(bytes, last, 4096);
