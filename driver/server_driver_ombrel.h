@@ -23,8 +23,8 @@ class CServerDriver_Ombrel final : public vr::IServerTrackedDeviceProvider, publ
   CServerDriver_Ombrel& operator=(const CServerDriver_Ombrel&) = delete;
 
   // 0, or VRInitError_Init_InterfaceNotFound, or VRInitError_Init_HmdNotFound when the companion program is not
-  // running or there is no memory for a headset. May be called again after a failure and after Cleanup; does nothing while there is a headset. Waits for
-  // nothing but Direct3D, which makes a device.
+  // running or there is no memory for a headset. May be called again after a failure and after Cleanup; does nothing
+  // while there is a headset. Waits for nothing but Direct3D, which makes a device.
   vr::EVRInitError Init(vr::IVRDriverContext* pDriverContext) override;
   // Takes 0.4 seconds, and up to two more while a frame under way waits for a keyed mutex. The library may be unloaded
   // when it has returned. A runtime that keeps a call of the link's threads (a pose, a device) waiting keeps this waiting.

@@ -50,6 +50,15 @@ class OmbrelCoreTest : public testing::Test {
     renderer_->journal.Clear();
     return streams;
   }
+  // Up to the moment that a connection's outputs are being made, which then waits at the barrier.
+  [[nodiscard]] bool ConnectUpTo(Barrier& making) {
+    PrepareOutput();
+    renderer_->onCall = [&making](const std::string& line) {
+      if (line == "CreateOutputTextures") making.Pass();
+    };
+    SetUpCore();
+    return companion_.Connect() && making.WaitForVisitor();
+  }
   [[nodiscard]] bool Receive() { return companion_.Receive().has_value(); }
   [[nodiscard]] bool SetFrameRate(std::uint32_t rate) {
     return companion_.Send(9, Bytes().U32(rate)) && listener_.journal.WaitForLine("framerate " + std::to_string(rate));

@@ -95,28 +95,16 @@ TEST_F(OmbrelCoreTest, OutputsThatCouldNotBeMadeAreMadeByAnotherActivation) {
 }
 
 TEST_F(OmbrelCoreTest, PosesGoOnWhileTheOutputsAreMade) {
-  PrepareOutput();
   Barrier making;
-  renderer_->onCall = [&](const std::string& line) {
-    if (line == "CreateOutputTextures") making.Pass();
-  };
-  SetUpCore();
-  ASSERT_TRUE(companion_.Connect());
-  ASSERT_TRUE(making.WaitForVisitor());
+  ASSERT_TRUE(ConnectUpTo(making));
   EXPECT_TRUE(SendPose());
   making.Open();
   EXPECT_TRUE(WaitForStreaming());
 }
 
 TEST_F(OmbrelCoreTest, APoseThatComesWhileTheOutputsAreMadeLetsAFrameGo) {
-  PrepareOutput();
   Barrier making;
-  renderer_->onCall = [&](const std::string& line) {
-    if (line == "CreateOutputTextures") making.Pass();
-  };
-  SetUpCore();
-  ASSERT_TRUE(companion_.Connect());
-  ASSERT_TRUE(making.WaitForVisitor());
+  ASSERT_TRUE(ConnectUpTo(making));
   ASSERT_TRUE(SendPose());
   making.Open();
   Background frame([this] {

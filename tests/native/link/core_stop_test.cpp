@@ -56,14 +56,8 @@ TEST_F(CoreStopTest, WaitsForAFrameUnderWay) {
 }
 
 TEST_F(CoreStopTest, WaitsForTheOutputsBeingMade) {
-  PrepareOutput();
   Barrier making;
-  renderer_->onCall = [&](const std::string& line) {
-    if (line == "CreateOutputTextures") making.Pass();
-  };
-  SetUpCore();
-  ASSERT_TRUE(companion_.Connect());
-  ASSERT_TRUE(making.WaitForVisitor());
+  ASSERT_TRUE(ConnectUpTo(making));
   Background stop([this] { core_->StopLink(); });
   EXPECT_TRUE(stop.StaysBlocked());
   making.Open();
