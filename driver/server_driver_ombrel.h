@@ -27,11 +27,12 @@ class CServerDriver_Ombrel final : public vr::IServerTrackedDeviceProvider, publ
   // while there is a headset. Waits for nothing but Direct3D, which makes a device.
   vr::EVRInitError Init(vr::IVRDriverContext* pDriverContext) override;
   // Takes 0.4 seconds, and up to two more while a frame under way waits for a keyed mutex. The library may be unloaded
-  // when it has returned. A runtime that keeps a call of the link's threads (a pose, a device) waiting keeps this waiting.
+  // when it has returned. A runtime that keeps a call of the link's threads (a pose, a device) waiting keeps this
+  // waiting.
   void Cleanup() override;
   const char* const* GetInterfaceVersions() override;
-  // Waits only when the companion does not read what is written to it: for a haptic pulse 0.6 seconds at most, 1.2 when a
-  // frame's announcement waits at the same time, and then not again for two seconds.
+  // Waits only when the companion does not read what is written to it: for a haptic pulse 0.6 seconds at most, 1.2 when
+  // a frame's announcement waits at the same time, and then not again for two seconds.
   void RunFrame() override;
   bool ShouldBlockStandbyMode() override;
   void EnterStandby() override;

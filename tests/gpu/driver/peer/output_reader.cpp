@@ -1,10 +1,10 @@
 #include "output_reader.h"
 
 #include <cstdlib>
-#include <cstring>
 #include <stdexcept>
 
 #include "gpu_support/pixel_pattern.h"
+#include "gpu_support/read_texture.h"
 #include "sharing/sharing_device.h"
 
 namespace ombrel::test {
@@ -79,35 +79,13 @@ HRESULT OutputReader::Acquire(std::size_t texture, DWORD timeoutMs) {
 HRESULT OutputReader::Release(std::size_t texture) { return outputs_.at(texture).keyedMutex->ReleaseSync(kKey); }
 
 json OutputReader::Compare(std::size_t texture, const json& areas) {
-  const bench::Image image = Read(outputs_.at(texture).texture.Get());
+  const bench::Image image = ReadTexture(*device_.Get(), *context_.Get(), outputs_.at(texture).texture.Get());
   json differences = json::array();
   for (const json& area : areas) {
     const std::string difference = FirstDifference(area, image);
     if (!difference.empty()) differences.push_back(difference);
   }
   return differences;
-}
-
-bench::Image OutputReader::Read(ID3D11Texture2D* texture) {
-  D3D11_TEXTURE2D_DESC desc{};
-  texture->GetDesc(&desc);
-  desc.Usage = D3D11_USAGE_STAGING;
-  desc.BindFlags = 0;
-  desc.CPUAccessFlags = D3D11_CPU_ACCESS_READ;
-  desc.MiscFlags = 0;
-  ComPtr<ID3D11Texture2D> staging;
-  D3D11_MAPPED_SUBRESOURCE mapped{};
-  Require(device_->CreateTexture2D(&desc, nullptr, &staging), "making a staging texture");
-  context_->CopyResource(staging.Get(), texture);
-  Require(context_->Map(staging.Get(), 0, D3D11_MAP_READ, 0, &mapped), "reading a texture");
-  bench::Image image(static_cast<int>(desc.Width), static_cast<int>(desc.Height));
-  const std::size_t rowBytes = std::size_t{4} * desc.Width;
-  for (std::size_t y = 0; y < desc.Height; ++y) {
-    std::memcpy(image.pixels.data() + y * rowBytes, static_cast<const std::byte*>(mapped.pData) + y * mapped.RowPitch,
-                rowBytes);
-  }
-  context_->Unmap(staging.Get(), 0);
-  return image;
 }
 
 }  // namespace ombrel::test

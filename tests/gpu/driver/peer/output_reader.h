@@ -41,7 +41,6 @@ class OutputReader {
     Microsoft::WRL::ComPtr<IDXGIKeyedMutex> keyedMutex;
   };
   [[nodiscard]] Output Open(std::uint32_t handle);
-  [[nodiscard]] bench::Image Read(ID3D11Texture2D* texture);
 
   Microsoft::WRL::ComPtr<ID3D11Device> device_;
   Microsoft::WRL::ComPtr<ID3D11DeviceContext> context_;

@@ -1,10 +1,10 @@
 #include "gpu_support/runtime_side.h"
 
-#include <cstring>
 #include <stdexcept>
 #include <string>
 
 #include "gpu_support/pixel_pattern.h"
+#include "gpu_support/read_texture.h"
 #include "sharing/sharing_device.h"
 
 namespace ombrel::test {
@@ -80,30 +80,8 @@ bench::Image RuntimeSide::See(std::uint64_t handle) {
   if (!texture || FAILED(texture.As(&mutex)))
     throw std::runtime_error("no texture of handle " + std::to_string(handle));
   Require(mutex->AcquireSync(kKey, kAcquireMs), "acquiring a texture");
-  bench::Image image = Read(texture.Get());
+  bench::Image image = ReadTexture(Device(), *context_.Get(), texture.Get());
   Require(mutex->ReleaseSync(kKey), "releasing a texture");
-  return image;
-}
-
-bench::Image RuntimeSide::Read(ID3D11Texture2D* texture) {
-  D3D11_TEXTURE2D_DESC desc{};
-  texture->GetDesc(&desc);
-  desc.Usage = D3D11_USAGE_STAGING;
-  desc.BindFlags = 0;
-  desc.CPUAccessFlags = D3D11_CPU_ACCESS_READ;
-  desc.MiscFlags = 0;
-  ComPtr<ID3D11Texture2D> staging;
-  Require(Device().CreateTexture2D(&desc, nullptr, &staging), "making a texture to read from");
-  context_->CopyResource(staging.Get(), texture);
-  D3D11_MAPPED_SUBRESOURCE mapped{};
-  Require(context_->Map(staging.Get(), 0, D3D11_MAP_READ, 0, &mapped), "reading a texture");
-  bench::Image image(static_cast<int>(desc.Width), static_cast<int>(desc.Height));
-  const std::size_t row = std::size_t{4} * desc.Width;
-  for (std::size_t y = 0; y < desc.Height; ++y) {
-    std::memcpy(image.pixels.data() + y * row, static_cast<const std::uint8_t*>(mapped.pData) + y * mapped.RowPitch,
-                row);
-  }
-  context_->Unmap(staging.Get(), 0);
   return image;
 }
 

@@ -44,7 +44,6 @@ class RuntimeSide {
   [[nodiscard]] D3D11_TEXTURE2D_DESC Describe(std::uint64_t handle);
 
  private:
-  [[nodiscard]] bench::Image Read(ID3D11Texture2D* texture);
   [[nodiscard]] ID3D11Device& Device();
   [[nodiscard]] ComPtr<ID3D11Texture2D> Open(std::uint64_t handle);
   void Write(ID3D11Texture2D* texture, const Painter& painter);
