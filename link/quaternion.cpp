@@ -19,19 +19,6 @@ Quaternion FromLargestDiagonal(const Matrix3x4& m) {
   return {(m[0][2] + m[2][0]) / s, (m[1][1] + m[2][1]) / s, s / 4.0F, (m[1][0] - m[0][1]) / s};
 }
 
-bool IsFinite(const Quaternion& q) {
-  return std::isfinite(q.x) && std::isfinite(q.y) && std::isfinite(q.z) && std::isfinite(q.w);
-}
-
-Matrix3x4 ToMatrix(const Quaternion& q) {
-  const float xx = q.x * q.x, yy = q.y * q.y, zz = q.z * q.z;
-  const float xy = q.x * q.y, xz = q.x * q.z, yz = q.y * q.z;
-  const float wx = q.w * q.x, wy = q.w * q.y, wz = q.w * q.z;
-  return {{{1.0F - 2.0F * (yy + zz), 2.0F * (xy - wz), 2.0F * (xz + wy), 0.0F},
-           {2.0F * (xy + wz), 1.0F - 2.0F * (xx + zz), 2.0F * (yz - wx), 0.0F},
-           {2.0F * (xz - wy), 2.0F * (yz + wx), 1.0F - 2.0F * (xx + yy), 0.0F}}};
-}
-
 Quaternion EulerToQuaternion(float aboutX, float aboutY, float aboutZ) {
   const double ca = std::cos(aboutX * 0.5F), sa = std::sin(aboutX * 0.5F);
   const double cb = std::cos(aboutY * 0.5F), sb = std::sin(aboutY * 0.5F);

@@ -67,10 +67,19 @@ class MatrixBytes {
   return {q.x / length, q.y / length, q.z / length, q.w / length};
 }
 
-[[nodiscard]] bool IsFinite(const Quaternion& q);
+[[nodiscard]] inline bool IsFinite(const Quaternion& q) {
+  return std::isfinite(q.x) && std::isfinite(q.y) && std::isfinite(q.z) && std::isfinite(q.w);
+}
 
 // The rotation of a unit quaternion; the fourth column is 0.
-[[nodiscard]] Matrix3x4 ToMatrix(const Quaternion& q);
+[[nodiscard]] inline Matrix3x4 ToMatrix(const Quaternion& q) {
+  const float xx = q.x * q.x, yy = q.y * q.y, zz = q.z * q.z;
+  const float xy = q.x * q.y, xz = q.x * q.z, yz = q.y * q.z;
+  const float wx = q.w * q.x, wy = q.w * q.y, wz = q.w * q.z;
+  return {{{1.0F - 2.0F * (yy + zz), 2.0F * (xy - wz), 2.0F * (xz + wy), 0.0F},
+           {2.0F * (xy + wz), 1.0F - 2.0F * (xx + zz), 2.0F * (yz - wx), 0.0F},
+           {2.0F * (xz - wy), 2.0F * (yz + wx), 1.0F - 2.0F * (xx + yy), 0.0F}}};
+}
 
 // Quaternion of three angles in radians, about x, y and z. The signs are the companion protocol's own and belong to no
 // textbook order of rotations. Products in double precision, each result narrowed.
