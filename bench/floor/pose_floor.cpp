@@ -20,6 +20,15 @@ Quaternion NormalisedProduct(const Quaternion& p, const Quaternion& s) {
 
 void PoseFloor::Publish(std::span<const std::byte, sizeof(Record)> bytes) {
   std::memcpy(&working_, bytes.data(), sizeof(Record));
+  Publish();
+}
+
+void PoseFloor::Publish(const std::array<float, 4>& orientation) {
+  working_.rawOrientation = orientation;
+  Publish();
+}
+
+void PoseFloor::Publish() {
   working_.orientation = NormalisedProduct(offset_, working_.rawOrientation);
   published_ = working_;
 }

@@ -69,8 +69,8 @@ const std::vector<Goal>& Goals() {
 }
 
 bool Verdict::IsMedianMet(double slack) const {
-  if (goal.median > 0 && !(MedianRatio() <= goal.median * slack)) return false;
-  if (goal.leastMedian > 0 && !(MedianRatio() >= goal.leastMedian / slack)) return false;
+  if (goal.median > 0 && !(medianRatio <= goal.median * slack)) return false;
+  if (goal.leastMedian > 0 && !(medianRatio >= goal.leastMedian / slack)) return false;
   return !(goal.absoluteMedian > 0) || driverMedian <= goal.absoluteMedian * slack;
 }
 
@@ -91,6 +91,7 @@ std::vector<Verdict> Judge(const std::vector<Series>& all) {
                         .driverMedian = Percentile(drivers, 0.5),
                         .floorP99 = Percentile(floors, 0.99),
                         .driverP99 = Percentile(drivers, 0.99),
+                        .medianRatio = Percentile(ratios, 0.5),
                         .lowerQuartile = Percentile(ratios, 0.25),
                         .upperQuartile = Percentile(ratios, 0.75)});
   }

@@ -116,7 +116,7 @@ Series MeasureAgainstTextures(LayerSession& session, int blocks, int frames) {
 }  // namespace
 
 std::vector<Series> MeasureLayerFrames(const Plan& plan) {
-  const int blocks = plan.isShort ? 6 : 120, frames = 20;
+  const int blocks = plan.isShort ? 24 : 480, frames = 5;
   LayerSession session(plan);
   floor::LayerFrameFloor bare = session.MakeFloor();
   std::vector<Series> all;
@@ -127,8 +127,8 @@ std::vector<Series> MeasureLayerFrames(const Plan& plan) {
         [&] { session.Frame(layers); }));
   }
   if (plan.isShort) return all;
-  all.push_back(MeasureAgainstLayers(session, blocks / 6, frames));
-  all.push_back(MeasureAgainstTextures(session, blocks / 6, frames));
+  all.push_back(MeasureAgainstLayers(session, blocks / 24, 4 * frames));
+  all.push_back(MeasureAgainstTextures(session, blocks / 24, 4 * frames));
   return all;
 }
 

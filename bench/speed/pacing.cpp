@@ -59,7 +59,7 @@ std::vector<Series> MeasurePacing(const Plan& plan) {
     Measure(driver, 90, 6, 10, all);
     return all;
   }
-  for (const std::uint32_t rate : {60u, 72u, 90u, 120u, 144u}) Measure(driver, rate, 30, 10, all);
+  for (const std::uint32_t rate : {60u, 72u, 90u, 120u, 144u}) Measure(driver, rate, 100, 10, all);
   return all;
 }
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "companion/statistics.h"
+
 namespace bench::speed {
 namespace {
 
@@ -10,6 +12,15 @@ Series& FindOrAdd(std::vector<Series>& all, const std::string& name, const std::
   if (found != all.end()) return *found;
   all.push_back({name, unit, {}});
   return all.back();
+}
+
+void TakeOffMeasuring(Series& series) {
+  const std::vector<double> nothing = series.Of(kNothing);
+  if (nothing.empty()) return;
+  std::erase_if(series.blocks, [](const Block& block) { return block.side == kNothing; });
+  for (Block& block : series.blocks) {
+    for (double& value : block.values) value -= Percentile(nothing, 0.5);
+  }
 }
 
 }  // namespace
@@ -58,6 +69,7 @@ std::vector<Series> SeriesFromBenchmarks(const nlohmann::json& json) {
     if (slash == std::string::npos) continue;
     FindOrAdd(all, name.substr(0, slash), "ns").Add(name.substr(slash + 1), {run.at("cpu_time").get<double>()});
   }
+  std::ranges::for_each(all, TakeOffMeasuring);
   return all;
 }
 

@@ -12,10 +12,10 @@
 #include "experiments.h"
 #include "floor/start_floor.h"
 #include "floor/thread_time.h"
-#include "sharing/import_patch.h"
 #include "lean_runtime.h"
 #include "runtime/driver_module.h"
 #include "scene_shaders.h"
+#include "sharing/import_patch.h"
 
 namespace bench::speed {
 namespace {
@@ -92,9 +92,13 @@ std::vector<Series> MeasureStarts(const Plan& plan) {
   // What the first start alone has to load is slow for neither.
   static_cast<void>(floor::TimeBareStart(plan.emptyDll, shaders));
   static_cast<void>(TimeStart(plan.library));
+  // Until the threads of the device before have gone, which the next start would have to share the processors with.
+  constexpr DWORD kPauseMs = 300;
   Series series{"start", "ms", {}};
   for (int i = 0; i < (plan.isShort ? 3 : 30); ++i) {
+    Sleep(kPauseMs);
     series.Add(kFloor, {ToMs(floor::TimeBareStart(plan.emptyDll, shaders))});
+    Sleep(kPauseMs);
     series.Add(kDriver, {ToMs(TimeStart(plan.library))});
   }
   return {series};

@@ -71,7 +71,7 @@ class TextureSession {
 }  // namespace
 
 std::vector<Series> MeasureTextureFrames(const Plan& plan) {
-  const int blocks = plan.isShort ? 6 : 120, frames = 20;
+  const int blocks = plan.isShort ? 24 : 480, frames = 5;
   TextureSession session(plan);
   floor::TextureFrameFloor bare = session.MakeFloor();
   session.SendPoses((blocks + 2) * frames);

@@ -40,6 +40,17 @@ TEST(Goals, AllowAsManyTimesMoreAsTheSlackSays) {
   EXPECT_FALSE(Latency(100, 215, 215).IsMedianMet(2.0));
 }
 
+TEST(Goals, CompareNeighboursSoThatASlowWhileCountsForNobody) {
+  Series series{"pose latency", "µs", {}};
+  for (const double slowness : {1.0, 3.0, 1.0}) {
+    series.Add(kFloor, {100 * slowness});
+    series.Add(kDriver, {104 * slowness});
+  }
+  series.Add(kFloor, {100});
+  series.Add(kDriver, {300});
+  EXPECT_DOUBLE_EQ(Judge({series}).at(0).medianRatio, 1.04);
+}
+
 TEST(Goals, OfARateAreMissedByOneThatIsTooLow) {
   Series series{"burst", "poses/s", {}};
   series.Add(kFloor, {1000});
@@ -69,6 +80,17 @@ TEST(SeriesOfBenchmarks, HaveTheirSidesBehindTheSlash) {
   ASSERT_EQ(all.size(), 1U);
   EXPECT_EQ(all[0].Of(kFloor), std::vector<double>{6.0});
   EXPECT_EQ(all[0].Of("4 quaternion"), std::vector<double>{9.0});
+}
+
+TEST(SeriesOfBenchmarks, AreWithoutWhatMeasuringTakes) {
+  const auto json = nlohmann::json::parse(R"({"benchmarks": [
+    {"run_name": "pose/floor", "run_type": "iteration", "cpu_time": 26.0},
+    {"run_name": "pose/nothing", "run_type": "iteration", "cpu_time": 8.0},
+    {"run_name": "pose/4 quaternion", "run_type": "iteration", "cpu_time": 29.0}]})");
+  const auto all = bench::speed::SeriesFromBenchmarks(json);
+  EXPECT_EQ(all.at(0).Sides(), (std::vector<std::string>{"floor", "4 quaternion"}));
+  EXPECT_EQ(all[0].Of(kFloor), std::vector<double>{18.0});
+  EXPECT_EQ(all[0].Of("4 quaternion"), std::vector<double>{21.0});
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "controller_cases.h"
 #include "floor/controller_floor.h"
 #include "floor/pose_floor.h"
+#include "settle.h"
 
 namespace ombrel::test {
 namespace {
@@ -18,6 +19,7 @@ double TimeCalls(int calls, Call call) {
     call(static_cast<std::size_t>(i));
     // What was written counts as read.
     std::atomic_signal_fence(std::memory_order_seq_cst);
+    Settle();
   }
   const std::chrono::duration<double, std::nano> taken = std::chrono::steady_clock::now() - begin;
   return taken.count() / calls;
@@ -29,6 +31,10 @@ std::array<Payload, 2> Records(bool changes) {
 
 }  // namespace
 
+double TimeNothing(int calls) {
+  return TimeCalls(calls, [](std::size_t) {});
+}
+
 double TimePoseFloor(int calls) {
   const std::vector<Payload> records = FloorRecords();
   bench::floor::PoseFloor floor;
@@ -37,8 +43,13 @@ double TimePoseFloor(int calls) {
   });
 }
 
+double TimeFormulaFloor(const PoseFormatCase& format, const FormulaCase& formula, int calls) {
+  bench::floor::FormulaFloor floor = FloorBefore(format);
+  return TimeCalls(calls, [&](std::size_t i) { formula.publish(floor, format.payloads[i % format.payloads.size()]); });
+}
+
 double TimePoses(const PoseFormatCase& format, int calls) {
-  PosePublisher publisher;
+  PosePublisher publisher(format);
   return TimeCalls(calls, [&](std::size_t i) { publisher.Publish(format.payloads[i % format.payloads.size()]); });
 }
 

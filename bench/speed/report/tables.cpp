@@ -42,7 +42,7 @@ std::string GoalText(const Goal& goal, const std::string& unit) {
 
 void WriteRow(std::ostream& out, const Verdict& verdict) {
   out << "| " << verdict.goal.what << ", " << verdict.unit << " | " << Number(verdict.floorMedian) << " | "
-      << Number(verdict.driverMedian) << " | " << Ratio(verdict.MedianRatio()) << " | " << Ratio(verdict.lowerQuartile)
+      << Number(verdict.driverMedian) << " | " << Ratio(verdict.medianRatio) << " | " << Ratio(verdict.lowerQuartile)
       << " – " << Ratio(verdict.upperQuartile) << " | " << Number(verdict.floorP99) << " | "
       << Number(verdict.driverP99) << " | " << Ratio(verdict.P99Ratio()) << " | "
       << GoalText(verdict.goal, verdict.unit) << " | " << (verdict.IsMet() ? "met" : "**missed**") << " |\n";
@@ -65,9 +65,13 @@ void WriteFurtherSeries(std::ostream& out, const std::vector<Series>& all) {
   for (const Series& series : all) {
     const bool hasGoal = std::ranges::any_of(Goals(), [&](const Goal& goal) { return goal.series == series.name; });
     if (hasGoal || series.Of(kFloor).empty()) continue;
-    const double floor = Percentile(series.Of(kFloor), 0.5), driver = Percentile(series.Of(kDriver), 0.5);
-    out << "| " << series.name << ", " << series.unit << " | " << Number(floor) << " | " << Number(driver) << " | "
-        << Ratio(driver / floor) << " |\n";
+    const double floor = Percentile(series.Of(kFloor), 0.5);
+    for (const std::string& side : series.Sides()) {
+      if (side == kFloor) continue;
+      const double driver = Percentile(series.Of(side), 0.5);
+      out << "| " << series.name << (side == kDriver ? "" : ", " + side) << ", " << series.unit << " | "
+          << Number(floor) << " | " << Number(driver) << " | " << Ratio(driver / floor) << " |\n";
+    }
   }
 }
 

@@ -21,9 +21,14 @@ class PoseFloor {
 
   // `bytes` are a whole record as it came in.
   void Publish(std::span<const std::byte, sizeof(Record)> bytes);
+  // The same for an orientation that came in some other way: x, y, z, w.
+  void Publish(const std::array<float, 4>& orientation);
+  void SetOffset(const std::array<float, 4>& offset) { offset_ = offset; }
   [[nodiscard]] const Record& Published() const { return published_; }
 
  private:
+  void Publish();
+
   Record working_;
   Record published_;
   std::array<float, 4> offset_{0, 0, 0, 1};

@@ -25,10 +25,9 @@ struct Verdict {
   Goal goal;
   std::string unit;
   double floorMedian = 0, driverMedian = 0, floorP99 = 0, driverP99 = 0;
-  // Of the medians of neighbouring blocks: a quarter of the ratios is below the first, a quarter above the second.
-  double lowerQuartile = 0, upperQuartile = 0;
+  // Of the ratios of neighbouring blocks' medians: a machine that is slower for a while is so for both.
+  double medianRatio = 0, lowerQuartile = 0, upperQuartile = 0;
 
-  [[nodiscard]] double MedianRatio() const { return driverMedian / floorMedian; }
   [[nodiscard]] double P99Ratio() const { return driverP99 / floorP99; }
   // Whether it is met, or, with a `slack` above 1, missed by no more than that many times.
   [[nodiscard]] bool IsMet(double slack = 1.0) const;

@@ -10,6 +10,7 @@ namespace bench::speed {
 // Who was measured in a block.
 inline constexpr const char* kFloor = "floor";
 inline constexpr const char* kDriver = "driver";
+inline constexpr const char* kNothing = "nothing";  // measuring itself
 
 // Values taken without a pause, all of one side.
 struct Block {
@@ -34,6 +35,7 @@ struct Series {
 [[nodiscard]] std::vector<Series> SeriesFromJson(const nlohmann::json& json);
 
 // The repetitions that Google Benchmark wrote: each benchmark "series/side" becomes that series' side, in nanoseconds.
+// What measuring itself takes is taken off, where it was measured.
 [[nodiscard]] std::vector<Series> SeriesFromBenchmarks(const nlohmann::json& json);
 
 // Null when there is none of that name.
