@@ -1,6 +1,7 @@
 #include "speed/goals.h"
 
 #include <algorithm>
+#include <random>
 
 #include "companion/statistics.h"
 
@@ -19,7 +20,7 @@ void AddPacing(std::vector<Goal>& goals) {
                      .p99 = 1.0,
                      .absoluteMedian = kPacingErrorMs});
     goals.push_back({.series = series + " processor",
-                     .what = "processor time of a pacing wait at " + std::string(rate),
+                     .what = "processor time polled in a pacing wait at " + std::string(rate),
                      .absoluteMedian = kSpinMs});
   }
 }
@@ -61,6 +62,36 @@ std::vector<double> BlockRatios(const Series& series, const std::string& driverS
   return ratios;
 }
 
+using Blocks = std::vector<const Block*>;
+
+Blocks BlocksOf(const Series& series, const std::string& side) {
+  Blocks blocks;
+  for (const Block& block : series.blocks) {
+    if (block.side == side) blocks.push_back(&block);
+  }
+  return blocks;
+}
+
+// The p99 of as many blocks, each drawn by chance.
+double DrawnP99(const Blocks& blocks, std::mt19937& random) {
+  std::uniform_int_distribution<std::size_t> any(0, blocks.size() - 1);
+  std::vector<double> values;
+  for (std::size_t i = 0; i < blocks.size(); ++i) {
+    const std::vector<double>& drawn = blocks[any(random)]->values;
+    values.insert(values.end(), drawn.begin(), drawn.end());
+  }
+  return Percentile(std::move(values), 0.99);
+}
+
+double LeastP99Ratio(const Blocks& floors, const Blocks& drivers) {
+  constexpr int kDraws = 400;
+  if (floors.empty() || drivers.empty()) return 0;
+  std::mt19937 random(1);
+  std::vector<double> ratios;
+  for (int i = 0; i < kDraws; ++i) ratios.push_back(DrawnP99(drivers, random) / DrawnP99(floors, random));
+  return Percentile(ratios, 0.05);
+}
+
 }  // namespace
 
 const std::vector<Goal>& Goals() {
@@ -78,6 +109,11 @@ bool Verdict::IsMet(double slack) const {
   return IsMedianMet(slack) && (!(goal.p99 > 0) || P99Ratio() <= goal.p99 * slack);
 }
 
+Outcome Verdict::Result() const {
+  if (IsMet()) return Outcome::kMet;
+  return IsMedianMet() && leastP99Ratio <= goal.p99 ? Outcome::kUnclear : Outcome::kMissed;
+}
+
 std::vector<Verdict> Judge(const std::vector<Series>& all) {
   std::vector<Verdict> verdicts;
   for (const Goal& goal : Goals()) {
@@ -85,15 +121,18 @@ std::vector<Verdict> Judge(const std::vector<Series>& all) {
     if (series == nullptr) continue;
     const std::vector<double> floors = series->Of(kFloor), drivers = series->Of(goal.driverSide);
     const std::vector<double> ratios = BlockRatios(*series, goal.driverSide);
-    verdicts.push_back({.goal = goal,
-                        .unit = series->unit,
-                        .floorMedian = Percentile(floors, 0.5),
-                        .driverMedian = Percentile(drivers, 0.5),
-                        .floorP99 = Percentile(floors, 0.99),
-                        .driverP99 = Percentile(drivers, 0.99),
-                        .medianRatio = Percentile(ratios, 0.5),
-                        .lowerQuartile = Percentile(ratios, 0.25),
-                        .upperQuartile = Percentile(ratios, 0.75)});
+    verdicts.push_back(
+        {.goal = goal,
+         .unit = series->unit,
+         .floorMedian = Percentile(floors, 0.5),
+         .driverMedian = Percentile(drivers, 0.5),
+         .floorP99 = Percentile(floors, 0.99),
+         .driverP99 = Percentile(drivers, 0.99),
+         .medianRatio = Percentile(ratios, 0.5),
+         .lowerQuartile = Percentile(ratios, 0.25),
+         .upperQuartile = Percentile(ratios, 0.75),
+         .leastP99Ratio =
+             goal.p99 > 0 ? LeastP99Ratio(BlocksOf(*series, kFloor), BlocksOf(*series, goal.driverSide)) : 0});
   }
   return verdicts;
 }

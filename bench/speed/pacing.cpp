@@ -1,3 +1,5 @@
+#include <windows.h>
+// windows.h must come first.
 #include <openvr_driver.h>
 
 #include <functional>
@@ -10,6 +12,17 @@
 
 namespace bench::speed {
 namespace {
+
+// Processor time of sleeping itself, which is no polling.
+std::vector<double> TimeSleeps(int count, double periodMs) {
+  std::vector<double> values;
+  for (int i = 0; i < count; ++i) {
+    const std::int64_t processor = floor::ThreadNanoseconds();
+    Sleep(static_cast<DWORD>(periodMs) - 1);
+    values.push_back(static_cast<double>(floor::ThreadNanoseconds() - processor) / 1e6);
+  }
+  return values;
+}
 
 struct Waits {
   std::vector<double> errorsMs, processorMs;
@@ -38,6 +51,7 @@ void Measure(DriverUnderTest& driver, std::uint32_t rate, int blocks, int frames
   Series errors{"pacing " + std::to_string(rate), "ms", {}};
   Series processor{"pacing " + std::to_string(rate) + " processor", "ms", {}};
   floor::PacingFloor bare(periodMs);
+  processor.Add(kNothing, TimeSleeps(10 * frames, periodMs));
   for (int i = 0; i < blocks; ++i) {
     for (const char* side : {kFloor, kDriver}) {
       const bool isFloor = side == kFloor;
@@ -46,6 +60,7 @@ void Measure(DriverUnderTest& driver, std::uint32_t rate, int blocks, int frames
       processor.Add(side, std::move(waits.processorMs));
     }
   }
+  TakeOffMeasuring(processor);
   all.push_back(std::move(errors));
   all.push_back(std::move(processor));
 }

@@ -14,15 +14,6 @@ Series& FindOrAdd(std::vector<Series>& all, const std::string& name, const std::
   return all.back();
 }
 
-void TakeOffMeasuring(Series& series) {
-  const std::vector<double> nothing = series.Of(kNothing);
-  if (nothing.empty()) return;
-  std::erase_if(series.blocks, [](const Block& block) { return block.side == kNothing; });
-  for (Block& block : series.blocks) {
-    for (double& value : block.values) value -= Percentile(nothing, 0.5);
-  }
-}
-
 }  // namespace
 
 std::vector<double> Series::Of(const std::string& side) const {
@@ -71,6 +62,15 @@ std::vector<Series> SeriesFromBenchmarks(const nlohmann::json& json) {
   }
   std::ranges::for_each(all, TakeOffMeasuring);
   return all;
+}
+
+void TakeOffMeasuring(Series& series) {
+  const std::vector<double> nothing = series.Of(kNothing);
+  if (nothing.empty()) return;
+  std::erase_if(series.blocks, [](const Block& block) { return block.side == kNothing; });
+  for (Block& block : series.blocks) {
+    for (double& value : block.values) value -= Percentile(nothing, 0.5);
+  }
 }
 
 const Series* Find(const std::vector<Series>& all, const std::string& name) {

@@ -8,6 +8,7 @@ namespace {
 using bench::speed::Judge;
 using bench::speed::kDriver;
 using bench::speed::kFloor;
+using bench::speed::Outcome;
 using bench::speed::Series;
 using bench::speed::Verdict;
 
@@ -57,6 +58,26 @@ TEST(Goals, OfARateAreMissedByOneThatIsTooLow) {
   series.Add(kDriver, {790});
   EXPECT_FALSE(Judge({series}).at(0).IsMet());
   EXPECT_TRUE(Judge({series}).at(0).IsMet(2.0));
+}
+
+// Latencies in blocks of ten, of which the last has a late one; the driver's is later.
+Verdict LateOnce(double floorsLate, double driversLate, int lateBlocks) {
+  Series series{"pose latency", "µs", {}};
+  for (int i = 0; i < 20; ++i) {
+    std::vector<double> floor(10, 100.0), driver(10, 100.0);
+    if (i < lateBlocks) floor[0] = floorsLate, driver[0] = driversLate;
+    series.Add(kFloor, floor);
+    series.Add(kDriver, driver);
+  }
+  return Judge({series}).at(0);
+}
+
+TEST(Goals, AreUnclearWhenAFewLateOnesDecide) { EXPECT_EQ(LateOnce(300, 500, 3).Result(), Outcome::kUnclear); }
+
+TEST(Goals, AreMissedWhenManyAreLate) {
+  EXPECT_EQ(LateOnce(300, 500, 20).Result(), Outcome::kMissed);
+  EXPECT_EQ(LateOnce(300, 310, 20).Result(), Outcome::kMet);
+  EXPECT_EQ(Latency(100, 110, 110).Result(), Outcome::kMissed);
 }
 
 TEST(Goals, OfATimeDoNotDependOnTheFloor) {

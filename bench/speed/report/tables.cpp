@@ -40,12 +40,24 @@ std::string GoalText(const Goal& goal, const std::string& unit) {
   return text;
 }
 
+std::string ResultText(const Verdict& verdict) {
+  switch (verdict.Result()) {
+    case Outcome::kMet:
+      return "met";
+    case Outcome::kUnclear:
+      return "unclear: p99 from " + Ratio(verdict.leastP99Ratio);
+    case Outcome::kMissed:
+      break;
+  }
+  return "**missed**";
+}
+
 void WriteRow(std::ostream& out, const Verdict& verdict) {
   out << "| " << verdict.goal.what << ", " << verdict.unit << " | " << Number(verdict.floorMedian) << " | "
       << Number(verdict.driverMedian) << " | " << Ratio(verdict.medianRatio) << " | " << Ratio(verdict.lowerQuartile)
       << " – " << Ratio(verdict.upperQuartile) << " | " << Number(verdict.floorP99) << " | "
       << Number(verdict.driverP99) << " | " << Ratio(verdict.P99Ratio()) << " | "
-      << GoalText(verdict.goal, verdict.unit) << " | " << (verdict.IsMet() ? "met" : "**missed**") << " |\n";
+      << GoalText(verdict.goal, verdict.unit) << " | " << ResultText(verdict) << " |\n";
 }
 
 bool IsNumber(const std::string& text) {

@@ -35,8 +35,11 @@ struct Series {
 [[nodiscard]] std::vector<Series> SeriesFromJson(const nlohmann::json& json);
 
 // The repetitions that Google Benchmark wrote: each benchmark "series/side" becomes that series' side, in nanoseconds.
-// What measuring itself takes is taken off, where it was measured.
+// Without what measuring itself takes.
 [[nodiscard]] std::vector<Series> SeriesFromBenchmarks(const nlohmann::json& json);
+
+// Takes the median of what measuring itself took, if that was measured, off all other values.
+void TakeOffMeasuring(Series& series);
 
 // Null when there is none of that name.
 [[nodiscard]] const Series* Find(const std::vector<Series>& all, const std::string& name);
