@@ -166,6 +166,26 @@ void AtAnyTime(ScenarioRun& run) {
   run.Figure("%d times", rounds);
 }
 
+// A runtime that unloads the library and forgets Cleanup: the link's threads must not lose the code that they are in.
+void ForgottenCleanup(ScenarioRun& run) {
+  DriverLife life(run);
+  life.Start();
+  life.UnloadWithoutCleanup();
+  const bool stays = GetModuleHandleA("driver_ombrel.dll") != nullptr;
+  run.Check(stays, "the library stays as long as its threads run");
+  if (!stays) return life.Unload();
+  FrameCompanion companion;
+  run.Check(companion.Connect(), "the link's threads go on and connect");
+  run.Check(PoseArrives(life, companion.Pipes(), 5), "a pose arrives");
+  run.Figure("a companion is connected and heard after FreeLibrary");
+  HMODULE held = nullptr;  // Cleanup may not lose the code that it is in either
+  GetModuleHandleExA(0, "driver_ombrel.dll", &held);
+  life.Cleanup();
+  life.Unload();
+  FreeLibrary(held);
+  run.Check(GetModuleHandleA("driver_ombrel.dll") == nullptr, "the library goes after a late Cleanup");
+}
+
 constexpr std::array kScenarios{
     Scenario{"cleanup_during_hand_off", DuringHandOffLayers},
     Scenario{"cleanup_during_hand_off_virtual", DuringHandOffTexture},
@@ -176,6 +196,7 @@ constexpr std::array kScenarios{
     Scenario{"cleanup_during_read", DuringRead},
     Scenario{"cleanup_during_dispatch", DuringDispatch},
     Scenario{"cleanup_at_any_time", AtAnyTime},
+    Scenario{"cleanup_forgotten", ForgottenCleanup},
 };
 
 }  // namespace

@@ -110,6 +110,10 @@ void DriverLife::Unload() {
   if (module_.Handle() != nullptr) calls_.Timed("FreeLibrary", [this] { module_.Unload(); });
 }
 
+void DriverLife::UnloadWithoutCleanup() {
+  calls_.Timed("FreeLibrary", [this] { module_.Unload(); });
+}
+
 void* DriverLife::Component(const char* name) {
   return calls_.Timed("GetComponent", [&] { return headset_->GetComponent(name); });
 }

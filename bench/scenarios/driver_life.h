@@ -42,6 +42,8 @@ class DriverLife {
   void RunFrame();
   void Cleanup();
   void Unload();
+  // What no runtime should do. Unload must still follow, after Cleanup unless the library has gone.
+  void UnloadWithoutCleanup();
 
   [[nodiscard]] bool HasLayers() const { return mode_ == Mode::kLayers; }
   [[nodiscard]] vr::ITrackedDeviceServerDriver& Headset() const { return *headset_; }

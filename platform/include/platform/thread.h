@@ -6,7 +6,7 @@
 namespace ombrel {
 
 // A thread that somebody owns: it must have been joined, or never started, when its owner goes away. Start and join it
-// from one thread at a time.
+// from one thread at a time. On Windows a thread keeps the library that holds its code loaded until it ends.
 class Thread {
  public:
   Thread() = default;
