@@ -80,8 +80,11 @@ void DirectModeComponent::SubmitLayer(const SubmitLayerPerEye_t (&perEye)[2], co
   static_assert(sizeof(*pose) == 12 * sizeof(float));
   if (layers_.empty()) std::memcpy(framePose_.data(), pose, sizeof(*pose));
   bounds_ = {ToBounds(perEye[0].bounds), ToBounds(perEye[1].bounds)};
-  // All layers of a frame share the bounds that were submitted last, on purpose.
-  Guarded([&] { layers_.push_back({perEye[0].hTexture, perEye[1].hTexture, &bounds_}); });
+  Guarded([&] {
+    if (layers_.size() >= kMostLayers) layers_.erase(layers_.begin());
+    // All layers of a frame share the bounds that were submitted last, on purpose.
+    layers_.push_back({perEye[0].hTexture, perEye[1].hTexture, &bounds_});
+  });
 }
 
 void DirectModeComponent::Present(vr::SharedTextureHandle_t syncTexture) {

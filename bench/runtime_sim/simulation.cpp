@@ -95,7 +95,7 @@ int Simulation::Run() {
 }
 
 // Frames that nobody takes pile their layers up in the driver, and the first that is taken draws them all:
-// a slow rasteriser would stand still for seconds. So frames begin with the first pose after the activation's.
+// a slow rasteriser would stand still for a second or two. So frames begin with the first pose after the activation's.
 void Simulation::WaitForFirstPose() {
   std::printf("runtime: waiting for the first head pose\n");
   std::fflush(stdout);

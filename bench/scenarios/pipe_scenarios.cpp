@@ -189,6 +189,20 @@ void NotReading(ScenarioRun& run) {
   CheckNewCompanion(run, life);
 }
 
+// A runtime that shows frames for a long time before anybody looks.
+void PiledLayers(ScenarioRun& run) {
+  DriverLife life(run);
+  life.Start();
+  const DriverLife::SwapSet set = life.CreateSwapSet();
+  const int frames = run.Rounds(200'000, 2'000);
+  for (int frame = 0; frame < frames; ++frame) {
+    life.SubmitLayer(set[static_cast<std::size_t>(frame) % set.size()], static_cast<float>(frame));
+    life.Present();
+  }
+  run.Figure("%d frames before the companion", frames);
+  CheckNewCompanion(run, life);
+}
+
 constexpr std::array kScenarios{
     Scenario{"silent_companion", SilentCompanion, true},
     Scenario{"only_first_pipe", OnlyFirstPipe, true},
@@ -198,6 +212,7 @@ constexpr std::array kScenarios{
     Scenario{"not_reading", NotReading, true},
     Scenario{"garbage", GarbageScenario},
     Scenario{"empty_writes", EmptyWrites},
+    Scenario{"piled_layers", PiledLayers},
 };
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <openvr_driver.h>
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -17,6 +18,10 @@ namespace ombrel {
 // destroyed on any of the runtime's threads, a frame is submitted and presented on one. Calls that may wait say so.
 class DirectModeComponent : public vr::IVRDriverDirectModeComponent {
  public:
+  // An hour of frames that nobody took would take longer to draw than a graphics driver waits for anything. Layers are
+  // opaque and each covers those before it, so that nobody misses the oldest.
+  static constexpr std::size_t kMostLayers = 256;
+
   // Both must outlive the component.
   DirectModeComponent(OmbrelCore& core, ISwapTextureDevice& textures);
 
@@ -28,8 +33,8 @@ class DirectModeComponent : public vr::IVRDriverDirectModeComponent {
                                   std::uint32_t (*pIndices)[2]) override;
   void SubmitLayer(const SubmitLayerPerEye_t (&perEye)[2], const vr::HmdMatrix34_t* pPose) override;
   // Waits for the sync texture and for the next output, at most a frame period (and never over a second) each. The first
-  // frame of a connection may wait 1.2 seconds more for a companion that does not read its announcement, and draws all
-  // layers that were submitted while there was no connection.
+  // frame of a connection may wait 1.2 seconds more for a companion that does not read its announcement, and draws the
+  // layers that were submitted while there was no connection, of which the newest kMostLayers are kept.
   void Present(vr::SharedTextureHandle_t syncTexture) override;
   // Waits for the end of the frame period, at most a second.
   void PostPresent() override;

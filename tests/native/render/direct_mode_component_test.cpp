@@ -176,6 +176,18 @@ TEST_F(DirectModeComponentTest, LayersPileUpWhileTheLinkIsDown) {
   EXPECT_EQ(renderer_->journal.Count("ComposeLayer 0 3 13"), 1U);
 }
 
+TEST_F(DirectModeComponentTest, OfManyLayersThatPileUpTheNewestAreKept) {
+  constexpr std::uint64_t kMost = DirectModeComponent::kMostLayers;
+  for (std::uint64_t layer = 1; layer <= kMost + 2; ++layer) Submit(layer, layer, 0);
+  std::vector<std::uint64_t> drawn;
+  renderer_->onLayer = [&](const LayerRecord& layer) { drawn.push_back(layer.leftTexture); };
+  ASSERT_TRUE(Connect());
+  ASSERT_TRUE(PresentTaken());
+  ASSERT_EQ(drawn.size(), kMost);
+  EXPECT_EQ(drawn.front(), 3U);
+  EXPECT_EQ(drawn.back(), kMost + 2);
+}
+
 TEST_F(DirectModeComponentTest, PassesTheSyncTextureOnAndForgetsTheLayersAfterwards) {
   ASSERT_TRUE(Connect());
   ASSERT_TRUE(PresentTaken());
