@@ -106,6 +106,21 @@ TEST_F(HeadsetActivationTest, TakesANewFrameRateBeforeActivationToo) {
   EXPECT_EQ(runtime_.properties.lines.From(5)[0], "1003: 2002 1 4 90.000000");
 }
 
+// The link's thread writes the new rate between the moment that the headset reads the old one and that it writes it.
+TEST_F(HeadsetActivationTest, ARateThatComesInTheMiddleOfActivationIsTheOneThatStands) {
+  runtime_.properties.onLine = [this](const std::string& line) {
+    if (line != "1003: 1025 4 1 true") return;
+    Background link([this] { headset_->OnFramerateUpdated(72); });
+    EXPECT_TRUE(link.Finishes());
+  };
+  headset_->Activate(3);
+  Lines rates;
+  for (const std::string& line : runtime_.properties.lines.All()) {
+    if (line.find(": 2002 ") != std::string::npos) rates.push_back(line);
+  }
+  EXPECT_EQ(rates, (Lines{"1003: 2002 1 4 72.000000", "1003: 2002 1 4 60.000000", "1003: 2002 1 4 72.000000"}));
+}
+
 TEST_F(HeadsetActivationTest, TakesTheFrameRateAsSigned) {
   headset_->OnFramerateUpdated(0xFFFFFFFFU);
   headset_->OnFramerateUpdated(0x80000000U);

@@ -97,6 +97,31 @@ TEST_F(PacingWaitTest, EndsWhenTheLinkStops) {
   EXPECT_TRUE(EndsEarly(renew, [this] { core_->StopLink(); }));
 }
 
+// A link that is busy with outputs holds the stop up, but not who waits for a frame's time.
+TEST_F(PacingWaitTest, EndsAtTheBeginningOfAStopThatTakesItsTime) {
+  std::unique_ptr<Barrier> making;
+  std::unique_ptr<Background> stop;
+  const auto letGo = [&] {
+    if (making) making->Open();
+    stop.reset();
+  };
+  const auto renew = [&] {
+    letGo();
+    making = std::make_unique<Barrier>();
+    made_ = std::make_unique<FakeRenderer>();
+    renderer_ = made_.get();
+    core_ = std::make_unique<OmbrelCore>(std::move(made_));
+    PrepareOutput();
+    renderer_->onCall = [&making](const std::string& line) {
+      if (line == "CreateOutputTextures") making->Pass();
+    };
+    core_->SetUp();
+    EXPECT_TRUE(companion_.Connect() && making->WaitForVisitor());
+  };
+  EXPECT_TRUE(EndsEarly(renew, [&] { stop = std::make_unique<Background>([this] { core_->StopLink(); }); }));
+  letGo();
+}
+
 TEST_F(PacingWaitTest, DoesNotWaitOnceTheLinkHasStopped) {
   core_->OnFramerateUpdated(0);
   core_->WaitForNextFrame();

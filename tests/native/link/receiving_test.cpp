@@ -95,6 +95,34 @@ TEST_F(ReceivingTest, OutlivesAListenerThatThrows) {
   client_.Stop();
 }
 
+TEST_F(ReceivingTest, AListenerThatThrowsHidesNoPoseFromTheNext) {
+  ThrowingListener throwing;
+  client_.AddListener(&throwing);
+  RecordingListener behind(client_);
+  behind.ListenToMessages();
+  ASSERT_TRUE(companion_.SendPose(0, 0, 0, 1));
+  ASSERT_TRUE(SendMark() && behind.journal.WaitForLine(Mark()));
+  EXPECT_EQ(behind.journal.All(), (Lines{"tracking", Mark()}));
+  client_.Stop();
+}
+
+class ThrowingRateListener final : public IFramerateUpdatedListener {
+ public:
+  void OnFramerateUpdated(std::uint32_t /*framesPerSecond*/) override { throw std::runtime_error("no"); }
+};
+
+TEST_F(ReceivingTest, AListenerThatThrowsHidesNoFrameRateFromTheNext) {
+  ThrowingRateListener throwing;
+  client_.AddListener(&throwing);
+  RecordingListener behind(client_);
+  behind.ListenToMessages();
+  ASSERT_TRUE(companion_.Send(9, Bytes().U32(72)));
+  ASSERT_TRUE(companion_.SendPose(0, 0, 0, 1));
+  ASSERT_TRUE(behind.journal.WaitForLine("tracking"));
+  EXPECT_EQ(behind.journal.All(), (Lines{"framerate 72", "tracking"}));
+  client_.Stop();
+}
+
 TEST_F(ReceivingTest, DropsWhatIsTooShortAndStaysInStep) {
   for (const std::uint32_t type : {4U, 9U, 10U}) {
     for (std::size_t size = 0; size < 4; ++size) ASSERT_TRUE(companion_.Send(type, Bytes().Fill(size)));

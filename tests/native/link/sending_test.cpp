@@ -74,6 +74,20 @@ TEST_F(SendingTest, HalfAMessageEndsTheConnection) {
   EXPECT_TRUE(companion_.in.WaitForClientGone());
 }
 
+TEST_F(SendingTest, HalfAMessageEndsNoConnectionButItsOwn) {
+  ASSERT_TRUE(Connect());
+  Background sender([this] { EXPECT_EQ(Send(Bytes().Fill(50'000'000)), Result::kBroken); });
+  ASSERT_TRUE(sender.Finishes());
+  ASSERT_TRUE(WaitFor("down"));
+  ASSERT_TRUE(companion_.Connect());
+  ASSERT_TRUE(WaitFor("up", 2));
+  // Some rounds of the connect thread, each of which would end it.
+  EXPECT_FALSE(companion_.in.HasData(400));
+  EXPECT_EQ(Send(Bytes().Fill(12)), Result::kSent);
+  EXPECT_TRUE(companion_.Receive().has_value());
+  EXPECT_EQ(listener_.journal.Count("down"), 1U);
+}
+
 TEST_F(SendingTest, ADropFreesAWriterThatIsBlocked) {
   ASSERT_TRUE(Connect());
   Background sender([this] { static_cast<void>(Send(Bytes().Fill(50'000'000))); });

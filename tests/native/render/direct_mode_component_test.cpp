@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "context/driver_log.h"
@@ -51,6 +53,19 @@ class DirectModeComponentTest : public testing::Test {
     core_.PrepareOutput({.format = 28, .width = 100, .height = 100, .invertY = 0});
     core_.SetUp();
     return companion_.Connect() && renderer_->journal.WaitForLine("AcquireOutput 0 16");
+  }
+  // Holds `call` up in the renderer's call of that line.
+  void ExpectAStopToWaitFor(std::function<void()> call, const std::string& line) {
+    Barrier inside;
+    renderer_->onCall = [&](const std::string& made) {
+      if (made == line) inside.Pass();
+    };
+    Background runtime(std::move(call));
+    ASSERT_TRUE(inside.WaitForVisitor());
+    Background stop([this] { core_.StopLink(); });
+    EXPECT_TRUE(stop.StaysBlocked());
+    inside.Open();
+    EXPECT_TRUE(stop.Finishes() && runtime.Finishes());
   }
   // Presents until a frame is taken.
   [[nodiscard]] bool PresentTaken() {
@@ -199,6 +214,53 @@ TEST_F(DirectModeComponentTest, PassesTheSyncTextureOnAndForgetsTheLayersAfterwa
   EXPECT_EQ(renderer_->journal.Count("AcquireSyncTexture 78 16"), 1U);
   EXPECT_EQ(renderer_->journal.Count("ComposeLayer 1 1 2"), 1U);
   EXPECT_EQ(renderer_->journal.Count("ComposeLayer 0 1 2"), 0U);
+}
+
+TEST_F(DirectModeComponentTest, TexturesOfAStoppedLinkAreLeftAlone) {
+  const auto set = CreateSet(1);
+  core_.StopLink();
+  renderer_->journal.Clear();
+  EXPECT_EQ(CreateSet(1), (std::array<std::uint64_t, 3>{1, 1, 1}));
+  component_.DestroySwapTextureSet(set[0]);
+  component_.DestroyAllSwapTextureSets(1);
+  component_.Present(77);
+  component_.PostPresent();
+  EXPECT_TRUE(renderer_->journal.All().empty());
+  EXPECT_EQ(renderer_->liveSwapTextures, 3);
+}
+
+TEST_F(DirectModeComponentTest, AStopWaitsForTexturesThatAreBeingMade) {
+  ExpectAStopToWaitFor([this] { CreateSet(1); }, "RegisterTexture 102");
+}
+
+TEST_F(DirectModeComponentTest, AStopWaitsForASetThatIsBeingDestroyed) {
+  const auto set = CreateSet(1);
+  ExpectAStopToWaitFor([&] { component_.DestroySwapTextureSet(set[0]); }, "UnregisterTexture 100");
+}
+
+TEST_F(DirectModeComponentTest, AStopWaitsForAProcessWhoseSetsAreBeingDestroyed) {
+  CreateSet(1);
+  ExpectAStopToWaitFor([this] { component_.DestroyAllSwapTextureSets(1); }, "UnregisterTexture 100");
+}
+
+// The component goes right behind the stop. What a call does behind the hand-off nobody can hold up: the thread
+// sanitizer is the judge.
+TEST_F(DirectModeComponentTest, APresentHasLeftTheComponentWhenTheLinkHasStopped) {
+  ASSERT_TRUE(Connect());
+  ASSERT_TRUE(PresentTaken());
+  auto component = std::make_unique<ConcreteDirectMode>(core_, *renderer_);
+  Barrier drawn;
+  renderer_->onCall = [&](const std::string& line) {
+    if (line == "ReleaseSyncTexture") drawn.Pass();
+  };
+  Background runtime([present = component.get()] { present->Present(77); });
+  ASSERT_TRUE(drawn.WaitForVisitor());
+  Background stop([this] { core_.StopLink(); });
+  EXPECT_TRUE(stop.StaysBlocked());
+  drawn.Open();
+  ASSERT_TRUE(stop.Finishes());
+  component.reset();
+  EXPECT_TRUE(runtime.Finishes());
 }
 
 TEST_F(DirectModeComponentTest, TellsNothingOfItsFrameTiming) {

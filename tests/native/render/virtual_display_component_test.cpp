@@ -97,6 +97,45 @@ TEST_F(VirtualDisplayComponentTest, PacesTheRuntimeToTheFramePeriod) {
   EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::microseconds(4 * 16'600));
 }
 
+TEST_F(VirtualDisplayComponentTest, DoesNothingOnceTheLinkHasStopped) {
+  Present(5);
+  core_.StopLink();
+  Present(6);
+  component_.WaitForPresent();
+  EXPECT_EQ(Frames(), 1U);
+  EXPECT_EQ(host_.vsyncs.Size(), 0U);
+}
+
+// The component goes right behind the stop. What a call does behind the hand-off or the wait nobody can hold up: the
+// thread sanitizer is the judge, of this test and the next.
+TEST_F(VirtualDisplayComponentTest, APresentHasLeftTheComponentWhenTheLinkHasStopped) {
+  auto component = std::make_unique<ConcreteVirtualDisplay>(core_, &host_);
+  core_.PrepareOutput({.format = 28, .width = 100, .height = 100, .invertY = 0});
+  core_.SetUp();
+  ASSERT_TRUE(companion_.Connect());
+  Background runtime([this, display = component.get()] {
+    vr::PresentInfo_t info{};
+    info.backbufferTextureHandle = 5;
+    while (renderer_->journal.Count("CopyToOutput 5 0 16") == 0) display->Present(&info, sizeof(info));
+  });
+  ASSERT_TRUE(renderer_->journal.WaitForLine("AcquireOutput 1 16"));
+  ASSERT_TRUE(runtime.StaysBlocked()) << "it waits for a pose";
+  core_.StopLink();
+  component.reset();
+  EXPECT_TRUE(runtime.Finishes());
+}
+
+TEST_F(VirtualDisplayComponentTest, AWaitHasLeftTheComponentWhenTheLinkHasStopped) {
+  auto component = std::make_unique<ConcreteVirtualDisplay>(core_, &host_);
+  core_.OnFramerateUpdated(0);
+  component->WaitForPresent();
+  Background runtime([display = component.get()] { display->WaitForPresent(); });
+  ASSERT_TRUE(runtime.StaysBlocked());
+  core_.StopLink();
+  component.reset();
+  EXPECT_TRUE(runtime.Finishes());
+}
+
 TEST_F(VirtualDisplayComponentTest, CountsTheTimeFromTheLastVsync) {
   component_.WaitForPresent();
   const float first = SecondsSinceVsync();

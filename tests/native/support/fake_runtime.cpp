@@ -53,7 +53,11 @@ std::int32_t FakeSettings::GetInt32(const char* section, const char* key, vr::EV
 vr::ETrackedPropertyError FakeProperties::WritePropertyBatch(vr::PropertyContainerHandle_t container,
                                                              vr::PropertyWrite_t* batch, std::uint32_t count) {
   if (count != 1) lines.Add("a batch of " + std::to_string(count));
-  for (std::uint32_t i = 0; i < count; ++i) lines.Add(LineOf(container, batch[i]));
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const std::string line = LineOf(container, batch[i]);
+    lines.Add(line);
+    if (onLine) onLine(line);
+  }
   return vr::TrackedProp_Success;
 }
 

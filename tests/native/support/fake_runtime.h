@@ -58,6 +58,7 @@ class FakeProperties final : public vr::IVRProperties {
   }
 
   Journal lines;
+  std::function<void(const std::string& line)> onLine;  // called behind each entry
 };
 
 class FakeServerDriverHost final : public vr::IVRServerDriverHost {
