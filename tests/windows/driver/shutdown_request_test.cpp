@@ -4,8 +4,10 @@
 // windows.h must come first.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
+#include <string>
 
 #include "companion/messages.h"
 #include "support/link_test.h"
@@ -91,10 +93,13 @@ HANDLE ended = nullptr;
 UINT endedWith = 99;
 DWORD openedId = 0;
 
+// As the system does it: a path that does not fit is cut off, and the answer is then the buffer's whole size.
 DWORD WINAPI OwnPath(HMODULE, char* buffer, DWORD size) {
   if (ownPath == nullptr) return 0;
-  std::strncpy(buffer, ownPath, size);
-  return static_cast<DWORD>(std::strlen(ownPath));
+  const auto length = static_cast<DWORD>(std::min<std::size_t>(std::strlen(ownPath), size - 1));
+  std::memcpy(buffer, ownPath, length);
+  buffer[length] = '\0';
+  return std::strlen(ownPath) < size ? length : size;
 }
 
 WINBOOL WINAPI EndNothing(HANDLE process, UINT code) {
@@ -142,6 +147,25 @@ TEST_F(ScriptedShutdownTest, TakesAPathOfSevenCharactersForAnother) {
   const ProcessListScript list(module.Handle(), {"System", "vrmonitor.exe"});
   Request("vrserve");
   EXPECT_EQ(openedId, 1001U);
+}
+
+// The longest that fits into the system's own limit has 259 characters.
+TEST_F(ScriptedShutdownTest, EndsTheMonitorHoweverLongThePathIs) {
+  for (const std::size_t length : {259U, 260U, 261U, 1000U, 32767U}) {
+    const ProcessListScript list(module.Handle(), {"System", "vrmonitor.exe"});
+    Request(("C:\\" + std::string(length - 3, 'x')).c_str());
+    EXPECT_EQ(openedId, 1001U) << length;
+    EXPECT_NE(ended, GetCurrentProcess()) << length;
+  }
+}
+
+TEST_F(ScriptedShutdownTest, LooksAtTheBeginningOfAPathThatIsTooLong) {
+  for (const std::size_t length : {259U, 260U, 261U, 1000U, 32767U}) {
+    const ProcessListScript list(module.Handle(), {"System", "vrmonitor.exe"});
+    Request(("vrserver" + std::string(length - 8, 'x')).c_str());
+    EXPECT_EQ(ended, GetCurrentProcess()) << length;
+    EXPECT_EQ(openedId, 0U) << length;
+  }
 }
 
 TEST_F(ScriptedShutdownTest, DoesNothingWithoutItsOwnPath) {
