@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstring>
+#include <optional>
 #include <utility>
 
 namespace bench {
@@ -24,6 +25,8 @@ HRESULT STDMETHODCALLTYPE QueryInterface(ID3D11Texture2D* self, REFIID iid, void
   auto shared = wantsMutex || wantsResource ? SharedTextures().Find(self) : nullptr;
   if (shared == nullptr || object == nullptr) return Original<&QueryInterface>()(self, iid, object);
   *object = nullptr;
+  const auto answer = wantsMutex ? shared->Observer().Answer(DeviceCall::kQueryKeyedMutex) : std::nullopt;
+  if (answer) return *answer;
   if (wantsResource) *object = static_cast<IDXGIResource*>(new SharedResource(std::move(shared)));
   if (wantsMutex && shared != nullptr && shared->HasKeyedMutex()) {
     *object = static_cast<IDXGIKeyedMutex*>(new KeyedMutex(std::move(shared)));

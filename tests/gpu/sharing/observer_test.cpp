@@ -146,11 +146,23 @@ TEST_F(ObserverTest, SeesTheStatesThatAreMade) {
 
 TEST_F(ObserverTest, CanForceTheResultOfAnAcquireWithoutTakingTheMutex) {
   const auto texture = MakeKeyed();
+  const auto mutex = KeyedMutex(texture.Get());
   EXPECT_CALL(observer, Answer(DeviceCall::kAcquireSync))
       .WillOnce(Return(std::optional<HRESULT>(DXGI_ERROR_DEVICE_REMOVED)))
       .WillOnce(Return(std::nullopt));
-  EXPECT_EQ(KeyedMutex(texture.Get())->AcquireSync(0, 0), DXGI_ERROR_DEVICE_REMOVED);
-  EXPECT_EQ(KeyedMutex(texture.Get())->AcquireSync(0, 0), S_OK);
+  EXPECT_EQ(mutex->AcquireSync(0, 0), DXGI_ERROR_DEVICE_REMOVED);
+  EXPECT_EQ(mutex->AcquireSync(0, 0), S_OK);
+}
+
+TEST_F(ObserverTest, CanKeepATexturesKeyedMutexBack) {
+  const auto texture = MakeKeyed();
+  EXPECT_CALL(observer, Answer(DeviceCall::kQueryKeyedMutex))
+      .WillOnce(Return(std::optional<HRESULT>(E_NOINTERFACE)))
+      .WillOnce(Return(std::nullopt));
+  ComPtr<IDXGIKeyedMutex> mutex;
+  EXPECT_EQ(texture.As(&mutex), E_NOINTERFACE);
+  EXPECT_EQ(mutex, nullptr);
+  EXPECT_EQ(texture.As(&mutex), S_OK);
 }
 
 TEST_F(ObserverTest, CanMakeEveryCreationFail) {

@@ -23,6 +23,7 @@ enum class DeviceCall {
   kGetDeviceRemovedReason,
   kMap,
   kGetSharedHandle,
+  kQueryKeyedMutex,  // a shared texture is asked for the interface
   kAcquireSync,
   kReleaseSync,
 };
