@@ -68,6 +68,31 @@ TEST_F(FailingDeviceTest, ATextureThatCannotBeMadeHasNoHandle) {
   EXPECT_THAT(renderer->Sharing().handles, Each(0u));
 }
 
+TEST_F(FailingDeviceTest, OutputsWithoutAKeyedMutexCanNeitherBeHadNorReleased) {
+  calls.Fail(bench::DeviceCall::kQueryKeyedMutex, E_NOINTERFACE);
+  ASSERT_TRUE(Start());
+  EXPECT_EQ(calls.Asked(bench::DeviceCall::kQueryKeyedMutex), 2u);
+  for (const std::int32_t output : {0, 1}) {
+    EXPECT_FALSE(renderer->AcquireOutput(output, 1));
+    EXPECT_FALSE(renderer->ReleaseOutput(output));
+  }
+  EXPECT_EQ(calls.Asked(bench::DeviceCall::kAcquireSync), 0u);
+}
+
+TEST_F(FailingDeviceTest, ATextureOfTheRuntimeWithoutAKeyedMutexIsCopiedAsItIs) {
+  ASSERT_TRUE(Start());
+  const auto texture = runtime.MakeShared(64, 48, DXGI_FORMAT_R8G8B8A8_UNORM, D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX);
+  // Who asked for the mutex would not get it.
+  ASSERT_EQ(texture.keyedMutex->AcquireSync(0, 0), S_OK);
+  ASSERT_TRUE(renderer->AcquireOutput(0, kTimeoutMs));
+  calls.Clear();
+  calls.Fail(bench::DeviceCall::kQueryKeyedMutex, E_NOINTERFACE);
+  EXPECT_TRUE(renderer->CopyToOutput(texture.handle, 0, true, 1));
+  EXPECT_TRUE(renderer->AcquireSyncTexture(texture.handle, 1));
+  renderer->ReleaseSyncTexture();
+  EXPECT_THAT(calls.Of<Copied>(), SizeIs(1));
+}
+
 TEST_F(FailingDeviceTest, AViewThatCannotBeMadeIsLeftOut) {
   ASSERT_TRUE(Start());
   calls.Fail(bench::DeviceCall::kCreateShaderResourceView, E_OUTOFMEMORY);
@@ -96,6 +121,7 @@ constexpr std::array kCalls{DeviceCall::kCreateBuffer,
                             DeviceCall::kMap,
                             DeviceCall::kOpenSharedResource,
                             DeviceCall::kGetSharedHandle,
+                            DeviceCall::kQueryKeyedMutex,
                             DeviceCall::kAcquireSync,
                             DeviceCall::kReleaseSync};
 
