@@ -65,7 +65,7 @@ bool HookedRuntime::PollNextEvent(vr::VREvent_t* event, std::uint32_t /*size*/) 
 
 bool HookedRuntime::GetBool(const char* /*section*/, const char* /*key*/, vr::EVRSettingsError* error) {
   if (error != nullptr) *error = vr::VRSettingsError_None;
-  return false;
+  return isFakeSensorEnabled;
 }
 
 std::int32_t HookedRuntime::GetInt32(const char* /*section*/, const char* key, vr::EVRSettingsError* /*error*/) {

@@ -27,6 +27,7 @@ class HookedRuntime final : public vr::IVRDriverContext,
   std::function<bool(vr::VREvent_t*)> nextEvent;
   std::function<void()> onVsync;
   std::int32_t hmdMode = 0;
+  bool isFakeSensorEnabled = false;
 
   static vr::PropertyContainerHandle_t ContainerOf(std::uint32_t device) { return 1000 + device; }
   // Of an input by its path, which the driver must know; never 0.
