@@ -37,7 +37,7 @@ TEST_F(SendingTest, SendsAMessageOfNoBytes) {
 
 TEST_F(SendingTest, MessagesOfSeveralThreadsComeWhole) {
   ASSERT_TRUE(Connect());
-  constexpr int kMessages = 200;
+  constexpr int kMessages = 1000;
   const auto send = [this](std::uint8_t fill, std::size_t size) {
     for (int i = 0; i < kMessages; ++i) static_cast<void>(Send(Bytes().Fill(size, fill)));
   };

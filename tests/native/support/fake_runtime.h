@@ -18,7 +18,6 @@ namespace ombrel::test {
 class FakeDriverLog final : public vr::IVRDriverLog {
  public:
   void Log(const char* message) override { lines.Add(message); }
-
   Journal lines;
 };
 
