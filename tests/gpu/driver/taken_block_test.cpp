@@ -34,7 +34,7 @@ TEST_F(TakenBlockTest, GetsThePosesAsTheDriversOwnWould) {
   EXPECT_EQ(TakeAnnouncement().name, kName) << "the companion is sent there";
 }
 
-// Writing to addresses without memory would end the runtime.
+// Then there is no block: frames go on without poses beside them.
 TEST_F(TakenBlockTest, WithoutMemoryKeepsNoFrameBack) {
   const bench::OwnedHandle theirs(
       CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE | SEC_RESERVE, 0, 128, kName));
