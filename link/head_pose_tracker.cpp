@@ -1,5 +1,6 @@
 #include "link/head_pose_tracker.h"
 
+#include "link/matrix.h"
 #include "link/wire.h"
 
 namespace ombrel {

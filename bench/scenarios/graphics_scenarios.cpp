@@ -21,6 +21,7 @@ constexpr std::array kWhileRunning{
     DeviceCall::kCreateSamplerState,
     DeviceCall::kOpenSharedResource,
     DeviceCall::kGetSharedHandle,
+    DeviceCall::kQueryKeyedMutex,
     DeviceCall::kMap,
     DeviceCall::kAcquireSync,
     DeviceCall::kReleaseSync,
