@@ -3,12 +3,15 @@
 
 #include <string_view>
 
+#include "platform/emergency_memory.h"
 #include "server_driver_ombrel.h"
 
 // What PollNextEvent is told to fill. Elsewhere than on Windows the same structure is packed tighter.
 static_assert(sizeof(vr::VREvent_t) == 48);
 
 namespace {
+
+const ombrel::EmergencyMemory emergencyMemory;
 
 // Made when the library is loaded. Were it made at the first call, under a guard, the compiler's runtime would note the
 // calling thread, and its two handles would stay open when the library is unloaded.

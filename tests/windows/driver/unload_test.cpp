@@ -2,7 +2,9 @@
 #include <windows.h>
 // windows.h must come first.
 #include <gmock/gmock.h>
+#include <malloc.h>
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstdint>
@@ -139,6 +141,32 @@ TEST_F(UnloadTest, LibraryThatIsAskedForItsProviderLeavesNoHandleWhenItGoes) {
   }
   EXPECT_EQ(handles.back(), handles.front());
   FreeLibrary(imported);
+}
+
+// Of the heap that malloc takes from, in this program and in the driver alike.
+std::size_t BytesAllocated() {
+  const auto heap = reinterpret_cast<HANDLE>(_get_heap_handle());
+  std::size_t bytes = 0;
+  PROCESS_HEAP_ENTRY entry{};
+  HeapLock(heap);
+  while (HeapWalk(heap, &entry)) {
+    if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) bytes += entry.cbData;
+  }
+  HeapUnlock(heap);
+  return bytes;
+}
+
+TEST_F(UnloadTest, LibraryThatIsAskedForItsProviderLeavesNoMemoryWhenItGoes) {
+  Unload();
+  std::array<std::size_t, 4> bytes{};
+  for (std::size_t& now : bytes) {
+    bench::DriverModule driver(DriverLibrary());
+    EXPECT_NE(&driver.Provider(), nullptr);
+    driver.Unload();
+    now = BytesAllocated();
+  }
+  EXPECT_GT(bytes.front(), 0U);
+  EXPECT_EQ(bytes.back(), bytes.front());
 }
 
 TEST_F(UnloadTest, DriverStartsAgainWithTheSameCompanion) {
