@@ -65,11 +65,7 @@ std::optional<PoseSlot> FrameCompanion::TakeFrame(std::uint32_t timeoutMs) {
   return frame.slot;
 }
 
-namespace {
-
-// Calls `play` for one frame after the other until the companion has taken them.
-template <typename Play>
-std::string TakeFrames(FrameCompanion& companion, int count, Play play) {
+std::string TakeFrames(FrameCompanion& companion, int count, const std::function<float()>& play) {
   int taken = 0;
   std::string fault;
   const auto takeOne = [&] {
@@ -79,11 +75,21 @@ std::string TakeFrames(FrameCompanion& companion, int count, Play play) {
     if (!slot) return false;
     // Layers from before the connection are drawn in its first frame, which has the pose of the first of them.
     if (taken > 0 && (*slot)[kTranslationX] != number) fault = "a frame with another frame's pose";
-    return ++taken == count || !fault.empty();
+    ++taken;
+    return true;
   };
-  if (WaitUntil(takeOne, kPatience)) return fault;
+  // WaitUntil pauses each time that it looks: only where a frame did not come.
+  const auto takeAll = [&] {
+    while (taken < count && fault.empty()) {
+      if (!takeOne()) return false;
+    }
+    return true;
+  };
+  if (WaitUntil(takeAll, kPatience)) return fault;
   return "only " + std::to_string(taken) + " frames of " + std::to_string(count);
 }
+
+namespace {
 
 std::string PlayLayers(DriverLife& life, FrameCompanion& companion, int count) {
   static float number = 0;

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <thread>
@@ -42,9 +43,12 @@ class FrameCompanion {
   FrameSharingInfo announced_;
 };
 
-// Plays frames in the way of the life's mode until the companion has taken `count` of them, the first one after an
-// announcement if its textures are not open yet. Layers have to come with the pose that they were submitted with. What
-// went wrong; empty if nothing did.
+// Calls `play`, which plays a frame and returns its number, until the companion has taken `count` frames, the first one
+// after an announcement if its textures are not open yet. What went wrong; empty if nothing did.
+[[nodiscard]] std::string TakeFrames(FrameCompanion& companion, int count, const std::function<float()>& play);
+
+// Plays frames in the way of the life's mode until the companion has taken `count` of them, as TakeFrames does. Layers
+// have to come with the pose that they were submitted with.
 [[nodiscard]] std::string PlayFrames(DriverLife& life, FrameCompanion& companion, int count);
 
 // Sends poses all the time, from a thread of its own.
