@@ -46,23 +46,23 @@ pD3DCompile FindCompiler() {
   return reinterpret_cast<pD3DCompile>(reinterpret_cast<void*>(function));
 }
 
-Microsoft::WRL::ComPtr<ID3DBlob> Compile(const char* entry, const char* target) {
+}  // namespace
+
+Microsoft::WRL::ComPtr<ID3DBlob> CompileShader(std::string_view source, const char* entry, const char* target) {
   static const pD3DCompile compile = FindCompiler();
   Microsoft::WRL::ComPtr<ID3DBlob> code;
   Microsoft::WRL::ComPtr<ID3DBlob> messages;
   const HRESULT result =
-      compile(kSource.data(), kSource.size(), "scene", nullptr, nullptr, entry, target, 0, 0, &code, &messages);
+      compile(source.data(), source.size(), "shader", nullptr, nullptr, entry, target, 0, 0, &code, &messages);
   if (result != S_OK) {
     const auto* text = messages ? static_cast<const char*>(messages->GetBufferPointer()) : "no message";
-    throw std::runtime_error(std::string("the scene's shader does not compile: ") + text);
+    throw std::runtime_error(std::string("a shader does not compile: ") + text);
   }
   return code;
 }
 
-}  // namespace
+Microsoft::WRL::ComPtr<ID3DBlob> CompileSceneVertexShader() { return CompileShader(kSource, "VertexMain", "vs_4_0"); }
 
-Microsoft::WRL::ComPtr<ID3DBlob> CompileSceneVertexShader() { return Compile("VertexMain", "vs_4_0"); }
-
-Microsoft::WRL::ComPtr<ID3DBlob> CompileScenePixelShader() { return Compile("PixelMain", "ps_4_0"); }
+Microsoft::WRL::ComPtr<ID3DBlob> CompileScenePixelShader() { return CompileShader(kSource, "PixelMain", "ps_4_0"); }
 
 }  // namespace bench

@@ -17,7 +17,7 @@ namespace {
 std::atomic<std::int64_t> setsMade = 0;
 std::unique_ptr<DriverLife> shared;
 
-constexpr std::size_t kKept = 1000;  // of what the stand-in writes down
+constexpr std::size_t kKept = 100;  // of what the stand-in writes down
 
 void Intercept(void* module) {
   if (!InterceptModule(static_cast<HMODULE>(module))) throw std::runtime_error("no import of D3D11CreateDevice");

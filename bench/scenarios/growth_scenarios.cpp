@@ -8,6 +8,7 @@
 #include "companion/controller_record.h"
 #include "companion/tracking_update.h"
 #include "frame_companion.h"
+#include "growth_control.h"
 #include "resources.h"
 #include "runtime/clock.h"
 #include "runtime/wait.h"
@@ -21,33 +22,37 @@ using std::chrono::milliseconds;
 // A few rounds are not enough for the rasterizer and the allocator to settle in.
 std::int64_t AllowedWithTextures(const ScenarioRun& run) { return run.Rounds(12, 48) * kMiB; }
 
-// Rounds until they are done, something failed, or they take too long for a soak of an hour; then it says so.
-template <typename Play>
-void PlayRounds(ScenarioRun& run, Growth& growth, int rounds, Play play) {
-  constexpr double kLongestSeconds = 1200;
-  const std::int64_t begin = runtime::NowTicks();
-  for (int round = 1; round <= rounds && run.Failures().empty(); ++round) {
-    play();
-    growth.Sample(round);
-    if (runtime::TicksToSeconds(runtime::NowTicks() - begin) > kLongestSeconds) {
-      run.Skip("rounds " + std::to_string(round + 1) + " to " + std::to_string(rounds) + ": they would take too long");
-      return;
-    }
-  }
-}
-
-void Reconnects(ScenarioRun& run) {
+Growth PlayConnections(ScenarioRun& run, int rounds) {
   DriverLife life(run, Mode::kLayers, WatchHeap);
   life.Start();
-  const int rounds = run.Rounds(1000, 8);
   Growth growth(rounds);
-  std::unique_ptr<FrameCompanion> companion;  // connected at each sample
+  auto companion = std::make_unique<FrameCompanion>();  // connected at each sample
+  CheckConnection(run, life, *companion, FramesToSettle(run));
   PlayRounds(run, growth, rounds, [&] {
     companion.reset();
     companion = std::make_unique<FrameCompanion>();
     CheckConnection(run, life, *companion);
   });
-  growth.Judge(run, AllowedWithTextures(run));
+  return growth;
+}
+
+void Reconnects(ScenarioRun& run) {
+  constexpr double kMarginBytes = 1024;
+  const int rounds = run.Rounds(1000, 8);
+  const Growth driver = PlayConnections(run, rounds);
+  if (!run.Failures().empty()) return;
+  const Growth control = PlayBareConnections(run, BareParts::kFrames, rounds);
+  driver.Judge(run, AllowedWithTextures(run));
+  JudgeBeside(run, driver, control, kMarginBytes);
+}
+
+// Which part of a connection costs the system memory.
+void Control(ScenarioRun& run) {
+  const int rounds = run.Rounds(200, 4);
+  const auto slope = [&](BareParts parts) { return PlayBareConnections(run, parts, rounds).BytesPerRound(); };
+  const double pipes = slope(BareParts::kPipes), textures = slope(BareParts::kTextures);
+  run.Figure("without the driver, bytes a connection: pipes alone %.1f, with textures %.1f, with frames %.1f", pipes,
+             textures, slope(BareParts::kFrames));
 }
 
 // One of each message that changes nothing for good.
@@ -131,6 +136,7 @@ std::int64_t BlocksOfLoading(ScenarioRun& run) {
 // The library comes and goes in one process, each time with a whole session.
 void LoadCycles(ScenarioRun& run) {
   constexpr int kModes = 2;
+  constexpr double kMarginBytes = 32 * 1024;  // devices come and go
   const int rounds = run.Rounds(200, 5);
   const std::int64_t ofLoading = BlocksOfLoading(run);
   const std::int64_t blocksBefore = ReadHeld().driverBlocks;
@@ -151,15 +157,15 @@ void LoadCycles(ScenarioRun& run) {
   }
   growth.Judge(run, AllowedWithTextures(run));
   if (!run.Failures().empty()) return;
+  JudgeBeside(run, growth, PlayBareLives(run, rounds), kMarginBytes);
   const std::int64_t left = ReadHeld().driverBlocks - blocksBefore - rounds * ofLoading;
   run.Figure("%lld blocks of the driver left in all", static_cast<long long>(left));
   run.Check(left == 0, "a life leaves no block of the driver behind");
 }
 
 constexpr std::array kScenarios{
-    Scenario{"growth_reconnects", Reconnects},
-    Scenario{"growth_messages", Messages},
-    Scenario{"growth_frames", Frames},
+    Scenario{"growth_reconnects", Reconnects}, Scenario{"growth_control", Control},
+    Scenario{"growth_messages", Messages},     Scenario{"growth_frames", Frames},
     Scenario{"load_cycles", LoadCycles},
 };
 

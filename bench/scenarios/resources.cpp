@@ -9,10 +9,12 @@
 #include <atomic>
 #include <cstdlib>
 #include <stdexcept>
+#include <string>
 
 #include "companion/owned_handle.h"
 #include "driver_life.h"
 #include "handle_count.h"
+#include "runtime/clock.h"
 #include "sharing/counters.h"
 #include "sharing/import_patch.h"
 
@@ -96,20 +98,19 @@ void Growth::Sample(int round) {
   points_.push_back({round, ReadHeld()});
 }
 
-// The line that fits the points best, by least squares.
+// The median of the slopes between each two points: a texture more or less that is alive at some of them moves it little.
 double Growth::BytesPerRound() const {
-  const auto count = static_cast<double>(points_.size());
-  double meanRound = 0, meanBytes = 0;
-  for (const Point& point : points_) {
-    meanRound += point.round / count;
-    meanBytes += static_cast<double>(point.held.privateBytes) / count;
+  std::vector<double> slopes;
+  for (std::size_t later = 1; later < points_.size(); ++later) {
+    for (std::size_t earlier = 0; earlier < later; ++earlier) {
+      const auto bytes = static_cast<double>(points_[later].held.privateBytes - points_[earlier].held.privateBytes);
+      slopes.push_back(bytes / (points_[later].round - points_[earlier].round));
+    }
   }
-  double above = 0, below = 0;
-  for (const Point& point : points_) {
-    above += (point.round - meanRound) * (static_cast<double>(point.held.privateBytes) - meanBytes);
-    below += (point.round - meanRound) * (point.round - meanRound);
-  }
-  return below > 0 ? above / below : 0;
+  if (slopes.empty()) return 0;
+  const auto middle = slopes.begin() + static_cast<std::ptrdiff_t>(slopes.size() / 2);
+  std::nth_element(slopes.begin(), middle, slopes.end());
+  return *middle;
 }
 
 std::int64_t Growth::Rise(std::int64_t Held::*value) const {
@@ -142,6 +143,19 @@ void Growth::Judge(ScenarioRun& run, std::int64_t allowedBytes) const {
   run.Check(Rise(&Held::graphics) <= 0, "Direct3D objects do not grow");
   run.Check(Rise(&Held::driverBlocks) <= 0, "the driver's heap does not grow");
   run.Check(Rise(&Held::privateBytes) <= allowedBytes, "memory does not grow");
+}
+
+void PlayRounds(ScenarioRun& run, Growth& growth, int rounds, const std::function<void()>& play) {
+  constexpr double kLongestSeconds = 1200;
+  const std::int64_t begin = runtime::NowTicks();
+  for (int round = 1; round <= rounds && run.Failures().empty(); ++round) {
+    play();
+    growth.Sample(round);
+    if (runtime::TicksToSeconds(runtime::NowTicks() - begin) > kLongestSeconds) {
+      run.Skip("rounds " + std::to_string(round + 1) + " to " + std::to_string(rounds) + ": they would take too long");
+      return;
+    }
+  }
 }
 
 }  // namespace bench::scenarios

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 #include "scenario.h"
@@ -34,18 +35,23 @@ class Growth {
   // half than in the first, or if the process' memory is so by over `allowedBytes`: what goes in its own time lets them
   // swing. Prints warm-up value, end value and slope.
   void Judge(ScenarioRun& run, std::int64_t allowedBytes) const;
+  // How fast the process' memory grows, over all samples.
+  [[nodiscard]] double BytesPerRound() const;
 
  private:
   struct Point {
     int round;
     Held held;
   };
-  [[nodiscard]] double BytesPerRound() const;
   // By how much the lowest value of the second half is above that of the first.
   [[nodiscard]] std::int64_t Rise(std::int64_t Held::*value) const;
 
   const int rounds_;
   std::vector<Point> points_;  // after warm-up
 };
+
+// Plays and samples rounds until they are done, something failed, or they take too long for a soak of an hour; then it
+// says so.
+void PlayRounds(ScenarioRun& run, Growth& growth, int rounds, const std::function<void()>& play);
 
 }  // namespace bench::scenarios
