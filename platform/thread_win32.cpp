@@ -34,7 +34,8 @@ HMODULE HoldThisLibrary() {
 
 bool Thread::Start(std::function<void()> body) {
   Join();
-  auto work = std::make_unique<Work>(Work{std::move(body), HoldThisLibrary()});
+  auto work = std::make_unique<Work>(Work{std::move(body)});
+  work->library = HoldThisLibrary();  // not before there is memory: nobody would let go of it
   native_ = CreateThread(nullptr, 0, &RunWork, work.get(), 0, nullptr);
   if (native_ == nullptr) {
     if (work->library != nullptr) FreeLibrary(work->library);

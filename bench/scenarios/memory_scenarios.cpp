@@ -106,6 +106,9 @@ void OnConnection(ScenarioRun& run) {
   run.Check(failures > 0, "allocations fail");
   run.Figure("%d allocations failed while connecting", failures);
   CheckNewCompanion(run, life);
+  life.Cleanup();
+  life.Unload();
+  run.Check(GetModuleHandleA("driver_ombrel.dll") == nullptr, "the library goes");
 }
 
 constexpr std::array kScenarios{
