@@ -36,8 +36,10 @@ class OmbrelCoreTest : public testing::Test {
   [[nodiscard]] bool Stream() {
     PrepareOutput();
     SetUpCore();
-    return companion_.Connect() && WaitForStreaming();
+    return ConnectWhole() && WaitForStreaming();
   }
+  // Up to the moment that everybody has heard of the connection: a drop before would be heard of twice.
+  [[nodiscard]] bool ConnectWhole() { return companion_.Connect() && listener_.journal.WaitForLine("up"); }
   // Whether the hand-off takes frames, shown by one without layers or sync texture that an output is drawn for. It is
   // the connection's first frame.
   [[nodiscard]] bool WaitForStreaming() {

@@ -12,7 +12,7 @@ class VirtualHandOffTest : public OmbrelCoreTest {
   void SetUp() override {
     PrepareOutput();
     SetUpCore();
-    ASSERT_TRUE(companion_.Connect());
+    ASSERT_TRUE(ConnectWhole());
     ASSERT_TRUE(WaitForCall("AcquireOutput 0 16"));
   }
   // Hands frames off until one is taken. It waits in there.
