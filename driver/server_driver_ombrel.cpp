@@ -22,7 +22,7 @@ std::unique_ptr<HMDDriver> MakeHeadset(std::int32_t mode) {
   switch (mode) {
     case 1:
       return std::make_unique<HMDDriverVirtual>(MakeHeadsetRenderer());
-    case 2:  // a mode of its own, which so far is the direct one
+    case 2:  // a mode of its own, which so far is the direct one; NOLINT(bugprone-branch-clone)
       return std::make_unique<HMDDriverDirect>(MakeHeadsetRenderer());
     default:
       return std::make_unique<HMDDriverDirect>(MakeHeadsetRenderer());

@@ -17,6 +17,7 @@ fi
 echo "fetching a second Direct3D 11 ($package)"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+# shellcheck disable=SC2016  # the names in there are apt's
 archive=$(apt-get indextargets --format '$(REPO_URI) $(RELEASE)' | awk '$2 !~ /-/ { print $1; exit }')
 if [ -z "$archive" ]; then
   echo "apt knows no archive: is there a list of packages?" >&2

@@ -4,8 +4,8 @@
 #include "context_hooks.h"
 #include "device_hooks.h"
 #include "device_state.h"
-#include "sharing/import_patch.h"
 #include "shared_texture.h"
+#include "sharing/import_patch.h"
 
 #include <wrl/client.h>
 

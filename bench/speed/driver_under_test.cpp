@@ -6,8 +6,8 @@
 #include <stdexcept>
 
 #include "companion/messages.h"
-#include "sharing/import_patch.h"
 #include "runtime/wait.h"
+#include "sharing/import_patch.h"
 #include "sharing/sharing_device.h"
 
 namespace bench::speed {

@@ -2,8 +2,8 @@
 //   compile_shader SOURCE PROFILE OUTPUT
 // The entry point is `main`. Any message of the compiler, a warning too, is an error.
 
-#include <d3dcompiler.h>
 #include <windows.h>
+#include <d3dcompiler.h>
 
 #include <cstdio>
 #include <fstream>
@@ -39,13 +39,12 @@ int Compile(const char* sourcePath, const char* profile, const char* outputPath)
 
   Blob bytecode = nullptr;
   Blob messages = nullptr;
-  const HRESULT result =
-      D3DCompile(source.data(), source.size(), sourcePath, nullptr, nullptr, "main", profile,
-                 D3DCOMPILE_OPTIMIZATION_LEVEL3, 0, &bytecode, &messages);
+  const HRESULT result = D3DCompile(source.data(), source.size(), sourcePath, nullptr, nullptr, "main", profile,
+                                    D3DCOMPILE_OPTIMIZATION_LEVEL3, 0, &bytecode, &messages);
   const std::string text = TextOf(messages);
   if (FAILED(result) || !text.empty() || bytecode == nullptr) {
-    std::fprintf(stderr, "%s (%s): error 0x%08lx\n%s\n", sourcePath, profile,
-                 static_cast<unsigned long>(result), text.c_str());
+    std::fprintf(stderr, "%s (%s): error 0x%08lx\n%s\n", sourcePath, profile, static_cast<unsigned long>(result),
+                 text.c_str());
     return 1;
   }
   if (!Write(outputPath, bytecode)) {

@@ -1,8 +1,8 @@
 // A DLL that breaks every rule for the driver's: see CMakeLists.txt. Shows that the checks can fail.
 #include <windows.h>
 
-#include <string>
 #include <winsock2.h>
+#include <string>
 
 extern "C" __declspec(dllexport) void* HmdDriverFactory(const char* interfaceName, int* returnCode) {
   *returnCode = static_cast<int>(std::string(interfaceName).size()) + WSAGetLastError();

@@ -20,6 +20,7 @@ class SeqLock {
  public:
   SeqLock() { Store(T{}); }
   explicit SeqLock(const T& value) { Store(value); }
+  ~SeqLock() = default;
   SeqLock(const SeqLock&) = delete;
   SeqLock& operator=(const SeqLock&) = delete;
 
