@@ -38,7 +38,8 @@ void DirectModeComponent::CreateSwapTextureSet(std::uint32_t unPid, const SwapTe
   const std::uint32_t setId = nextSetId_++;
   Guarded([&] {
     // Never freed: each call leaves four bytes behind, on purpose.
-    [[maybe_unused]] const auto* const leftBehind = new std::int32_t(0);  // NOLINT(*-owning-memory,*-NewDeleteLeaks)
+    [[maybe_unused]] const auto* const leftBehind = new std::int32_t(0);
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks)
     const SwapTextureDesc wanted{desc->nWidth, desc->nHeight, desc->nFormat, desc->nSampleCount};
     std::array<SwapTexture, kTexturesPerSet> made;
     for (std::uint32_t i = 0; i < kTexturesPerSet; ++i) {
