@@ -74,6 +74,7 @@ void CServerDriver_Ombrel::AddHeadset() {
   Log("Preparing HMD, mode %d\n", mode);
   headset_ = MakeHeadset(mode);
   headset_->Core().Client().AddListener(static_cast<IControllerUpdatedListener*>(this));
+  headset_->Core().StartLink();
   devices_.push_back(headset_.get());
   // Announced under this very text, not under the serial number that it has as a property.
   Context().ServerDriverHost()->TrackedDeviceAdded("serialNumber", vr::TrackedDeviceClass_HMD, headset_.get());
@@ -138,10 +139,10 @@ void CServerDriver_Ombrel::SendHapticPulse(vr::PropertyContainerHandle_t contain
   if (controller == nullptr) return;
   OmbrelCore* link = controller->Link();
   if (link == nullptr || !link->Client().IsConnected()) return;
-  const HapticPulse pulse =
-      MakeHapticPulse(controller->ControllerId(), PerformanceCounter(), link->CounterFrequency(), durationSeconds);
-  // A pulse that the companion does not take is not worth another try.
-  static_cast<void>(link->Client().Send(LinkMessageType::kHapticPulse, RecordBytes(pulse)));
+  const std::int64_t now = PerformanceCounter(), frequency = link->CounterFrequency();
+  link->Client().Send(LinkMessageType::kHapticPulse,
+                      MakeHapticPulse(controller->ControllerId(), now, frequency, durationSeconds),
+                      now + kPulseLifeMs * frequency / 1000);
 }
 
 bool CServerDriver_Ombrel::ShouldBlockStandbyMode() {

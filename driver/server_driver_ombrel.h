@@ -31,8 +31,6 @@ class CServerDriver_Ombrel final : public vr::IServerTrackedDeviceProvider, publ
   // waiting.
   void Cleanup() override;
   const char* const* GetInterfaceVersions() override;
-  // Waits only when the companion does not read what is written to it: for a haptic pulse 0.6 seconds at most, 1.2 when
-  // a frame's announcement waits at the same time, and then not again for two seconds.
   void RunFrame() override;
   bool ShouldBlockStandbyMode() override;
   void EnterStandby() override;

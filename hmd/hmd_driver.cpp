@@ -26,22 +26,16 @@ HMDDriver::HMDDriver(std::unique_ptr<IFrameRenderer> renderer)
   RaiseTimerResolution();
   core_.SetUp();
   core_.Renderer().CreateDevice();
+  core_.Client().AddListener(static_cast<ITrackingUpdatedListener*>(this));
+  core_.Client().AddListener(static_cast<IFramerateUpdatedListener*>(this));
+  // Behind the headset: a pose goes to the runtime before anybody waits for the frame gate.
+  core_.Client().AddListener(static_cast<ITrackingUpdatedListener*>(&core_));
   if (Context().Settings() != nullptr) {
     Log("Using settings values\n");
     ApplySettings();
   }
   PublishPose();
   LogConfiguration();
-}
-
-void HMDDriver::ListenToLink() {
-  core_.Client().AddListener(static_cast<ITrackingUpdatedListener*>(this));
-  core_.Client().AddListener(static_cast<IFramerateUpdatedListener*>(this));
-  // Behind the headset: a pose goes to the runtime before anybody waits for the frame gate.
-  core_.Client().AddListener(static_cast<ITrackingUpdatedListener*>(&core_));
-  // The link has been up for as long as a device takes to be made: a rate that came meanwhile reached the core alone.
-  const std::uint32_t rate = core_.FramesPerSecond();
-  if (rate != OmbrelCore::kInitialFramesPerSecond) OnFramerateUpdated(rate);
 }
 
 void HMDDriver::ApplySettings() {
@@ -82,7 +76,7 @@ vr::EVRInitError HMDDriver::Activate(std::uint32_t unObjectId) {
 }
 
 void HMDDriver::WriteHeadsetProperties() {
-  const float frequency = displayFrequency_;
+  float frequency = displayFrequency_;
   const std::array<DeviceProperty, 10> properties{{
       {vr::Prop_IsOnDesktop_Bool, false},
       {vr::Prop_ContainsProximitySensor_Bool, true},
@@ -97,7 +91,10 @@ void HMDDriver::WriteHeadsetProperties() {
   }};
   WriteProperties(propertyContainer_, properties);
   // The reader thread may have written a newer one meanwhile, which is to stand.
-  if (const float newest = displayFrequency_; newest != frequency) WriteDisplayFrequency(newest);
+  while (displayFrequency_ != frequency) {
+    frequency = displayFrequency_;
+    WriteDisplayFrequency(frequency);
+  }
 }
 
 void HMDDriver::WriteDisplayFrequency(float frequency) {

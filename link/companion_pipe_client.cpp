@@ -30,19 +30,10 @@ void CompanionPipeClient::Stop() {
   running_.store(false, std::memory_order_release);
   wake_.WakeAll();
   connectThread_.Join();
-  trackingListeners_.Clear();
-  framerateListeners_.Clear();
-  controllerListeners_.Clear();
-  connectionListeners_.Clear();
-}
-
-OutgoingPipe::Result CompanionPipeClient::Send(LinkMessageType type, std::span<const std::byte> payload) {
-  if (!IsConnected()) return OutgoingPipe::Result::kSent;
-  const OutgoingPipe::Result result = writePipe_.Write(type, payload);
-  // Half a message is out: only a new connection puts the stream in step again. The connect thread sees to it, since this
-  // thread may be so late that there is a new one already.
-  if (result == OutgoingPipe::Result::kBroken) wake_.WakeAll();
-  return result;
+  trackingListeners_.clear();
+  framerateListeners_.clear();
+  controllerListeners_.clear();
+  connectionListeners_.clear();
 }
 
 void CompanionPipeClient::RunConnectThread() {
@@ -58,7 +49,6 @@ void CompanionPipeClient::RunConnectThread() {
       reported = true;
       ReportConnectionState();
     }
-    writePipe_.CancelStalledWrite();
     wake_.WaitFor(seen, kRetryMs);
   }
   EndConnection();
@@ -66,8 +56,11 @@ void CompanionPipeClient::RunConnectThread() {
 
 bool CompanionPipeClient::TryConnect() try {
   if (!OpenPipes()) return false;
+  if (!writePipe_.StartWriting()) {
+    EndConnection();
+    return false;
+  }
   // Marked up before the reader starts: one that ends at once must find it so, to mark it down again.
-  writePipe_.Admit();
   newConnection_.store(true, std::memory_order_release);
   connected_.store(true, std::memory_order_release);
   framer_.Reset();
@@ -113,8 +106,7 @@ void CompanionPipeClient::EndConnection() {
 }
 
 void CompanionPipeClient::ReportConnectionState() {
-  connectionListeners_.ForEach(
-      [](IConnectionStateChangedListener* listener) { Guarded([=] { listener->OnConnectionStateChanged(); }); });
+  for (auto* listener : connectionListeners_) Guarded([=] { listener->OnConnectionStateChanged(); });
 }
 
 void CompanionPipeClient::RunReaderThread() {

@@ -47,23 +47,21 @@ void CompanionPipeClient::OnTrackingUpdate(std::span<const std::byte> payload) {
   if (outcome == HeadPoseTracker::Outcome::kPublished) publishedPose_.StoreAlone(headPose_.Record());
   hasTrackingData_.store(true, std::memory_order_release);
   // One by one: the pose is counted even if the runtime would not have it.
-  trackingListeners_.ForEach(
-      [](ITrackingUpdatedListener* listener) { Guarded([=] { listener->OnTrackingUpdated(); }); });
+  for (auto* listener : trackingListeners_) Guarded([=] { listener->OnTrackingUpdated(); });
 }
 
 void CompanionPipeClient::OnFramerateUpdate(std::span<const std::byte> payload) {
   if (payload.size() < sizeof(std::uint32_t)) return;
   const auto framesPerSecond = ReadRecord<std::uint32_t>(payload);
-  framerateListeners_.ForEach(
-      [=](IFramerateUpdatedListener* listener) { Guarded([=] { listener->OnFramerateUpdated(framesPerSecond); }); });
+  for (auto* listener : framerateListeners_) Guarded([=] { listener->OnFramerateUpdated(framesPerSecond); });
 }
 
 void CompanionPipeClient::OnControllerUpdate(std::span<const std::byte> payload) {
   if (payload.size() < sizeof(ControllerUpdate)) return;
-  controllerListeners_.ForEach([=](IControllerUpdatedListener* listener) {
+  for (auto* listener : controllerListeners_) {
     const auto record = ReadRecord<ControllerUpdate>(payload);
     listener->OnControllerUpdated(&record);
-  });
+  }
 }
 
 }  // namespace ombrel

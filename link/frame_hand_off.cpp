@@ -43,10 +43,8 @@ void OmbrelCore::HandOffTexture(std::uint64_t texture) {
 // Once per connection, ahead of its first frame.
 void OmbrelCore::SendFrameSharingInfo() {
   if (!client_.TakeNewConnection()) return;
-  const FrameSharingInfo info = MakeFrameSharingInfo(CurrentProcessId(), renderer_->Sharing(), sharing_.Name());
-  const auto result = client_.Send(LinkMessageType::kFrameSharingInfo, RecordBytes(info));
-  // Without it the companion would not see a frame, so a later one brings it again.
-  if (result == OutgoingPipe::Result::kStalled) client_.PutBackNewConnection();
+  client_.Send(LinkMessageType::kFrameSharingInfo,
+               MakeFrameSharingInfo(CurrentProcessId(), renderer_->Sharing(), sharing_.Name()));
 }
 
 bool OmbrelCore::AcquireNextTexture() {

@@ -21,10 +21,11 @@ void OmbrelCore::SetUp() {
   sharing_.CreateBlock();
   client_.AddListener(static_cast<IConnectionStateChangedListener*>(this));
   client_.AddListener(static_cast<IFramerateUpdatedListener*>(this));
-  client_.Start();
   sharing_.CreateMutexes();
   initialised_ = true;
 }
+
+void OmbrelCore::StartLink() { client_.Start(); }
 
 void OmbrelCore::StopLink() {
   pacing_.Close();

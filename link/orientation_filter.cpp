@@ -71,7 +71,8 @@ void OrientationFilter::Update(const SensorSample& sample) {
   const Quaternion next = Integrated(attitude_, rate);
   if (!IsFinite(next)) return;
   attitude_ = next;
-  orientation_ = FromMatrixByTrace(ToMatrix(next));
+  // The fast root leaves it up to 0.2 % short, which a matrix near a half-turn would make many degrees of.
+  orientation_ = FromMatrixByTrace(ToMatrix(Normalised(next)));
 }
 
 }  // namespace ombrel

@@ -1,5 +1,6 @@
 #include "link/outgoing_pipe.h"
 
+#include <algorithm>
 #include <mutex>
 
 #include "platform/clock.h"
@@ -7,64 +8,67 @@
 namespace ombrel {
 namespace {
 
-bool HavePassed(std::uint32_t milliseconds, std::int64_t since) {
-  return (PerformanceCounter() - since) * 1000 >= PerformanceFrequency() * std::int64_t{milliseconds};
-}
+constexpr std::uint32_t kCancelAgainMs = 2;
 
 }  // namespace
 
-void OutgoingPipe::CancelStalledWrite() {
-  const std::int64_t since = writingSince_.load(std::memory_order_acquire);
-  if (since == 0 || !HavePassed(kStallMs, since)) return;
-  cancelled_.store(true, std::memory_order_release);
-  pipe_.CancelIo();
+bool OutgoingPipe::StartWriting() {
+  if (!writer_.Start([this] { WriteWaiting(); })) return false;
+  const std::lock_guard lock(mutex_);
+  isWriting_ = true;
+  return true;
 }
 
 void OutgoingPipe::Close() {
-  // A cancel that comes just before the write cancels nothing, so it is repeated until the writer is out.
-  while (!mutex_.try_lock()) {
+  {
+    const std::lock_guard lock(mutex_);
+    isWriting_ = false;
+    count_ = 0;
+  }
+  // A cancel that comes while the writer is between two writes cancels nothing, so it is repeated until it is out.
+  do {
     pipe_.CancelIo();
-    SleepMs(1);
-  }
+  } while (!writer_.StopFor(kCancelAgainMs));
   pipe_.Close();
-  admitted_ = false;
   broken_ = false;
-  stalledAt_ = 0;
-  mutex_.unlock();
 }
 
-void OutgoingPipe::Admit() {
+void OutgoingPipe::Enqueue(LinkMessageType type, std::span<const std::byte> payload, std::int64_t lateAfter) {
+  {
+    const std::lock_guard lock(mutex_);
+    const std::size_t room = lateAfter == kNeverLate ? waiting_.size() : kMostWaiting;
+    if (!isWriting_ || count_ >= room) return;
+    Message& message = waiting_[(first_ + count_) % waiting_.size()];
+    message.header = {static_cast<std::uint32_t>(payload.size()), static_cast<std::uint32_t>(type)};
+    std::ranges::copy(payload, message.payload.begin());
+    message.lateAfter = lateAfter;
+    ++count_;
+  }
+  writer_.Notify();
+}
+
+void OutgoingPipe::WriteWaiting() {
+  Message message;
+  while (!IsBroken() && TakeNext(message)) {
+    if (PerformanceCounter() <= message.lateAfter && !Write(message)) broken_.store(true, std::memory_order_release);
+  }
+}
+
+bool OutgoingPipe::TakeNext(Message& message) {
   const std::lock_guard lock(mutex_);
-  admitted_ = true;
+  if (count_ == 0) return false;
+  message = waiting_[first_];
+  first_ = (first_ + 1) % waiting_.size();
+  --count_;
+  return true;
 }
 
-OutgoingPipe::Result OutgoingPipe::Write(LinkMessageType type, std::span<const std::byte> payload) {
-  const std::lock_guard lock(mutex_);
-  if (!admitted_) return Result::kSent;
-  if (IsPausing()) return Result::kStalled;
-  cancelled_.store(false, std::memory_order_release);
-  writingSince_.store(PerformanceCounter(), std::memory_order_release);
-  const Result result = WriteParts(type, payload);
-  writingSince_.store(0, std::memory_order_release);
-  stalledAt_ = result == Result::kStalled ? PerformanceCounter() : 0;
-  if (result == Result::kBroken) {
-    admitted_ = false;
-    broken_.store(true, std::memory_order_release);
-  }
-  return result;
-}
-
-bool OutgoingPipe::IsPausing() const { return stalledAt_ != 0 && !HavePassed(kPauseMs, stalledAt_); }
-
-OutgoingPipe::Result OutgoingPipe::WriteParts(LinkMessageType type, std::span<const std::byte> payload) {
-  const LinkMessageHeader header{static_cast<std::uint32_t>(payload.size()), static_cast<std::uint32_t>(type)};
-  if (!pipe_.WriteAll(&header.length, sizeof(header.length))) {
-    return cancelled_.load(std::memory_order_acquire) ? Result::kStalled : Result::kSent;
-  }
-  if (pipe_.WriteAll(&header.type, sizeof(header.type)) && pipe_.WriteAll(payload.data(), payload.size())) {
-    return Result::kSent;
-  }
-  return Result::kBroken;
+// False when a part of the message is out and the rest could not follow. One of which nothing could be written is lost
+// without notice: a companion that closes this pipe alone keeps its connection.
+bool OutgoingPipe::Write(const Message& message) {
+  const LinkMessageHeader& header = message.header;
+  if (!pipe_.WriteAll(&header.length, sizeof(header.length))) return true;
+  return pipe_.WriteAll(&header.type, sizeof(header.type)) && pipe_.WriteAll(message.payload.data(), header.length);
 }
 
 }  // namespace ombrel

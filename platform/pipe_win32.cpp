@@ -17,6 +17,8 @@ struct PipeLocalInformation {
 };
 constexpr auto kPipeLocalInformation = static_cast<FILE_INFORMATION_CLASS>(24);
 constexpr ULONG kPipeConnected = 3;
+// The server has disconnected us: the system knows nothing of such a pipe any more.
+constexpr auto kPipeDisconnected = static_cast<NTSTATUS>(0xC00000B0);
 
 HANDLE AsHandle(std::intptr_t native) { return reinterpret_cast<HANDLE>(native); }
 
@@ -35,7 +37,7 @@ bool PipeClient::IsPeerGone() const {
   PipeLocalInformation information{};
   const NTSTATUS result = NtQueryInformationFile(AsHandle(native_.load(std::memory_order_acquire)), &status,
                                                  &information, sizeof(information), kPipeLocalInformation);
-  return result == 0 && information.state != kPipeConnected;
+  return result == kPipeDisconnected || (result == 0 && information.state != kPipeConnected);
 }
 
 bool PipeClient::ReadSome(void* buffer, std::size_t capacity, std::size_t& got) {

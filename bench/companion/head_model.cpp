@@ -77,7 +77,7 @@ void HeadModel::Take(const TrackingUpdate& update) {
       return;
     case PoseFormat::Sensors:
       sensors_.Step(update.sensors);
-      raw_ = RotationByTrace(ToPoseMatrix(sensors_.Orientation(), {}));
+      raw_ = RotationByTrace(ToPoseMatrix(Normalise(sensors_.Orientation()), {}));
       return;
     case PoseFormat::EulerAngles:
       raw_ = EulerToQuaternion(update.eulerAngles[0], update.eulerAngles[1], update.eulerAngles[2]);

@@ -78,7 +78,9 @@ void FormulaFloor::PublishEulerAngles(std::span<const std::byte, kBytes> bytes) 
 
 void FormulaFloor::PublishSensors(std::span<const std::byte, kBytes> bytes) {
   attitude_ = Step(attitude_, Read<Readings>(bytes));
-  floor_.Publish(ByTrace(attitude_[0], attitude_[1], attitude_[2], attitude_[3]));
+  const auto [w, x, y, z] = attitude_;
+  const float length = std::sqrt(w * w + x * x + y * y + z * z);
+  floor_.Publish(ByTrace(w / length, x / length, y / length, z / length));
 }
 
 void FormulaFloor::PublishRecenter() {

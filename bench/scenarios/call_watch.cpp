@@ -23,7 +23,7 @@ constexpr std::chrono::milliseconds kLookInterval{50};
 constexpr std::array kBounds{
     CallBound{"Init", 0, true},
     CallBound{"Cleanup", 2400},
-    CallBound{"RunFrame", 1200},
+    CallBound{"RunFrame", 0},
     CallBound{"FreeLibrary", 0},
     CallBound{"Activate", 2000, true},
     CallBound{"Deactivate", 0},
@@ -38,10 +38,10 @@ constexpr std::array kBounds{
     CallBound{"DestroyAllSwapTextureSets", 0, true},
     CallBound{"GetNextSwapTextureSetIndex", 0},
     CallBound{"SubmitLayer", 0},
-    CallBound{"Present (layers)", 3200},
+    CallBound{"Present (layers)", 2000},
     CallBound{"PostPresent", 1000},
     CallBound{"GetFrameTiming", 0},
-    CallBound{"Present (texture)", 3200},
+    CallBound{"Present (texture)", 2000},
     CallBound{"WaitForPresent", 1000},
     CallBound{"GetTimeSinceLastVsync", 0},
 };

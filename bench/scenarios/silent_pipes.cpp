@@ -48,6 +48,11 @@ bool SilentPipes::WaitForClient(End& end, std::uint32_t timeoutMs) {
 
 bool SilentPipes::WaitForFirstPipe(std::uint32_t timeoutMs) { return WaitForClient(fromDriver_, timeoutMs); }
 
+void SilentPipes::DisconnectFirstPipe() {
+  DisconnectNamedPipe(fromDriver_.pipe.Get());
+  fromDriver_.isConnected = false;
+}
+
 bool SilentPipes::WaitForDriver(std::uint32_t timeoutMs) {
   return WaitForClient(fromDriver_, timeoutMs) && WaitForClient(toDriver_, timeoutMs);
 }

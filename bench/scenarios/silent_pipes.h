@@ -22,6 +22,8 @@ class SilentPipes {
   // Waits until the driver has opened the pipe (the pipes that are there).
   [[nodiscard]] bool WaitForDriver(std::uint32_t timeoutMs);
   [[nodiscard]] bool WaitForFirstPipe(std::uint32_t timeoutMs);  // the one from the driver
+  // Throws the driver out of that pipe, which may then be waited for again.
+  void DisconnectFirstPipe();
   // False when the driver did not take it in time.
   [[nodiscard]] bool Write(std::span<const std::uint8_t> bytes, std::uint32_t timeoutMs = 2000);
   // Bytes read within the time; 0 if none came.

@@ -58,8 +58,6 @@ class HMDDriver : public vr::ITrackedDeviceServerDriver,
 
  protected:
   explicit HMDDriver(std::unique_ptr<IFrameRenderer> renderer);
-  // For the derived constructors' bodies: until then the link's threads must not call an object half made.
-  void ListenToLink();
   [[nodiscard]] vr::IVRServerDriverHost* Host() const { return host_; }
 
  private:

@@ -20,9 +20,7 @@ class HMDDriverDirect final : public HMDDriver, public DirectModeComponent {
  private:
   // By reference, so that the renderer is still there to be looked at when both arguments are made.
   HMDDriverDirect(ISwapTextureDevice& textures, std::unique_ptr<IHeadsetRenderer>&& renderer)
-      : HMDDriver(std::move(renderer)), DirectModeComponent(Core(), textures) {
-    ListenToLink();
-  }
+      : HMDDriver(std::move(renderer)), DirectModeComponent(Core(), textures) {}
 };
 
 }  // namespace ombrel

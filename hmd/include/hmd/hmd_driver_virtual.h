@@ -12,9 +12,7 @@ namespace ombrel {
 class HMDDriverVirtual final : public HMDDriver, public VirtualDisplayComponent {
  public:
   explicit HMDDriverVirtual(std::unique_ptr<IFrameRenderer> renderer)
-      : HMDDriver(std::move(renderer)), VirtualDisplayComponent(Core(), Host()) {
-    ListenToLink();
-  }
+      : HMDDriver(std::move(renderer)), VirtualDisplayComponent(Core(), Host()) {}
 
   void* GetComponent(const char* pchComponentNameAndVersion) override;
 };

@@ -4,13 +4,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <vector>
 
 #include "link/head_pose_tracker.h"
 #include "link/listeners.h"
 #include "link/message_framer.h"
 #include "link/outgoing_pipe.h"
 #include "link/wire.h"
-#include "platform/append_only_list.h"
 #include "platform/pipe.h"
 #include "platform/seqlock.h"
 #include "platform/sync.h"
@@ -19,8 +19,8 @@
 namespace ombrel {
 
 // The driver's end of the two pipes. Its connect thread opens them, every 100 ms while they are down, and reports
-// changes of the connection; one reader thread per connection decodes what comes in and calls the listeners. Failures
-// are silent and retried.
+// changes of the connection; each connection has a reader thread, which decodes what comes in and calls the listeners,
+// and a thread that writes what is sent. Failures are silent and retried.
 class CompanionPipeClient {
  public:
   CompanionPipeClient();
@@ -29,23 +29,25 @@ class CompanionPipeClient {
   CompanionPipeClient& operator=(const CompanionPipeClient&) = delete;
 
   void Start();
-  // Ends both threads and waits for them, closes the pipes and empties the listener lists. Not to be called from a
+  // Ends the threads and waits for them, closes the pipes and empties the listener lists. Not to be called from a
   // listener. Bounded by what the listeners do plus a few milliseconds.
   void Stop();
 
-  // Any thread. A listener added while the link runs is called from the next event on.
-  void AddListener(ITrackingUpdatedListener* listener) { trackingListeners_.Add(listener); }
-  void AddListener(IFramerateUpdatedListener* listener) { framerateListeners_.Add(listener); }
-  void AddListener(IControllerUpdatedListener* listener) { controllerListeners_.Add(listener); }
-  void AddListener(IConnectionStateChangedListener* listener) { connectionListeners_.Add(listener); }
+  // Before Start. Called in this order.
+  void AddListener(ITrackingUpdatedListener* listener) { trackingListeners_.push_back(listener); }
+  void AddListener(IFramerateUpdatedListener* listener) { framerateListeners_.push_back(listener); }
+  void AddListener(IControllerUpdatedListener* listener) { controllerListeners_.push_back(listener); }
+  void AddListener(IConnectionStateChangedListener* listener) { connectionListeners_.push_back(listener); }
 
   // Any thread.
   [[nodiscard]] bool IsConnected() const { return connected_.load(std::memory_order_acquire); }
-  // True once per connection, for the one who announces the output textures; Put it back when that failed.
+  // True once per connection, for the one who announces the output textures.
   [[nodiscard]] bool TakeNewConnection() { return newConnection_.exchange(false, std::memory_order_acq_rel); }
-  void PutBackNewConnection() { newConnection_.store(true, std::memory_order_release); }
-  // Writes nothing unless connected. May block as OutgoingPipe says.
-  OutgoingPipe::Result Send(LinkMessageType type, std::span<const std::byte> payload);
+  // Never waits; see OutgoingPipe for what is lost.
+  template <typename Record>
+  void Send(LinkMessageType type, const Record& record, std::int64_t lateAfter = OutgoingPipe::kNeverLate) {
+    if (IsConnected()) writePipe_.Send(type, record, lateAfter);
+  }
   [[nodiscard]] LinkPoseRecord PublishedPose() const { return publishedPose_.Load(); }
   [[nodiscard]] bool HasTrackingData() const { return hasTrackingData_.load(std::memory_order_acquire); }
 
@@ -71,10 +73,11 @@ class CompanionPipeClient {
   std::atomic<bool> newConnection_{false};
   std::atomic<bool> hasTrackingData_{false};
 
-  AppendOnlyList<ITrackingUpdatedListener*> trackingListeners_;
-  AppendOnlyList<IFramerateUpdatedListener*> framerateListeners_;
-  AppendOnlyList<IControllerUpdatedListener*> controllerListeners_;
-  AppendOnlyList<IConnectionStateChangedListener*> connectionListeners_;
+  // None is added or taken out while the threads run.
+  std::vector<ITrackingUpdatedListener*> trackingListeners_;
+  std::vector<IFramerateUpdatedListener*> framerateListeners_;
+  std::vector<IControllerUpdatedListener*> controllerListeners_;
+  std::vector<IConnectionStateChangedListener*> connectionListeners_;
 
   OutgoingPipe writePipe_;
   PipeClient readPipe_;

@@ -27,8 +27,10 @@ class OmbrelCore final : public IFramerateUpdatedListener,
   OmbrelCore(const OmbrelCore&) = delete;
   OmbrelCore& operator=(const OmbrelCore&) = delete;
 
-  // Server thread. Makes the shared objects and starts the link; once, whatever the number of calls.
+  // Server thread. Makes the shared objects; once, whatever the number of calls.
   void SetUp();
+  // Server thread, once, when all who are to hear of the companion have been added to the client's listeners.
+  void StartLink();
   // Server thread. Ends the link's threads, releases threads that are blocked in a hand-off or a pacing wait and waits
   // for them: when it returns, nobody is in here. At most about two seconds, when a keyed mutex is waited for.
   void StopLink();
@@ -49,8 +51,7 @@ class OmbrelCore final : public IFramerateUpdatedListener,
   void PrepareOutput(const OutputConfiguration& configuration);
 
   // Direct mode, on the runtime's threads: composes the layers into the current output and passes it to the companion.
-  // Empties the list, unless the link is down. Waits two frame periods at most, two seconds in any case, and for the
-  // announcement as OutgoingPipe says.
+  // Empties the list, unless the link is down. Waits two frame periods at most, two seconds in any case.
   void HandOffLayers(std::uint64_t syncTexture, std::vector<LayerRecord>& layers, const FramePose& pose);
   // Virtual display, likewise: copies one finished texture, then waits until a pose has come that no frame answers yet,
   // or the link goes down.

@@ -19,7 +19,8 @@ class OrientationFilter {
   // Takes one sample in. A sample that would leave the filter without a finite orientation changes nothing.
   void Update(const SensorSample& sample);
 
-  // The orientation so far: the filter's quaternion, by way of its rotation matrix and the trace method.
+  // The orientation so far: the filter's quaternion, brought to unit length, by way of its rotation matrix and the trace
+  // method.
   [[nodiscard]] const Quaternion& Orientation() const { return orientation_; }
 
  private:

@@ -1,54 +1,70 @@
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <span>
 
 #include "link/wire.h"
 #include "platform/pipe.h"
 #include "platform/sync.h"
+#include "platform/worker.h"
 
 namespace ombrel {
 
-// The pipe to the companion: whole messages, one at a time, from any thread. A companion that does not read can block a
-// writer for kStallMs and the connect thread's next round (600 ms in all), and one that waits behind another writer for
-// twice that. Then nobody waits for it for kPauseMs: a runtime that has many messages to send is not held once for each.
+// The pipe to the companion. Any thread may send: messages wait in a queue, and a thread of the connection writes them,
+// whole and in order, however long the companion takes to read. Nobody else waits for it, and sending allocates nothing.
 class OutgoingPipe {
  public:
-  enum class Result {
-    kSent,     // or lost in a pipe that has broken
-    kStalled,  // the companion did not take the first byte, or lately did not: nothing was sent, the stream is in step
-    kBroken,   // the companion stopped in the middle of a message: the connection cannot be used any more
-  };
-
-  static constexpr std::uint32_t kStallMs = 500;
-  static constexpr std::uint32_t kPauseMs = 2000;
+  // So many messages that may be late wait at most; behind them is room for one that may not.
+  static constexpr std::size_t kMostWaiting = 32;
+  static constexpr std::int64_t kNeverLate = std::numeric_limits<std::int64_t>::max();
 
   // Connect thread only.
   bool Open() { return pipe_.Open(kPipeToCompanion, PipeClient::Direction::kWrite); }
   [[nodiscard]] bool IsOpen() const { return pipe_.IsOpen(); }
   [[nodiscard]] bool IsPeerGone() const { return pipe_.IsPeerGone(); }
-  void CancelStalledWrite();
-  // From here on messages go out; until then, and after Close or half a message, they are lost.
-  void Admit();
+  // From here on messages are taken in and written. False when the system has no thread for it.
+  [[nodiscard]] bool StartWriting();
+  // A message could be written in part only: the companion cannot follow the stream any more.
   [[nodiscard]] bool IsBroken() const { return broken_.load(std::memory_order_acquire); }
-  // Frees a writer that is blocked and waits for it.
+  // Cancels what is being written, waits for the writing thread, and forgets what still waits.
   void Close();
 
-  [[nodiscard]] Result Write(LinkMessageType type, std::span<const std::byte> payload);
+  // Any thread. A message is lost outside of a connection and when its queue is full, and also when its turn comes after
+  // `lateAfter` (performance counter). One that is never late finds room once in each connection, come what may.
+  template <typename Record>
+  void Send(LinkMessageType type, const Record& record, std::int64_t lateAfter = kNeverLate) {
+    static_assert(sizeof(Record) <= kLongestPayload);
+    Enqueue(type, RecordBytes(record), lateAfter);
+  }
 
  private:
-  [[nodiscard]] bool IsPausing() const;
-  [[nodiscard]] Result WriteParts(LinkMessageType type, std::span<const std::byte> payload);
+  static constexpr std::size_t kLongestPayload = sizeof(FrameSharingInfo);
+  struct Message {
+    LinkMessageHeader header{};
+    std::array<std::byte, kLongestPayload> payload{};
+    std::int64_t lateAfter = kNeverLate;
+  };
 
-  Mutex mutex_;  // one message at a time; also held to close
+  void Enqueue(LinkMessageType type, std::span<const std::byte> payload, std::int64_t lateAfter);
+  // The writing thread.
+  void WriteWaiting();
+  [[nodiscard]] bool TakeNext(Message& message);
+  [[nodiscard]] bool Write(const Message& message);
+
   PipeClient pipe_;
-  bool admitted_ = false;       // guarded by mutex_
-  std::int64_t stalledAt_ = 0;  // performance counter, 0 unless the last write stalled; guarded by mutex_
-  std::atomic<std::int64_t> writingSince_{0};  // performance counter, 0 while nobody writes
-  std::atomic<bool> broken_{false};            // half a message is out
-  std::atomic<bool> cancelled_{false};         // the write under way was cancelled because it stalled
+  std::atomic<bool> broken_{false};
+
+  Mutex mutex_;  // never held while the pipe is waited for; guards what follows
+  std::array<Message, kMostWaiting + 1> waiting_;
+  std::size_t first_ = 0;
+  std::size_t count_ = 0;
+  bool isWriting_ = false;
+
+  Worker writer_;
 };
 
 }  // namespace ombrel

@@ -6,8 +6,8 @@
 
 namespace ombrel {
 
-// The client end of a named pipe, opened for one direction, blocking. One thread opens, reads or writes, and closes;
-// CancelIo may be called from any thread meanwhile.
+// The client end of a named pipe, opened for one direction, blocking. For one thread at a time, but for CancelIo, which
+// any thread may call meanwhile.
 class PipeClient {
  public:
   enum class Direction { kRead, kWrite };

@@ -33,8 +33,8 @@ class DirectModeComponent : public vr::IVRDriverDirectModeComponent {
                                   std::uint32_t (*pIndices)[2]) override;
   void SubmitLayer(const SubmitLayerPerEye_t (&perEye)[2], const vr::HmdMatrix34_t* pPose) override;
   // Waits for the sync texture and for the next output, at most a frame period (and never over a second) each. The first
-  // frame of a connection may wait 1.2 seconds more for a companion that does not read its announcement, and draws the
-  // layers that were submitted while there was no connection, of which the newest kMostLayers are kept.
+  // frame of a connection draws the layers that were submitted while there was none, of which the newest kMostLayers are
+  // kept.
   void Present(vr::SharedTextureHandle_t syncTexture) override;
   // Waits for the end of the frame period, at most a second.
   void PostPresent() override;

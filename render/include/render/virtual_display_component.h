@@ -16,10 +16,9 @@ class VirtualDisplayComponent : public vr::IVRVirtualDisplay {
   // Both must outlive the component.
   VirtualDisplayComponent(OmbrelCore& core, vr::IVRServerDriverHost* host);
 
-  // Waits for the texture and for the next output, at most a frame period (and never over a second) each; the first
-  // frame of a connection 1.2 seconds more for a companion that does not read its announcement. And then until a pose
-  // has come that no frame answers yet, or the link goes down, or Cleanup begins: only a companion that stays connected
-  // and sends no poses makes that long.
+  // Waits for the texture and for the next output, at most a frame period (and never over a second) each, and then until
+  // a pose has come that no frame answers yet, or the link goes down, or Cleanup begins: only a companion that stays
+  // connected and sends no poses makes that long.
   void Present(const vr::PresentInfo_t* pPresentInfo, std::uint32_t unPresentInfoSize) override;
   // Waits for the end of the frame period, at most a second; that is the vsync.
   void WaitForPresent() override;

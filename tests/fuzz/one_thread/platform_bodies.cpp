@@ -6,6 +6,7 @@
 #include "platform/process.h"
 #include "platform/sync.h"
 #include "platform/thread.h"
+#include "platform/worker.h"
 
 namespace ombrel {
 
@@ -74,6 +75,19 @@ void Thread::Join() {
   if (native_ == nullptr) return;
   native_ = nullptr;
   TheWorld().Join(this);
+}
+
+// Works at once, on whatever thread tells it to.
+bool Worker::Start(std::function<void()> work) {
+  work_ = std::move(work);
+  return true;
+}
+void Worker::Notify() {
+  if (work_) work_();
+}
+bool Worker::StopFor(std::uint32_t /*timeoutMs*/) {
+  work_ = nullptr;
+  return true;
 }
 
 namespace {

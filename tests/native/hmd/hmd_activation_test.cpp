@@ -121,6 +121,26 @@ TEST_F(HeadsetActivationTest, ARateThatComesInTheMiddleOfActivationIsTheOneThatS
   EXPECT_EQ(rates, (Lines{"1003: 2002 1 4 72.000000", "1003: 2002 1 4 60.000000", "1003: 2002 1 4 72.000000"}));
 }
 
+TEST_F(HeadsetTest, LeavesTheLastOfSeveralFrameRatesThatComeWhileItIsActivated) {
+  Make();
+  std::vector<std::uint32_t> coming{72, 90};
+  const auto activating = std::this_thread::get_id();
+  std::string last;
+  runtime_.properties.onLine = [&](const std::string& line) {
+    if (line.find(": 2002 ") == std::string::npos) return;
+    if (std::this_thread::get_id() == activating && !coming.empty()) {
+      // Ahead of what Activate is about to write.
+      Background link([&, rate = coming.front()] { headset_->OnFramerateUpdated(rate); });
+      coming.erase(coming.begin());
+      EXPECT_TRUE(link.Finishes());
+    }
+    last = line;
+  };
+  headset_->Activate(3);
+  EXPECT_TRUE(coming.empty());
+  EXPECT_EQ(last, "1003: 2002 1 4 90.000000");
+}
+
 TEST_F(HeadsetActivationTest, TakesTheFrameRateAsSigned) {
   headset_->OnFramerateUpdated(0xFFFFFFFFU);
   headset_->OnFramerateUpdated(0x80000000U);

@@ -40,6 +40,8 @@ class HeadsetTest : public testing::Test {
     renderer_->onCall = onRendererCall_;
     headset_ = std::make_unique<Headset>(std::move(renderer));
   }
+  // As the provider does when it has added its own listener.
+  void StartLink() { headset_->Core().StartLink(); }
   [[nodiscard]] vr::DriverPose_t Pose() const {
     vr::DriverPose_t pose{};
     EXPECT_EQ(headset_->GetPose(&pose), &pose);

@@ -31,6 +31,7 @@ class OmbrelCoreTest : public testing::Test {
     core_->SetUp();
     core_->Client().AddListener(static_cast<ITrackingUpdatedListener*>(core_.get()));
     listener_.ListenToAll();
+    core_->StartLink();
   }
   // Up to the moment that frames flow; the journal is empty then.
   [[nodiscard]] bool Stream() {

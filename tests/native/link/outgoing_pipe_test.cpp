@@ -1,8 +1,12 @@
-// What a connection's end leaves of the messages that were on their way.
+// What the queue ahead of the companion's pipe keeps, drops and forgets.
 #include "link/outgoing_pipe.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <vector>
+
+#include "platform/clock.h"
 #include "support/background.h"
 #include "support/bytes.h"
 #include "support/fake_companion.h"
@@ -10,79 +14,114 @@
 namespace ombrel::test {
 namespace {
 
-using Result = OutgoingPipe::Result;
-
 class OutgoingPipeTest : public testing::Test {
  protected:
-  // Opened, but with messages not let out yet.
+  static constexpr std::uint32_t kMorePulsesThanAnythingHolds = 5000;
+  // As good as never too late, but of those that may be dropped.
+  static constexpr std::int64_t kAnyDay = OutgoingPipe::kNeverLate - 1;
+
+  ~OutgoingPipeTest() override { pipe_.Close(); }
+
   [[nodiscard]] bool Open() {
     companion_.in.Offer();
     return pipe_.Open() && companion_.in.Accept();
   }
-  [[nodiscard]] bool OpenAndAdmit() {
-    if (!Open()) return false;
-    pipe_.Admit();
-    return true;
+  [[nodiscard]] bool OpenAndWrite() { return Open() && pipe_.StartWriting(); }
+  void SendPulse(std::uint32_t number, std::int64_t lateAfter = kAnyDay) {
+    pipe_.Send(LinkMessageType::kHapticPulse, HapticPulse{number, 0, 0, 0}, lateAfter);
   }
-  Result Write(std::span<const std::byte> payload) { return pipe_.Write(LinkMessageType::kHapticPulse, payload); }
-  // Far more than the pipe holds, so that its writer stays in the middle of it.
-  static Bytes Huge() { return Bytes().Fill(50'000'000, 0xEE); }
-  // The next bytes that the companion gets are those of a message that is written now.
+  void SendAnnouncement() { pipe_.Send(LinkMessageType::kFrameSharingInfo, FrameSharingInfo{}); }
+  void SendUntilStuck() {
+    for (std::uint32_t i = 0; i < kMorePulsesThanAnythingHolds; ++i) SendPulse(i);
+  }
+  // The type of each message up to an announcement; empty when there is none, or a part of a message is missing.
+  [[nodiscard]] std::vector<std::uint32_t> TypesUpToAnAnnouncement() {
+    std::vector<std::uint32_t> types;
+    while (const auto message = companion_.Receive()) {
+      types.push_back(message->type);
+      if (message->type == 2) return types;
+    }
+    return {};
+  }
+  // The next bytes that the companion gets are those of a message that is sent now.
   [[nodiscard]] bool IsInStep() {
-    const Bytes payload = Bytes().U32(1).U32(2).U32(3);
-    return Write(payload) == Result::kSent && companion_.in.Receive(20) == Framed(11, payload).Get();
+    SendPulse(77);
+    return companion_.in.Receive(20) == Framed(11, Bytes().U32(77).U32(0).U32(0)).Get();
   }
 
   FakeCompanion companion_;
   OutgoingPipe pipe_;
 };
 
-TEST_F(OutgoingPipeTest, LosesWhatIsWrittenBeforeMessagesAreLetOut) {
+TEST_F(OutgoingPipeTest, LosesWhatIsSentBeforeItWrites) {
   ASSERT_TRUE(Open());
-  EXPECT_EQ(Write(Bytes().Fill(12, 0xEE)), Result::kSent);
-  pipe_.Admit();
+  SendPulse(1);
+  SendAnnouncement();
+  ASSERT_TRUE(pipe_.StartWriting());
   EXPECT_TRUE(IsInStep());
 }
 
-TEST_F(OutgoingPipeTest, LetsMessagesOutOfEachConnectionAnew) {
-  ASSERT_TRUE(OpenAndAdmit());
+TEST_F(OutgoingPipeTest, LosesWhatIsSentAfterItsEnd) {
+  ASSERT_TRUE(OpenAndWrite());
   pipe_.Close();
-  ASSERT_TRUE(Open());
-  // Its sender found the last connection up and comes late.
-  EXPECT_EQ(Write(Bytes().Fill(12, 0xEE)), Result::kSent);
-  pipe_.Admit();
+  SendPulse(1);
+  SendAnnouncement();
+  ASSERT_TRUE(OpenAndWrite());
   EXPECT_TRUE(IsInStep());
 }
 
-TEST_F(OutgoingPipeTest, IsClosedOnlyWhenItsWriterIsOut) {
-  // At different moments of the write.
+TEST_F(OutgoingPipeTest, DropsAPulseWhoseTurnComesTooLate) {
+  ASSERT_TRUE(OpenAndWrite());
+  SendPulse(1, PerformanceCounter() - 1);
+  EXPECT_TRUE(IsInStep());
+}
+
+TEST_F(OutgoingPipeTest, DropsThePulsesThatFindTheQueueFull) {
+  ASSERT_TRUE(OpenAndWrite());
+  SendUntilStuck();
+  std::vector<std::uint32_t> received;
+  while (companion_.in.HasData(200)) {
+    const auto message = companion_.Receive();
+    ASSERT_TRUE(message.has_value());
+    received.push_back(ReadRecord<std::uint32_t>(message->payload));
+  }
+  EXPECT_GE(received.size(), OutgoingPipe::kMostWaiting);
+  EXPECT_LT(received.size(), kMorePulsesThanAnythingHolds);
+  EXPECT_TRUE(std::ranges::is_sorted(received));
+  EXPECT_TRUE(IsInStep());
+}
+
+TEST_F(OutgoingPipeTest, FindsRoomForTheAnnouncementBehindAFullQueue) {
+  ASSERT_TRUE(OpenAndWrite());
+  SendUntilStuck();
+  SendAnnouncement();
+  SendUntilStuck();
+  EXPECT_GT(TypesUpToAnAnnouncement().size(), OutgoingPipe::kMostWaiting);
+}
+
+TEST_F(OutgoingPipeTest, CancelsItsWriteAndForgetsItsQueueWhenItIsClosed) {
+  // At different moments of a message.
   for (int round = 0; round < 20 && !HasFailure(); ++round) {
-    ASSERT_TRUE(OpenAndAdmit());
-    Background writer([this] { EXPECT_EQ(Write(Huge()), Result::kBroken); });
-    ASSERT_TRUE(companion_.in.HasData(kPatience.count()));
-    pipe_.Close();
-    ASSERT_TRUE(Open());
-    const bool isOut = writer.Finishes();
-    if (!isOut) companion_.in.Disconnect();
-    ASSERT_TRUE(isOut) << "it writes on, into the next connection";
-    pipe_.Admit();
-    EXPECT_TRUE(IsInStep()) << "no byte of the last connection's message is in this one";
+    ASSERT_TRUE(OpenAndWrite());
+    SendUntilStuck();
+    SendAnnouncement();
+    Background closing([this] { pipe_.Close(); });
+    const bool isClosed = closing.Finishes();
+    if (!isClosed) companion_.in.Disconnect();
+    ASSERT_TRUE(isClosed) << "the companion does not read";
+    ASSERT_TRUE(OpenAndWrite());
     EXPECT_FALSE(pipe_.IsBroken());
+    EXPECT_TRUE(IsInStep()) << "no byte of the last connection's messages is in this one";
     pipe_.Close();
   }
 }
 
-TEST_F(OutgoingPipeTest, ForgetsHalfAMessageWithItsConnection) {
-  ASSERT_TRUE(OpenAndAdmit());
-  Background writer([this] { EXPECT_EQ(Write(Huge()), Result::kBroken); });
-  ASSERT_TRUE(WaitUntil([this] {
-    pipe_.CancelStalledWrite();
-    return pipe_.IsBroken();
-  }));
-  ASSERT_TRUE(writer.Finishes());
+TEST_F(OutgoingPipeTest, StaysUsableForTheNextConnectionWhenItsReaderGoes) {
+  ASSERT_TRUE(OpenAndWrite());
+  SendUntilStuck();
+  companion_.in.Disconnect();
   pipe_.Close();
-  EXPECT_FALSE(pipe_.IsBroken());
-  ASSERT_TRUE(OpenAndAdmit());
+  ASSERT_TRUE(OpenAndWrite());
   EXPECT_TRUE(IsInStep());
 }
 

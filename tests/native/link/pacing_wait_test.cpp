@@ -93,6 +93,7 @@ TEST_F(PacingWaitTest, EndsWhenTheLinkStops) {
   const auto renew = [this] {
     core_ = std::make_unique<OmbrelCore>(std::make_unique<FakeRenderer>());
     core_->SetUp();
+    core_->StartLink();
   };
   EXPECT_TRUE(EndsEarly(renew, [this] { core_->StopLink(); }));
 }
@@ -116,6 +117,7 @@ TEST_F(PacingWaitTest, EndsAtTheBeginningOfAStopThatTakesItsTime) {
       if (line == "CreateOutputTextures") making->Pass();
     };
     core_->SetUp();
+    core_->StartLink();
     EXPECT_TRUE(companion_.Connect() && making->WaitForVisitor());
   };
   EXPECT_TRUE(EndsEarly(renew, [&] { stop = std::make_unique<Background>([this] { core_->StopLink(); }); }));

@@ -15,6 +15,9 @@ namespace ombrel::test {
 // A link that is not started yet, with one listener to everything, and a companion that offers nothing yet.
 class PipeClientTest : public testing::Test {
  protected:
+  // As good as never too late, but of those that may be dropped.
+  static constexpr std::int64_t kAnyDay = OutgoingPipe::kNeverLate - 1;
+
   PipeClientTest() { listener_.ListenToAll(); }
   ~PipeClientTest() override { client_.Stop(); }
 
@@ -25,6 +28,11 @@ class PipeClientTest : public testing::Test {
   }
   [[nodiscard]] bool WaitFor(const std::string& line, std::size_t times = 1) const {
     return listener_.journal.WaitForLine(line, times);
+  }
+  // More pulses than the companion's pipe and the queue before it hold.
+  void SendUntilStuck() {
+    for (std::uint32_t i = 0; i < 5000; ++i)
+      client_.Send(LinkMessageType::kHapticPulse, HapticPulse{i, 0, 0, 0}, kAnyDay);
   }
   // A good message behind others: once it is heard, they have been dealt with.
   [[nodiscard]] bool SendMark() { return companion_.Send(9, Bytes().U32(++mark_)) && WaitFor(Mark()); }

@@ -1,99 +1,73 @@
 // What the companion gets from the link.
-#include <functional>
+#include <array>
+#include <atomic>
+#include <utility>
 
 #include "pipe_client_fixture.h"
 
 namespace ombrel::test {
 namespace {
 
-using Result = OutgoingPipe::Result;
-
 class SendingTest : public PipeClientTest {
  protected:
-  Result Send(std::span<const std::byte> payload) { return client_.Send(LinkMessageType::kHapticPulse, payload); }
-  // Writes until the companion's pipe is full and the link gives up; what the last write said.
-  Result SendUntilStuck() {
-    const Bytes payload = Bytes().Fill(40000, 1);
-    Result result = Result::kSent;
-    for (int i = 0; i < 1000 && client_.IsConnected() && result == Result::kSent; ++i) result = Send(payload);
-    return result;
+  static HapticPulse Pulse(std::uint32_t sender, std::uint32_t number) { return {sender, number, 0, 0}; }
+  void SendPulse(std::uint32_t sender, std::uint32_t number) {
+    client_.Send(LinkMessageType::kHapticPulse, Pulse(sender, number), kAnyDay);
   }
 };
 
 TEST_F(SendingTest, SendsNothingWithoutAConnection) {
   client_.Start();
-  EXPECT_EQ(Send(Bytes().Fill(12)), Result::kSent);
+  SendPulse(1, 1);
   ASSERT_TRUE(companion_.Connect());
   ASSERT_TRUE(WaitFor("up"));
-  ASSERT_EQ(Send(Bytes().U32(1).U32(2).U32(3)), Result::kSent);
-  EXPECT_EQ(companion_.in.Receive(20), Bytes().U32(12).U32(11).U32(1).U32(2).U32(3).Get());
+  SendPulse(1, 2);
+  EXPECT_EQ(companion_.in.Receive(20), Bytes().U32(12).U32(11).U32(1).U32(2).U32(0).Get());
 }
 
-TEST_F(SendingTest, SendsAMessageOfNoBytes) {
+TEST_F(SendingTest, MessagesOfSeveralThreadsComeWholeAndInOrder) {
   ASSERT_TRUE(Connect());
-  ASSERT_EQ(Send({}), Result::kSent);
-  EXPECT_EQ(companion_.in.Receive(8), Bytes().U32(0).U32(11).Get());
-}
-
-TEST_F(SendingTest, MessagesOfSeveralThreadsComeWhole) {
-  ASSERT_TRUE(Connect());
-  constexpr int kMessages = 1000;
-  const auto send = [this](std::uint8_t fill, std::size_t size) {
-    for (int i = 0; i < kMessages; ++i) static_cast<void>(Send(Bytes().Fill(size, fill)));
+  std::atomic<bool> done{false};
+  const auto send = [&](std::uint32_t sender) {
+    for (std::uint32_t number = 1; !done; ++number) SendPulse(sender, number);
   };
-  Background small(std::bind_front(send, 1, 12)), large(std::bind_front(send, 2, 76));
-  for (int i = 0; i < 2 * kMessages; ++i) {
+  Background first([&] { send(0); }), second([&] { send(1); });
+  std::array<std::uint32_t, 2> last{};
+  for (int i = 0; i < 2000; ++i) {
     const auto message = companion_.Receive();
-    ASSERT_TRUE(message.has_value());
-    const bool isSmall = message->payload == Bytes().Fill(12, 1).Get();
-    const bool isLarge = message->payload == Bytes().Fill(76, 2).Get();
-    ASSERT_TRUE(message->type == 11 && (isSmall || isLarge)) << "message " << i;
+    ASSERT_TRUE(message.has_value() && message->type == 11 && message->payload.size() == sizeof(HapticPulse));
+    const auto pulse = ReadRecord<HapticPulse>(message->payload);
+    ASSERT_LT(pulse.controllerId, last.size());
+    ASSERT_GT(pulse.timestampMicroseconds, std::exchange(last[pulse.controllerId], pulse.timestampMicroseconds));
   }
+  done = true;
+  EXPECT_TRUE(first.Finishes() && second.Finishes());
+  EXPECT_GT(last[0], 0U);
+  EXPECT_GT(last[1], 0U);
 }
 
-TEST_F(SendingTest, ACompanionThatStopsReadingBlocksNobodyForGoodAndIsLetGo) {
+// Nobody reads while messages are sent, and nothing but reading lets them go on.
+TEST_F(SendingTest, ACompanionThatDoesNotReadHoldsNobody) {
   ASSERT_TRUE(Connect());
-  Background sender([this] { EXPECT_NE(SendUntilStuck(), Result::kSent); });
-  EXPECT_TRUE(sender.Finishes());
+  Background sender([this] { SendUntilStuck(); });
+  const bool isDone = sender.Finishes();
+  if (!isDone) companion_.Disconnect();
+  EXPECT_TRUE(isDone);
+  EXPECT_TRUE(companion_.SendPose(0, 0, 0, 1));
+  EXPECT_TRUE(WaitFor("tracking"));
+  EXPECT_TRUE(companion_.Receive().has_value()) << "the connection is still up";
+}
+
+TEST_F(SendingTest, ACompanionThatDoesNotReadIsLetGo) {
+  ASSERT_TRUE(Connect());
+  SendUntilStuck();
   companion_.Disconnect();
   EXPECT_TRUE(WaitFor("down"));
   ASSERT_TRUE(companion_.Connect());
   ASSERT_TRUE(WaitFor("up", 2));
-  EXPECT_EQ(Send(Bytes().Fill(12)), Result::kSent);
-  EXPECT_TRUE(companion_.Receive().has_value());
-}
-
-TEST_F(SendingTest, HalfAMessageEndsTheConnection) {
-  ASSERT_TRUE(Connect());
-  Background sender([this] {
-    // Far more than the pipe holds, so that it stops in the middle.
-    EXPECT_EQ(Send(Bytes().Fill(50'000'000)), Result::kBroken);
-  });
-  EXPECT_TRUE(sender.Finishes());
-  EXPECT_TRUE(WaitFor("down"));
-  EXPECT_TRUE(companion_.in.WaitForClientGone());
-}
-
-TEST_F(SendingTest, HalfAMessageEndsNoConnectionButItsOwn) {
-  ASSERT_TRUE(Connect());
-  Background sender([this] { EXPECT_EQ(Send(Bytes().Fill(50'000'000)), Result::kBroken); });
-  ASSERT_TRUE(sender.Finishes());
-  ASSERT_TRUE(WaitFor("down"));
-  ASSERT_TRUE(companion_.Connect());
-  ASSERT_TRUE(WaitFor("up", 2));
-  // Some rounds of the connect thread, each of which would end it.
-  EXPECT_FALSE(companion_.in.HasData(400));
-  EXPECT_EQ(Send(Bytes().Fill(12)), Result::kSent);
-  EXPECT_TRUE(companion_.Receive().has_value());
-  EXPECT_EQ(listener_.journal.Count("down"), 1U);
-}
-
-TEST_F(SendingTest, ADropFreesAWriterThatIsBlocked) {
-  ASSERT_TRUE(Connect());
-  Background sender([this] { static_cast<void>(Send(Bytes().Fill(50'000'000))); });
-  companion_.Disconnect();
-  EXPECT_TRUE(sender.Finishes());
-  EXPECT_TRUE(WaitFor("down"));
+  SendPulse(7, 7);
+  EXPECT_EQ(companion_.in.Receive(20), Bytes().U32(12).U32(11).U32(7).U32(7).U32(0).Get())
+      << "nothing of the connection before";
 }
 
 }  // namespace

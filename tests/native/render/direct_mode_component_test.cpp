@@ -52,6 +52,7 @@ class DirectModeComponentTest : public testing::Test {
   [[nodiscard]] bool Connect() {
     core_.PrepareOutput({.format = 28, .width = 100, .height = 100, .invertY = 0});
     core_.SetUp();
+    core_.StartLink();
     return companion_.Connect() && renderer_->journal.WaitForLine("AcquireOutput 0 16");
   }
   // Holds `call` up in the renderer's call of that line.

@@ -63,6 +63,7 @@ TEST_F(VirtualDisplayComponentTest, CountsAPresentWhoseTextureCouldNotBeHad) {
   renderer_->canCopy = false;
   core_.PrepareOutput({.format = 28, .width = 100, .height = 100, .invertY = 0});
   core_.SetUp();
+  core_.StartLink();
   ASSERT_TRUE(companion_.Connect());
   std::uint64_t presents = 0;
   ASSERT_TRUE(WaitUntil([&] {
@@ -112,6 +113,7 @@ TEST_F(VirtualDisplayComponentTest, APresentHasLeftTheComponentWhenTheLinkHasSto
   auto component = std::make_unique<ConcreteVirtualDisplay>(core_, &host_);
   core_.PrepareOutput({.format = 28, .width = 100, .height = 100, .invertY = 0});
   core_.SetUp();
+  core_.StartLink();
   ASSERT_TRUE(companion_.Connect());
   Background runtime([this, display = component.get()] {
     vr::PresentInfo_t info{};

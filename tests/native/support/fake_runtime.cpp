@@ -55,8 +55,8 @@ vr::ETrackedPropertyError FakeProperties::WritePropertyBatch(vr::PropertyContain
   if (count != 1) lines.Add("a batch of " + std::to_string(count));
   for (std::uint32_t i = 0; i < count; ++i) {
     const std::string line = LineOf(container, batch[i]);
-    lines.Add(line);
     if (onLine) onLine(line);
+    lines.Add(line);
   }
   return vr::TrackedProp_Success;
 }

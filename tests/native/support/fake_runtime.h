@@ -57,7 +57,7 @@ class FakeProperties final : public vr::IVRProperties {
   }
 
   Journal lines;
-  std::function<void(const std::string& line)> onLine;  // called behind each entry
+  std::function<void(const std::string& line)> onLine;  // called ahead of each entry
 };
 
 class FakeServerDriverHost final : public vr::IVRServerDriverHost {

@@ -45,6 +45,8 @@ void ServerPipe::Offer() {
   }
 }
 
+bool ServerPipe::IsOpened(int timeoutMs) const { return WaitReadable(listener_, timeoutMs); }
+
 bool ServerPipe::Accept() {
   if (!WaitReadable(listener_, kPatienceMs)) return false;
   // Nobody else can get in once the name is gone.

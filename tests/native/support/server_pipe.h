@@ -18,6 +18,8 @@ class ServerPipe {
 
   // From now on it can be opened.
   void Offer();
+  // Whether a client opens it within that time.
+  [[nodiscard]] bool IsOpened(int timeoutMs) const;
   // Waits for the client, and offers no more.
   [[nodiscard]] bool Accept();
   // A client that has opened it but was not accepted is thrown out.

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "runtime/wait.h"
+#include "silent_pipes.h"
 #include "support/link_test.h"
 
 namespace ombrel::test {
@@ -11,6 +12,7 @@ namespace {
 
 using bench::PipeServer;
 using bench::PipeServerOptions;
+using bench::scenarios::SilentPipes;
 
 class ConnectionTest : public LinkTest {
  protected:
@@ -87,6 +89,19 @@ TEST_F(ConnectionTest, CompanionMayEndBeforeItsSecondPipeAndStartAgain) {
     static_cast<void>(half.WaitForConnection(static_cast<std::uint32_t>(60 * round)));
   }
   ExpectToConnect(server);
+}
+
+TEST_F(ConnectionTest, CompanionMayDisconnectItsFirstPipeBeforeItMakesItsSecond) {
+  InitAndActivateHeadset();
+  SilentPipes first(SilentPipes::Which::kOnlyFromDriver);
+  ASSERT_TRUE(first.WaitForDriver(kTimeoutMs));
+  first.DisconnectFirstPipe();
+  SilentPipes second(SilentPipes::Which::kOnlyToDriver);
+  EXPECT_TRUE(first.WaitForDriver(kTimeoutMs)) << "the driver keeps the end that it was thrown out of";
+  ASSERT_TRUE(second.WaitForDriver(kTimeoutMs));
+  const std::size_t poses = PosesSent();
+  ASSERT_TRUE(second.Write(bench::EncodeQuaternionAndPosition({}, {})));
+  EXPECT_TRUE(WaitFor([&] { return PosesSent() > poses; }));
 }
 
 TEST_F(ConnectionTest, PipesWithoutBuffersWork) {
