@@ -24,14 +24,14 @@ std::mutex waitsMutex;
 std::vector<DWORD> waitsAsked;
 
 WINBOOL WINAPI RecordWait(volatile void* address, void* compared, SIZE_T size, DWORD timeoutMs) {
-  {
+  if (timeoutMs != INFINITE) {
     const std::lock_guard lock(waitsMutex);
     waitsAsked.push_back(timeoutMs);
   }
   return systemsWait(address, compared, size, timeoutMs);
 }
 
-// Nothing but the link's connect thread waits in this way while no frame is paced.
+// Nothing but the link's connect thread waits for a time in this way while no frame is paced.
 class ConnectRhythmTest : public LinkTest {
  protected:
   ConnectRhythmTest() {

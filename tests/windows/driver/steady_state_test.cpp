@@ -119,6 +119,17 @@ TEST_F(SteadyStateTest, ControllerRecordsAllocateNothing) {
   EXPECT_GT(runtime.Input().Updates().size(), updates) << "the records did nothing";
 }
 
+TEST_F(SteadyStateTest, HapticPulsesAllocateNothing) {
+  SendRecords();
+  ASSERT_EQ(runtime.Host().Added().at(1).driver->Activate(1), vr::VRInitError_None);
+  EXPECT_EQ(AllocationsOf([this] {
+              runtime.Host().PushHaptic(bench::FakeProperties::ContainerOf(1), 1, 0.01F, 100, 1);
+              Provider().RunFrame();
+              EXPECT_TRUE(server.Next(kTimeoutMs).has_value());
+            }),
+            0);
+}
+
 TEST_F(SteadyStateTest, FramesAllocateNothing) {
   ComPtr<ID3D11Device> device;
   ComPtr<ID3D11DeviceContext> context;
