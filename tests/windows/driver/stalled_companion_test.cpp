@@ -111,6 +111,12 @@ TEST_F(StalledCompanionTest, GetsNoPulsesThatHaveGrownOld) {
   EXPECT_EQ(ReadPulseOf(0.02F), 20000);
 }
 
+TEST_F(StalledCompanionTest, IsLetGoByCleanup) {
+  static_cast<void>(TimeFrameWithPulses(1));
+  Provider().Cleanup();
+  EXPECT_TRUE(Read(1, 100).empty()) << "the write that waits for it is cancelled";
+}
+
 TEST_F(StalledCompanionTest, IsConnectedAnewWhenItGoesInTheMiddleOfAMessage) {
   static_cast<void>(TimeFrameWithPulses(1));
   ASSERT_EQ(Read(4).size(), 4U);
