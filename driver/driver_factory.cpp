@@ -11,7 +11,7 @@ static_assert(sizeof(vr::VREvent_t) == 48);
 
 namespace {
 
-const ombrel::EmergencyMemory emergencyMemory;
+ombrel::EmergencyMemory emergencyMemory;
 
 // Made when the library is loaded. Were it made at the first call, under a guard, the compiler's runtime would note the
 // calling thread, and its two handles would stay open when the library is unloaded.

@@ -1,10 +1,19 @@
 #include <windows.h>
-// windows.h must come first.
-#include <winternl.h>
 
 #include <algorithm>
 
 #include "platform/pipe.h"
+
+// Microsoft's <winternl.h> has these types, but not the call; others have both, and would clash with a declaration.
+using NTSTATUS = LONG;
+enum FILE_INFORMATION_CLASS : int {};
+struct IO_STATUS_BLOCK {
+  void* status;
+  ULONG_PTR information;
+};
+extern "C" __declspec(dllimport) NTSTATUS NTAPI
+    NtQueryInformationFile(HANDLE file, IO_STATUS_BLOCK* status, void* information, ULONG size,
+                           FILE_INFORMATION_CLASS informationClass);
 
 namespace ombrel {
 namespace {

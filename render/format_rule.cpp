@@ -30,7 +30,7 @@ bool IsTypelessFormat(std::uint32_t format) {
 
 std::uint32_t ViewFormat(std::uint32_t format) {
   if (!IsTypelessFormat(format)) return format;
-  const auto* found = std::ranges::find(kReplacements, format, &Replacement::typeless);
+  const auto found = std::ranges::find(kReplacements, format, &Replacement::typeless);
   return found != kReplacements.end() ? found->typed : format;
 }
 

@@ -62,11 +62,13 @@ class SeqLock {
     constexpr std::size_t kTail = sizeof(T) % 8;
     const auto* bytes = reinterpret_cast<const std::byte*>(&value) + 8 * index;
     std::uint64_t word = 0;
-    if (kTail != 0 && index + 1 == kWords) {
-      std::memcpy(&word, bytes, kTail);
-    } else {
-      std::memcpy(&word, bytes, sizeof(word));
+    if constexpr (kTail != 0) {
+      if (index + 1 == kWords) {
+        std::memcpy(&word, bytes, kTail);
+        return word;
+      }
     }
+    std::memcpy(&word, bytes, sizeof(word));
     return word;
   }
 
