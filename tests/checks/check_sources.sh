@@ -85,6 +85,28 @@ check_loading() {
   done
 }
 
+# What MSVC refuses, or warns of, and the compilers here take. Microsoft's <winternl.h> declares less than other kits' do,
+# and the headers of its kit for drivers are not among those for programs.
+check_msvc() {
+  kits='winternl\.h|ntdef\.h|ntstatus\.h|ntifs\.h|wdm\.h|ddk/'
+  posix='unistd\.h|strings\.h|pthread\.h|dirent\.h|getopt\.h|sys/|cxxabi\.h|x86intrin\.h|bits/|ext/'
+  constant='(k[A-Z][[:alnum:]]*|sizeof\([^()]*\)) *([=!]=|[<>]=?) *(k[A-Z]|[0-9])'
+  for folder in $driver_folders; do
+    for file in $(files_of "$folder"); do
+      forbid "$file" "header that Microsoft has with other contents, or not" "$(includes_of "$kits")"
+      case $file in
+        *_posix.cpp | */attributes.h) ;;
+        *)
+          forbid "$file" "header that Microsoft has not" "$(includes_of "$posix")"
+          forbid "$file" "extension that MSVC has not" '__attribute__|__builtin_|__int128|\[\[(gnu|clang)::'
+          ;;
+      esac
+      forbid "$file" "condition that is constant (C4127)" "\\b(if|while) \(([^;]*[^[:alnum:]_.:>])?$constant"
+      forbid "$file" "constant without an initializer (C4268)" '^(static )?const [[:alnum:]_:<>, ]+ [[:alnum:]_]+;'
+    done
+  done
+}
+
 check_size() {
   for folder in $driver_folders bench tests; do
     for file in $(files_of "$folder"); do
@@ -104,6 +126,7 @@ check_order
 check_bench
 check_adapters
 check_loading
+check_msvc
 check_size
 if [ -s "$breaches" ]; then
   cat "$breaches"

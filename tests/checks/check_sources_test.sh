@@ -84,6 +84,33 @@ expect "a command line started" "driver/provider.cpp:1: loads a library or start
 printf '// FreeLibrary comes later.\nTerminateProcess(process, 0);\n' >"$tree/platform/process_win32.cpp"
 expect "calls that only sound like it" "the sources keep the rules"
 
+echo '#include <winternl.h>' >>"$tree/platform/pipe_win32.cpp"
+expect "a header that differs between kits" "platform/pipe_win32.cpp:2: header that Microsoft has with other contents"
+
+echo '#include <unistd.h>' >>"$tree/platform/pipe_win32.cpp"
+expect "a header of other compilers" "platform/pipe_win32.cpp:2: header that Microsoft has not"
+
+echo '[[gnu::always_inline]] inline int One() { return 1; }' >"$tree/link/core.h"
+expect "an attribute of other compilers" "link/core.h:1: extension that MSVC has not"
+
+printf '#include <unistd.h>\nint fd = __builtin_ctz(1);\n' >"$tree/platform/pipe_posix.cpp"
+expect "the same where MSVC never looks" "the sources keep the rules"
+
+echo '  if (kTail != 0 && i == kWords) return;' >"$tree/link/core.h"
+expect "a constant condition" "link/core.h:1: condition that is constant"
+
+echo '  while (sizeof(Frame) < kSize) Grow();' >"$tree/link/core.h"
+expect "a constant condition of a loop" "link/core.h:1: condition that is constant"
+
+printf '  if constexpr (kTail != 0) Copy();\n  if (kind == Kind::kRead && size > kSize) return;\n' >"$tree/link/core.h"
+expect "conditions that only look like it" "the sources keep the rules"
+
+echo 'const ombrel::EmergencyMemory memory;' >"$tree/driver/factory.cpp"
+expect "a constant without an initializer" "driver/factory.cpp:1: constant without an initializer"
+
+printf 'constexpr int kOne = 1;\nconst Guard guard{};\nextern const int kTwo;\n' >"$tree/driver/factory.cpp"
+expect "constants that have one" "the sources keep the rules"
+
 lines 300 >"$tree/link/core.cpp"
 expect "a long source" "link/core.cpp: 300 lines"
 
