@@ -19,6 +19,30 @@ if(NOT openvr_folder)
                       "or name an OpenVR SDK's folder with -DOMBREL_OPENVR_DIR=...")
 endif()
 
+# The versions that the driver is made for. The compiler would take others of many of them, and the runtime would then be
+# given tables of functions that it does not expect.
+function(ombrel_check_interfaces header)
+  file(STRINGS "${header}" declarations REGEX "_Version *= *\"")
+  set(wrong "")
+  foreach(expected ${ARGN})
+    string(REGEX REPLACE "_[0-9]+$" "" interface "${expected}")
+    if(NOT declarations MATCHES "[* ]${interface}_Version *= *\"([^\"]*)\"")
+      string(APPEND wrong "\n  ${expected} expected, none found")
+    elseif(NOT CMAKE_MATCH_1 STREQUAL expected)
+      string(APPEND wrong "\n  ${expected} expected, ${CMAKE_MATCH_1} found")
+    endif()
+  endforeach()
+  if(wrong)
+    message(FATAL_ERROR "${header} is of another version of the OpenVR SDK than the driver is made for:${wrong}")
+  endif()
+endfunction()
+
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${openvr_folder}/openvr_driver.h")
+ombrel_check_interfaces("${openvr_folder}/openvr_driver.h"
+  IServerTrackedDeviceProvider_004 ITrackedDeviceServerDriver_005 IVRCameraComponent_002 IVRDisplayComponent_002
+  IVRDriverDirectModeComponent_005 IVRDriverInput_001 IVRDriverLog_001 IVRDriverManager_001 IVRProperties_001
+  IVRResources_001 IVRServerDriverHost_005 IVRSettings_002 IVRVirtualDisplay_002 IVRWatchdogProvider_001)
+
 # Replaces the one place in TEXT_VARIABLE that matches; none, or several, mean an unknown header.
 function(ombrel_replace_once text_variable old new)
   string(FIND "${${text_variable}}" "${old}" first)
@@ -38,7 +62,6 @@ if(MSVC)
   target_link_libraries(ombrel_openvr INTERFACE ombrel_openvr_original)
 else()
   set(patched_folder "${PROJECT_BINARY_DIR}/openvr")
-  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${openvr_folder}/openvr_driver.h")
   file(READ "${openvr_folder}/openvr_driver.h" header)
   ombrel_replace_once(header
     "virtual DriverPose_t GetPose() = 0;"
