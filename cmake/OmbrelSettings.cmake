@@ -19,6 +19,8 @@ endif()
 
 if(MSVC)
   set(CMAKE_MSVC_RUNTIME_LIBRARY "MultiThreaded$<$<CONFIG:Debug>:Debug>")
+  # In Release, too: the symbols are laid out beside the driver.
+  set(CMAKE_MSVC_DEBUG_INFORMATION_FORMAT ProgramDatabase)
   add_compile_options(/utf-8 /permissive- /Zc:__cplusplus)
 endif()
 if(NOT MSVC)
