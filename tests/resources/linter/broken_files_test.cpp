@@ -11,8 +11,9 @@ using BrokenFiles = BrokenFolder;
 TEST_F(BrokenFiles, NothingBrokenIsNoFault) { ExpectFaults({}); }
 
 TEST_F(BrokenFiles, JsonThatDoesNotParse) {
-  ReplaceText(kRemapping, "\"mappings\": [", "\"mappings\": [,");
-  ExpectFaults({"remapping.json: is not valid JSON", "remapping.json: \"to_controller_type\" is not the profile's"});
+  ReplaceText(kRemapping, "\"layouts\": [", "\"layouts\": [,");
+  ExpectFaults({"remapping.json: is not valid JSON", "remapping.json: \"to_controller_type\" is not the profile's",
+                "remapping.json: has no \"layouts\""});
 }
 
 TEST_F(BrokenFiles, JsonWithAKeyTwice) {

@@ -3,6 +3,7 @@
 
 #include "input_profile.h"
 #include "png.h"
+#include "runtime_actions.h"
 
 namespace ombrel::test {
 namespace {
@@ -14,8 +15,16 @@ const std::map<std::string, std::set<std::string>>& PartsOfTypes() {
   static const std::map<std::string, std::set<std::string>> kParts = {{"button", {"click", "touch"}},
                                                                       {"trigger", {"click", "touch", "value"}},
                                                                       {"trackpad", {"click", "touch", "x", "y"}},
+                                                                      {"pose", {}},
                                                                       {"vibration", {}}};
   return kParts;
+}
+
+// The poses that the runtime's own profile for this render model lists. Bindings name no others.
+const std::set<std::string>& PosesOfTheRenderModel() {
+  static const std::set<std::string> kPoses = {"/pose/raw", "/pose/base",  "/pose/handgrip",
+                                               "/pose/tip", "/pose/front", "/pose/gdc2015"};
+  return kPoses;
 }
 
 class ProfileCheck {
@@ -27,6 +36,7 @@ class ProfileCheck {
     if (!profile_.Document().is_object()) return Complain("is missing or no object");
     CheckFields();
     CheckComponents();
+    CheckPoses();
     for (const std::string& path : profile_.Paths()) CheckSource(path);
   }
 
@@ -40,6 +50,9 @@ class ProfileCheck {
     if (!std::regex_match(profile_.ControllerType(), typeName)) Complain("\"controller_type\" is not a name");
     for (const char* key : {"legacy_binding", "remapping"}) {
       if (!files_.Resolve(TextAt(document, key))) Complain("\"" + std::string(key) + "\" names no file");
+    }
+    if (document.contains("compatibility_mode_controller_type")) {
+      Complain("\"compatibility_mode_controller_type\" is ignored beside \"remapping\"");
     }
     const std::regex modes("single_device|controller_handed|hmd");
     if (!std::regex_match(TextAt(document, "input_bindingui_mode"), modes))
@@ -66,9 +79,11 @@ class ProfileCheck {
   void CheckDefaultBindings(const json& bindings) {
     if (!bindings.is_array() || bindings.empty()) return Complain("has no \"default_bindings\"");
     for (const json& binding : bindings) {
-      if (TextAt(binding, "app_key").empty()) Complain("a default binding has no \"app_key\"");
-      if (!files_.Resolve(TextAt(binding, "binding_url")))
-        Complain("a default binding's \"binding_url\" names no file");
+      if (TextAt(binding, "app_key") != kMenusAppKey) {
+        Complain("a default binding's \"app_key\" is not " + std::string(kMenusAppKey));
+      }
+      const std::string url = TextAt(binding, "binding_url");
+      if (!files_.Has(profile_.FileBeside(url))) Complain("\"" + url + "\" is no file beside it");
     }
   }
 
@@ -82,12 +97,26 @@ class ProfileCheck {
     }
   }
 
+  void CheckPoses() {
+    const std::set<std::string> paths = profile_.Paths();
+    for (const std::string& pose : PosesOfTheRenderModel()) {
+      if (!paths.contains(pose)) Complain("lacks " + pose + ", which the render model has");
+    }
+    for (const std::string& path : paths) {
+      if (path.starts_with("/pose/") && !PosesOfTheRenderModel().contains(path)) {
+        Complain("has " + path + ", which the render model lacks");
+      }
+    }
+  }
+
   void CheckSource(const std::string& path) {
     const json source = profile_.Source(path);
     const std::string type = TextAt(source, "type");
     const auto parts = PartsOfTypes().find(type);
     if (parts == PartsOfTypes().end()) return Complain(path + " is of no known type");
-    if ((type == "vibration") != path.starts_with("/output/")) Complain(path + " is of the wrong type");
+    if ((type == "vibration") != path.starts_with("/output/") || (type == "pose") != path.starts_with("/pose/")) {
+      Complain(path + " is of the wrong type");
+    }
     for (const auto& [key, value] : source.items()) {
       if (value.is_boolean() && !parts->second.contains(key)) Complain(path + ": a " + type + " has no " + key);
     }

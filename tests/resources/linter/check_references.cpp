@@ -1,6 +1,6 @@
 #include <functional>
 
-#include "lint.h"
+#include "input_profile.h"
 
 namespace ombrel::test {
 namespace {
@@ -35,6 +35,8 @@ class ReferenceCheck {
     }
   }
 
+  void CountAsNamed(const std::string& file) { named_.insert(file); }
+
   void FindIdleFiles() {
     for (const std::string& file : files_.Names()) {
       const bool mustBeNamed = file.starts_with("resources/icons/") || file.starts_with("resources/input/");
@@ -56,6 +58,7 @@ void CheckReferences(const DriverFiles& files, const SourceFacts& facts, Finding
     ForEachText(document, [&, &name = file](const std::string& text) { check.Follow(name, text); });
   }
   for (const std::string& reference : facts.references) check.Follow("the driver", reference);
+  for (const std::string& file : InputProfile(files, facts).DefaultBindings()) check.CountAsNamed(file);
   check.FindIdleFiles();
 }
 

@@ -36,4 +36,22 @@ std::set<std::string> InputProfile::Components() const {
   return components;
 }
 
+std::string InputProfile::FileBeside(const std::string& url) const {
+  return file_.substr(0, file_.rfind('/') + 1) + url;
+}
+
+std::set<std::string> InputProfile::DefaultBindings() const {
+  std::set<std::string> files;
+  const json bindings = document_.is_object() ? document_.value("default_bindings", json()) : json();
+  for (const json& binding : bindings) files.insert(FileBeside(TextAt(binding, "binding_url")));
+  return files;
+}
+
+std::string WithoutHand(const std::string& path) {
+  for (const std::string hand : {"/user/hand/left", "/user/hand/right"}) {
+    if (path.starts_with(hand + "/")) return path.substr(hand.size());
+  }
+  return "";
+}
+
 }  // namespace ombrel::test

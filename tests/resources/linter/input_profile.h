@@ -20,10 +20,16 @@ class InputProfile {
   [[nodiscard]] std::set<std::string> Paths() const;
   // "/input/trackpad/x": all that the paths are made of, as a driver creates them. An output has no parts.
   [[nodiscard]] std::set<std::string> Components() const;
+  // The file that the URL of a binding names: it is relative to the profile's own folder.
+  [[nodiscard]] std::string FileBeside(const std::string& url) const;
+  [[nodiscard]] std::set<std::string> DefaultBindings() const;
 
  private:
   std::string file_;
   const nlohmann::json& document_;
 };
+
+// "/input/grip" of "/user/hand/left/input/grip"; empty when it is no path of a hand.
+[[nodiscard]] std::string WithoutHand(const std::string& path);
 
 }  // namespace ombrel::test

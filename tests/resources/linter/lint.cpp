@@ -10,6 +10,7 @@ Findings Lint(const std::filesystem::path& folder, const SourceFacts& facts) {
   CheckSettings(files, facts, findings);
   CheckProfile(files, facts, findings);
   CheckBindings(files, facts, findings);
+  CheckRemapping(files, facts, findings);
   CheckIcons(files, findings);
   CheckLocalization(files, facts, findings);
   CheckScripts(files, findings);

@@ -14,6 +14,7 @@ void CheckReferences(const DriverFiles& files, const SourceFacts& facts, Finding
 void CheckSettings(const DriverFiles& files, const SourceFacts& facts, Findings& findings);
 void CheckProfile(const DriverFiles& files, const SourceFacts& facts, Findings& findings);
 void CheckBindings(const DriverFiles& files, const SourceFacts& facts, Findings& findings);
+void CheckRemapping(const DriverFiles& files, const SourceFacts& facts, Findings& findings);
 void CheckIcons(const DriverFiles& files, Findings& findings);
 void CheckLocalization(const DriverFiles& files, const SourceFacts& facts, Findings& findings);
 void CheckScripts(const DriverFiles& files, Findings& findings);
