@@ -79,7 +79,7 @@ TEST_F(UnloadTest, CleanupLeavesNoThreadOfTheDriver) {
   ASSERT_TRUE(server.Open());
   ASSERT_TRUE(server.WaitForConnection(kTimeoutMs));
   Fence();
-  EXPECT_EQ(ThreadsOfModule(module.Handle()), 2U) << "one that connects and one that reads";
+  EXPECT_EQ(ThreadsOfModule(module.Handle()), 3U) << "one that connects, one that reads, one that writes";
   Provider().Cleanup();
   EXPECT_EQ(ThreadsOfModule(module.Handle()), 0U);
   server.Close();
