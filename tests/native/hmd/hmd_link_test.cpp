@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "hmd_fixture.h"
+#include "support/near.h"
 
 namespace ombrel::test {
 namespace {
@@ -65,10 +66,53 @@ TEST_F(HeadsetLinkTest, PassesTheTrackingStateOn) {
   EXPECT_EQ(runtime_.host.LastPose().result, vr::TrackingResult_Running_OK);
 }
 
-TEST_F(HeadsetLinkTest, SendsThePoseForAPositionToo) {
+TEST_F(HeadsetLinkTest, SendsTheFormerPoseOnceMoreForAPosition) {
+  ASSERT_TRUE(MakeConnected());
+  ASSERT_TRUE(companion_.SendPose(0, 0.6F, 0, 0.8F));
+  ASSERT_TRUE(companion_.Send(4, Bytes().F32({1, 2, 3}).U32(5)));
+  ASSERT_TRUE(WaitForPoses(3));
+  EXPECT_EQ(runtime_.host.LastPose().qRotation.y, static_cast<double>(0.6F));
+  EXPECT_EQ(runtime_.host.LastPose().vecPosition[1], 1.5);
+}
+
+// Nothing has been published yet, and what is published by then stands at the origin.
+TEST_F(HeadsetLinkTest, MovesTheHeadToTheOriginForAPositionThatComesFirst) {
   ASSERT_TRUE(MakeConnected());
   ASSERT_TRUE(companion_.Send(4, Bytes().F32({1, 2, 3}).U32(5)));
-  EXPECT_TRUE(WaitForPoses(2));
+  ASSERT_TRUE(WaitForPoses(2));
+  EXPECT_EQ(runtime_.host.LastPose().qRotation.w, 1.0);
+  for (const double coordinate : runtime_.host.LastPose().vecPosition) EXPECT_EQ(coordinate, 0.0);
+  EXPECT_TRUE(runtime_.host.LastPose().poseIsValid);
+}
+
+TEST_F(HeadsetLinkTest, PassesNumbersThatAreNotFiniteOn) {
+  ASSERT_TRUE(MakeConnected());
+  ASSERT_TRUE(companion_.Send(4, Bytes().F32({kNan, 0, 0, 1, 1, INFINITY, kNan}).U32(4)));
+  ASSERT_TRUE(WaitForPoses(2));
+  const vr::DriverPose_t pose = runtime_.host.LastPose();
+  for (const double part : {pose.qRotation.w, pose.qRotation.x, pose.qRotation.y, pose.qRotation.z}) {
+    EXPECT_TRUE(std::isnan(part));
+  }
+  EXPECT_EQ(pose.vecPosition[0], 1.0);
+  EXPECT_EQ(pose.vecPosition[1], static_cast<double>(INFINITY));
+  EXPECT_TRUE(std::isnan(pose.vecPosition[2]));
+  EXPECT_TRUE(pose.poseIsValid);
+}
+
+TEST_F(HeadsetLinkTest, KeepsARecenteringAsLongAsItLives) {
+  const auto facesLeft = [this](std::size_t poses) {
+    EXPECT_TRUE(companion_.SendPose(0, kRoot, 0, kRoot) && WaitForPoses(poses));
+    return runtime_.host.LastPose().qRotation.y > 0.7;
+  };
+  ASSERT_TRUE(MakeConnected());
+  EXPECT_TRUE(facesLeft(2));
+  ASSERT_TRUE(companion_.Send(8));
+  EXPECT_FALSE(facesLeft(3));
+  headset_->Core().StopLink();
+  companion_.Disconnect();
+  ASSERT_TRUE(MakeConnected());
+  // Four by now: a headset sends its pose when it is activated.
+  EXPECT_TRUE(facesLeft(5));
 }
 
 TEST_F(HeadsetLinkTest, TakesPosesInOnlyOnceItIsActive) {

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
+#include <utility>
 
 #include "head_pose_fixture.h"
 
@@ -141,6 +143,35 @@ TEST_F(HeadPoseTrackerTest, TurnsByTheOffsetOnTheLeft) {
   // (-j + 1)/root 2 times (i + 1)/root 2; the other way round, z would be negative.
   ASSERT_EQ(Apply(Bytes().F32({kRoot, 0, 0, kRoot, 0, 0, 0}), 4), Outcome::kPublished);
   ExpectOrientation({0.5F, -0.5F, 0.5F, 0.5F});
+}
+
+TEST_F(HeadPoseTrackerTest, RecenteringAnUprightHeadTakesTheOffsetAway) {
+  ASSERT_EQ(Apply(QuarterLeftMatrix(0.0F), 0), Outcome::kPublished);
+  tracker_.Recenter();
+  ASSERT_EQ(Apply(Bytes().F32({0, 0, 0, 1, 0, 0, 0}), 4), Outcome::kPublished);
+  tracker_.Recenter();
+  ASSERT_EQ(Apply(QuarterLeftMatrix(0.0F), 0), Outcome::kPublished);
+  ExpectOrientation({0.0F, kRoot, 0.0F, kRoot});
+}
+
+TEST_F(HeadPoseTrackerTest, NoFormatTellsOfAMotion) {
+  for (const std::uint32_t format : {0U, 1U, 2U, 3U, 4U, 5U, 6U, 50U, 254U, 0x7FFFFFFFU}) {
+    EXPECT_NE(Apply(Bytes().F32({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}), format), Outcome::kTooShort);
+    for (const float rate : Record().angularVelocity) EXPECT_EQ(rate, 0.0F) << format;
+  }
+}
+
+TEST_F(HeadPoseTrackerTest, OneNumberThatIsNoneSpoilsTheWholeOrientationOnce) {
+  const std::pair<std::uint32_t, Bytes> spoilt[] = {{0, Bytes().F32({1, 0, 0, 0, 0, 1, kNan, 0, 0, 0, 1, 0})},
+                                                    {3, Bytes().F32({0, kNan, 0, 1, 2, 3, 0, 0, 0})},
+                                                    {4, Bytes().F32({0, 0, INFINITY, 1, 1, 2, 3})}};
+  for (const auto& [format, pose] : spoilt) {
+    EXPECT_EQ(Apply(pose, format), Outcome::kPublished);
+    const Quaternion q = Record().orientation;
+    for (const float part : {q.x, q.y, q.z, q.w}) EXPECT_TRUE(std::isnan(part)) << format;
+    ASSERT_EQ(Apply(QuarterLeftMatrix(0.0F), 0), Outcome::kPublished);
+    ExpectOrientation({0.0F, kRoot, 0.0F, kRoot});
+  }
 }
 
 TEST_F(HeadPoseTrackerTest, AnOrientationThatIsNotANumberIsNotRecenteredOn) {

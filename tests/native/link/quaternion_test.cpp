@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <numbers>
@@ -183,6 +184,25 @@ TEST(SquareRootMethod, AgreesWithDoublePrecisionOnRandomTurns) {
     // Small components come from roots of small differences: half the digits.
     ASSERT_LT(LargestDifference(q, AboutAxis(turn.axis, turn.angle)), 4e-4);
   }
+}
+
+// What a matrix loses of its digits is seen in the root of a difference of almost nothing.
+TEST(SquareRootMethod, IsLeastExactNearZero) {
+  RandomTurns turns(18);
+  double largest = 0.0;
+  for (int i = 0; i < 2000; ++i) {
+    const auto turn = turns.Next(3.0);
+    const Vec3 nearlyUp = Unit(Vec3{1e-4 * turn.axis[0], turn.axis[1], 1e-4 * turn.axis[2]});
+    const Quaternion q = FromMatrixBySquareRoots(Narrowed(MatrixAboutAxis(nearlyUp, turn.angle)));
+    largest = std::max(largest, LargestDifference(q, AboutAxis(nearlyUp, turn.angle)));
+  }
+  EXPECT_GT(largest, 1e-4);
+  EXPECT_LT(largest, 3e-4);
+}
+
+TEST(SquareRootMethod, TakesWhatIsNotANumberForNothing) {
+  EXPECT_EQ(FromMatrixBySquareRoots(Rows(kNan, -1, 0, 1, 0, 0, 0, 0, 1)), (Quaternion{0, 0, 0, 0}));
+  ExpectNear(FromMatrixBySquareRoots(Rows(0, -1, 0, kNan, 0, 0, 0, 0, 1)), {0, 0, 0, kRoot});
 }
 
 TEST(SquareRootMethod, IsExactForQuarterTurns) {

@@ -61,6 +61,10 @@ vr::ETrackedPropertyError FakeProperties::WritePropertyBatch(vr::PropertyContain
   return vr::TrackedProp_Success;
 }
 
+void FakeServerDriverHost::TrackedDeviceDisplayTransformUpdated(std::uint32_t, vr::HmdMatrix34_t, vr::HmdMatrix34_t) {
+  updates.Add("eyes");
+}
+
 void FakeServerDriverHost::TrackedDevicePoseUpdated(std::uint32_t device, const vr::DriverPose_t& pose,
                                                     std::uint32_t size) {
   {

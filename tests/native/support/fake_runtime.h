@@ -74,11 +74,11 @@ class FakeServerDriverHost final : public vr::IVRServerDriverHost {
   bool IsExiting() override { return false; }
   bool PollNextEvent(vr::VREvent_t*, std::uint32_t) override { return false; }
   void GetRawTrackedDevicePoses(float, vr::TrackedDevicePose_t*, std::uint32_t) override {}
-  void TrackedDeviceDisplayTransformUpdated(std::uint32_t, vr::HmdMatrix34_t, vr::HmdMatrix34_t) override {}
+  void TrackedDeviceDisplayTransformUpdated(std::uint32_t, vr::HmdMatrix34_t, vr::HmdMatrix34_t) override;
 
   [[nodiscard]] vr::DriverPose_t LastPose() const;
 
-  Journal updates;               // "device size"
+  Journal updates;               // "device size"; "eyes" for transforms of the eyes
   std::function<void()> onPose;  // called behind each update; may block
   Journal vsyncs;                // offsets
   std::function<void()> onVsync;

@@ -120,6 +120,26 @@ INSTANTIATE_TEST_SUITE_P(, ControllerStateTest,
                                          StateCase{3, vr::TrackingResult_Running_OK, true, true},
                                          StateCase{0xFFFFFFFF, vr::TrackingResult_Running_OK, true, true}));
 
+TEST_F(ControllerPoseTest, IsNotTurnedByARecentering) {
+  SendForPose(bench::EncodeQuaternionAndPosition({0, 0.6F, 0, 0.8F}, {}));
+  LinkTest::Send(bench::EncodeRecenterRequest());
+  EXPECT_THAT(Numbers(Send(Turned(1, 1, 1)).qRotation), ElementsAre(1, 0, 0, 0));
+}
+
+TEST_F(ControllerPoseTest, PassesNumbersThatAreNotFiniteOn) {
+  const double infinity = std::numeric_limits<double>::infinity();
+  bench::ControllerRecord record = Turned(1, std::numeric_limits<float>::quiet_NaN(), 1);
+  record.pose[3] = std::numeric_limits<float>::infinity();
+  record.velocity = {0, -infinity, 0};
+  record.acceleration = {0, 0, infinity};
+  const vr::DriverPose_t pose = Send(record);
+  EXPECT_THAT(Numbers(pose.qRotation), ElementsAre(0, 0, 0, 0));
+  EXPECT_THAT(pose.vecPosition, ElementsAre(infinity, 0, 0));
+  EXPECT_THAT(pose.vecVelocity, ElementsAre(0, -infinity, 0));
+  EXPECT_THAT(pose.vecAcceleration, ElementsAre(0, 0, infinity));
+  EXPECT_TRUE(pose.poseIsValid);
+}
+
 TEST_F(ControllerPoseTest, IsValidAgainAfterItWasLost) {
   bench::ControllerRecord lost;
   lost.trackingState = 2;

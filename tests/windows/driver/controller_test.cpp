@@ -54,6 +54,13 @@ TEST_F(ControllerTest, RefusalIsLogged) {
   EXPECT_THAT(LogLines(), Contains("New driver registered (serial OmbrelControllerV02ID3) with status 0 \n"));
 }
 
+TEST_F(ControllerTest, OneThatIsRefusedIsNotAnnouncedAgain) {
+  runtime.Host().RefuseDevice("OmbrelControllerV02ID3");
+  for (int i = 0; i < 3; ++i) Announce(3);
+  EXPECT_EQ(runtime.Host().Added().size(), 2U);
+  EXPECT_EQ(runtime.Poses().Count(kIndex), 0U);
+}
+
 TEST_F(ControllerTest, FirstRecordDoesNotSetItsState) {
   bench::ControllerRecord record;
   record.controllerId = 5;
