@@ -77,6 +77,7 @@ TEST_F(VirtualDisplayTest, AFrameWaitsForAPoseAndAlternatesWithTheNext) {
     if (frame == 0) TakeAnnouncement();
     EXPECT_TRUE(IsBlocked(present));
     EXPECT_THAT(companion->Look(frame % 2, {All(pattern)}), IsEmpty());
+    EXPECT_EQ(companion->Slot(frame % 2), bench::PoseSlot{}) << "no pose is known of it";
     ASSERT_TRUE(SendPose(static_cast<float>(frame)));
     ASSERT_TRUE(Returns(present));
   }
