@@ -76,17 +76,23 @@ void CServerDriver_Ombrel::AddHeadset() {
   headset_->Core().Client().AddListener(static_cast<IControllerUpdatedListener*>(this));
   headset_->Core().StartLink();
   devices_.push_back(headset_.get());
-  // Announced under this very text, not under the serial number that it has as a property.
-  Context().ServerDriverHost()->TrackedDeviceAdded("serialNumber", vr::TrackedDeviceClass_HMD, headset_.get());
+  // Announced under this very text, not under the serial number that it has as a property. Whatever comes of it, the
+  // runtime may know the headset from here on, which is no longer ours to take back then.
+  Guarded([&] {
+    Context().ServerDriverHost()->TrackedDeviceAdded("serialNumber", vr::TrackedDeviceClass_HMD, headset_.get());
+  });
 }
 
+// Likewise: a session without a base station is one all the same.
 void CServerDriver_Ombrel::AddFakeSensor() {
-  vr::IVRServerDriverHost* host = Context().ServerDriverHost();
-  fakeSensor_ = std::make_unique<FakeSensorDevice>(host, "Ombrel fake sensor", "0.1113");
-  const bool added = host->TrackedDeviceAdded(fakeSensor_->SerialNumber().c_str(),
-                                              vr::TrackedDeviceClass_TrackingReference, fakeSensor_.get());
+  const bool added = GuardedOr(false, [&] {
+    vr::IVRServerDriverHost* host = Context().ServerDriverHost();
+    fakeSensor_ = std::make_unique<FakeSensorDevice>(host, "Ombrel fake sensor", "0.1113");
+    devices_.push_back(fakeSensor_.get());
+    return host->TrackedDeviceAdded(fakeSensor_->SerialNumber().c_str(), vr::TrackedDeviceClass_TrackingReference,
+                                    fakeSensor_.get());
+  });
   Log("Fake sensor registered with result %d\n", added ? 1 : 0);
-  devices_.push_back(fakeSensor_.get());
 }
 
 void CServerDriver_Ombrel::Cleanup() {

@@ -2,6 +2,7 @@
 
 #include <openvr_driver.h>
 
+#include <atomic>
 #include <memory>
 #include <vector>
 
@@ -47,7 +48,7 @@ class CServerDriver_Ombrel final : public vr::IServerTrackedDeviceProvider, publ
   void DrainEvents();
   void SendHapticPulse(vr::PropertyContainerHandle_t container, float durationSeconds);
 
-  bool firstFrameSeen_ = false;
+  std::atomic<bool> firstFrameSeen_{false};
   bool fakeSensorEnabled_ = false;
   ControllerRegistry controllers_;
   std::unique_ptr<HMDDriver> headset_;

@@ -4,7 +4,7 @@
 #include <chrono>
 
 #include "support/background.h"
-#include "tell_tale.h"
+#include "support/tell_tale.h"
 
 namespace ombrel::test {
 

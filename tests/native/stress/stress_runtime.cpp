@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "context/driver_context.h"
-#include "tell_tale.h"
+#include "support/tell_tale.h"
 
 namespace ombrel::test {
 namespace {

@@ -57,6 +57,8 @@ void HookedRuntime::TrackedDevicePoseUpdated(std::uint32_t device, const vr::Dri
   Call(onPose, device, pose, size);
 }
 
+void HookedRuntime::Log(const char* message) { Call(onLog, message); }
+
 void HookedRuntime::VsyncEvent(double /*offset*/) { Call(onVsync); }
 
 bool HookedRuntime::PollNextEvent(vr::VREvent_t* event, std::uint32_t /*size*/) {

@@ -26,6 +26,7 @@ class HookedRuntime final : public vr::IVRDriverContext,
   std::function<void(vr::PropertyContainerHandle_t, const vr::PropertyWrite_t&)> onProperty;
   std::function<bool(vr::VREvent_t*)> nextEvent;
   std::function<void()> onVsync;
+  std::function<void(const char*)> onLog;
   std::int32_t hmdMode = 0;
   bool isFakeSensorEnabled = false;
 
@@ -69,7 +70,7 @@ class HookedRuntime final : public vr::IVRDriverContext,
     return ContainerOf(device);
   }
 
-  void Log(const char*) override {}
+  void Log(const char*) override;
 
   vr::EVRInputError CreateBooleanComponent(vr::PropertyContainerHandle_t, const char*,
                                            vr::VRInputComponentHandle_t*) override;

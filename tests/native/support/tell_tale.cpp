@@ -1,4 +1,4 @@
-#include "tell_tale.h"
+#include "support/tell_tale.h"
 
 #include <array>
 #include <cmath>
