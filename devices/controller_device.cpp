@@ -80,7 +80,9 @@ void ControllerDevice::CreateInputs() {
   CreateScalarInput(propertyContainer_, axisComponents_[kTrackpadY], vr::VRScalarUnits_NormalizedTwoSided);
   CreateScalarInput(propertyContainer_, axisComponents_[kTriggerValue], vr::VRScalarUnits_NormalizedOneSided);
   if (vr::IVRDriverInput* input = Context().DriverInput()) {
-    input->CreateHapticComponent(propertyContainer_, "/output/haptic", &hapticComponent_);
+    vr::VRInputComponentHandle_t handle = hapticComponent_;
+    input->CreateHapticComponent(propertyContainer_, "/output/haptic", &handle);
+    hapticComponent_ = handle;
   }
 }
 

@@ -105,20 +105,21 @@ void HMDDriver::WriteDisplayFrequency(float frequency) {
 void HMDDriver::CreateProximityInput() {
   vr::IVRDriverInput* input = Context().DriverInput();
   if (input == nullptr) return;
-  const vr::EVRInputError error = input->CreateBooleanComponent(propertyContainer_, "/proximity", &proximityComponent_);
-  hasProximityInput_ = error == vr::VRInputError_None;
-  if (hasProximityInput_) {
-    input->UpdateBooleanComponent(proximityComponent_, true, 0.0);
+  vr::VRInputComponentHandle_t handle = vr::k_ulInvalidInputComponentHandle;
+  const vr::EVRInputError error = input->CreateBooleanComponent(propertyContainer_, "/proximity", &handle);
+  if (error == vr::VRInputError_None) {
+    proximityComponent_ = handle;
+    input->UpdateBooleanComponent(handle, true, 0.0);
   } else {
+    proximityComponent_ = vr::k_ulInvalidInputComponentHandle;
     Log("Error while creating proximity sensor: %d \n", static_cast<int>(error));
   }
 }
 
 void HMDDriver::ReportWorn() {
-  if (!IsActivated() || !hasProximityInput_) return;
-  if (vr::IVRDriverInput* input = Context().DriverInput()) {
-    input->UpdateBooleanComponent(proximityComponent_, true, 0.0);
-  }
+  const vr::VRInputComponentHandle_t proximity = proximityComponent_;
+  if (!IsActivated() || proximity == vr::k_ulInvalidInputComponentHandle) return;
+  if (vr::IVRDriverInput* input = Context().DriverInput()) input->UpdateBooleanComponent(proximity, true, 0.0);
 }
 
 void HMDDriver::Deactivate() {

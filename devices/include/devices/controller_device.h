@@ -62,7 +62,7 @@ class ControllerDevice final : public vr::ITrackedDeviceServerDriver {
   const std::string modelNumber_ = "OmbrelController";
   std::atomic<OmbrelCore*> link_;
   std::atomic<vr::PropertyContainerHandle_t> propertyContainer_{vr::k_ulInvalidPropertyContainer};
-  vr::VRInputComponentHandle_t hapticComponent_ = vr::k_ulInvalidInputComponentHandle;
+  std::atomic<vr::VRInputComponentHandle_t> hapticComponent_{vr::k_ulInvalidInputComponentHandle};
   std::atomic<std::uint32_t> deviceIndex_{vr::k_unTrackedDeviceIndexInvalid};
   const std::string serialNumber_;
 };

@@ -32,7 +32,7 @@ class FakeSensorDevice final : public vr::ITrackedDeviceServerDriver {
   const vr::DriverPose_t pose_;
   vr::IVRServerDriverHost* const host_;
   const std::string modelNumber_;
-  vr::PropertyContainerHandle_t propertyContainer_ = vr::k_ulInvalidPropertyContainer;
+  std::atomic<vr::PropertyContainerHandle_t> propertyContainer_{vr::k_ulInvalidPropertyContainer};
   std::atomic<std::uint32_t> deviceIndex_{vr::k_unTrackedDeviceIndexInvalid};
   const std::string serialNumber_;
 };

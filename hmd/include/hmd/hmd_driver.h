@@ -80,8 +80,8 @@ class HMDDriver : public vr::ITrackedDeviceServerDriver,
   const float ipdMeters_ = 0.065F;
   SeqLock<vr::DriverPose_t> pose_;
   RotationOffsets rotationOffsets_;
-  vr::VRInputComponentHandle_t proximityComponent_ = vr::k_ulInvalidInputComponentHandle;
-  bool hasProximityInput_ = false;
+  // Invalid unless the runtime made the input. Handle and success in one, so that nobody sees the one without the other.
+  std::atomic<vr::VRInputComponentHandle_t> proximityComponent_{vr::k_ulInvalidInputComponentHandle};
   std::atomic<vr::PropertyContainerHandle_t> propertyContainer_{vr::k_ulInvalidPropertyContainer};
   vr::IVRServerDriverHost* const host_;
   std::atomic<std::uint32_t> deviceIndex_{vr::k_unTrackedDeviceIndexInvalid};

@@ -53,6 +53,20 @@ TEST_F(HeadsetActivationTest, GivesAProximityInputThatCouldNotBeMadeNoValue) {
   EXPECT_EQ(runtime_.host.updates.All(), Lines{"3 280"});
 }
 
+// Frames go on while the runtime activates it once more.
+TEST_F(HeadsetActivationTest, IsWornByAnInputThatIsWholeOnly) {
+  headset_->Activate(3);
+  runtime_.createInputResult = vr::VRInputError_MaxCapacityReached;
+  runtime_.onCreateInput = [this](vr::VRInputComponentHandle_t* handle) {
+    *handle = 99;
+    Background server([this] { headset_->ReportWorn(); });
+    EXPECT_TRUE(server.Finishes());
+  };
+  headset_->Activate(3);
+  headset_->ReportWorn();
+  EXPECT_EQ(runtime_.input.From(2), (Lines{"Create 1003 /proximity", "Update 5 true 0.000000"}));
+}
+
 TEST_F(HeadsetActivationTest, SendsItsPoseAtTheEnd) {
   headset_->Activate(3);
   EXPECT_EQ(runtime_.host.updates.All(), Lines{"3 280"});

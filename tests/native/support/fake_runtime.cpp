@@ -46,7 +46,7 @@ bool FakeSettings::GetBool(const char* section, const char* key, vr::EVRSettings
 
 std::int32_t FakeSettings::GetInt32(const char* section, const char* key, vr::EVRSettingsError* error) {
   const auto found = values.find(std::string(section) + "/" + key);
-  if (error != nullptr) *error = vr::VRSettingsError_None;
+  if (error != nullptr) ++numberErrorsAskedFor;
   return found != values.end() ? found->second : 0;
 }
 
@@ -87,6 +87,7 @@ class FakeDriverInput final : public vr::IVRDriverInput {
   vr::EVRInputError CreateBooleanComponent(vr::PropertyContainerHandle_t container, const char* name,
                                            vr::VRInputComponentHandle_t* handle) override {
     runtime_.input.Add("Create " + std::to_string(container) + " " + name);
+    if (runtime_.onCreateInput) runtime_.onCreateInput(handle);
     if (runtime_.createInputResult == vr::VRInputError_None) *handle = 5;
     return runtime_.createInputResult;
   }

@@ -39,6 +39,7 @@ class FakeSettings final : public vr::IVRSettings {
   // By "section/key". What is missing reads as 0, with an error if the caller asks for one.
   std::map<std::string, std::int32_t> values;
   vr::EVRSettingsError boolError = vr::VRSettingsError_None;  // whatever the value
+  int numberErrorsAskedFor = 0;
   int writes = 0;
 };
 
@@ -107,6 +108,8 @@ class FakeRuntime final : public vr::IVRDriverContext {
   FakeServerDriverHost host;
   Journal input;  // "Create 1001 /proximity", "Update 5 1 0.000000"
   vr::EVRInputError createInputResult = vr::VRInputError_None;
+  // Called within the creation of a boolean input, before it has a result; may write the handle.
+  std::function<void(vr::VRInputComponentHandle_t*)> onCreateInput;
   std::set<std::string> withheld;  // interface versions
   Journal asked;                   // interface versions, in order
 
