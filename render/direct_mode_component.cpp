@@ -1,6 +1,8 @@
 #include "render/direct_mode_component.h"
 
 #include <cstring>
+#include <mutex>
+#include <utility>
 
 #include "context/driver_log.h"
 #include "platform/guarded.h"
@@ -26,6 +28,8 @@ vr::DriverDirectMode_FrameTiming InitialTiming() {
 
 DirectModeComponent::DirectModeComponent(OmbrelCore& core, ISwapTextureDevice& textures)
     : core_(core), textures_(textures), frameTiming_(InitialTiming()) {
+  // For good, so that no frame allocates.
+  for (Frame& frame : frames_) frame.layers.reserve(kMostLayers);
   Log("Creating Direct driver component \n");
 }
 
@@ -46,6 +50,7 @@ void DirectModeComponent::CreateSwapTextureSet(std::uint32_t unPid, const SwapTe
       made[i] = textures_.CreateSwapTexture(wanted);
       (*handles)[i] = made[i].handle;
     }
+    const std::lock_guard sets(setsMutex_);
     for (const SwapTexture& texture : made) {
       if (texture.handle == 0) continue;
       swapTextures_.Add(texture, unPid, setId);
@@ -59,6 +64,7 @@ void DirectModeComponent::DestroySwapTextureSet(vr::SharedTextureHandle_t shared
   const SubmissionGate::Pass pass(core_.Calls());
   if (!pass) return;
   Guarded([&] {
+    const std::lock_guard sets(setsMutex_);
     swapTextures_.RemoveSet(swapTextures_.FindSet(sharedTextureHandle),
                             [this](std::uint64_t handle) { textures_.UnregisterTexture(handle); });
   });
@@ -68,6 +74,7 @@ void DirectModeComponent::DestroyAllSwapTextureSets(std::uint32_t unPid) {
   const SubmissionGate::Pass pass(core_.Calls());
   if (!pass) return;
   Guarded([&] {
+    const std::lock_guard sets(setsMutex_);
     swapTextures_.RemoveProcess(unPid, [this](std::uint64_t handle) { textures_.UnregisterTexture(handle); });
   });
 }
@@ -79,23 +86,48 @@ void DirectModeComponent::GetNextSwapTextureSetIndex(vr::SharedTextureHandle_t* 
 
 void DirectModeComponent::SubmitLayer(const SubmitLayerPerEye_t (&perEye)[2], const vr::HmdMatrix34_t* pose) {
   static_assert(sizeof(*pose) == 12 * sizeof(float));
-  if (layers_.empty()) std::memcpy(framePose_.data(), pose, sizeof(*pose));
-  bounds_ = {ToBounds(perEye[0].bounds), ToBounds(perEye[1].bounds)};
-  Guarded([&] {
-    if (layers_.size() >= kMostLayers) layers_.erase(layers_.begin());
-    // All layers of a frame share the bounds that were submitted last, on purpose.
-    layers_.push_back({perEye[0].hTexture, perEye[1].hTexture, &bounds_});
-  });
+  const SubmissionGate::Pass pass(core_.Calls());
+  if (!pass) return;
+  const std::lock_guard lock(frameMutex_);
+  if (submitted_->layers.empty()) std::memcpy(framePose_.data(), pose, sizeof(*pose));
+  submitted_->Add(perEye[0].hTexture, perEye[1].hTexture, {ToBounds(perEye[0].bounds), ToBounds(perEye[1].bounds)});
+}
+
+void DirectModeComponent::Frame::Add(std::uint64_t leftTexture, std::uint64_t rightTexture, const EyeBounds& newest) {
+  if (layers.size() >= kMostLayers) layers.erase(layers.begin());
+  // All layers of a frame share the bounds that were submitted last, on purpose.
+  layers.push_back({leftTexture, rightTexture, &bounds});
+  bounds = newest;
 }
 
 void DirectModeComponent::Present(vr::SharedTextureHandle_t syncTexture) {
   const SubmissionGate::Pass pass(core_.Calls());
   if (!pass) return;
+  const std::lock_guard present(presentMutex_);
+  const FramePose pose = TakeFrame();
+  Guarded([&] { core_.HandOffLayers(syncTexture, presented_->layers, pose); });
+  FinishFrame(pose);
+}
+
+// From here on layers are the next frame's.
+FramePose DirectModeComponent::TakeFrame() {
+  const std::lock_guard lock(frameMutex_);
   presentIndex_ = (presentIndex_ + 1) % kTexturesPerSet;
-  Guarded([&] { core_.HandOffLayers(syncTexture, layers_, framePose_); });
-  vr::DriverDirectMode_FrameTiming timing = frameTiming_.Load();
-  ++timing.m_nNumFramePresents;
-  frameTiming_.Store(timing);
+  std::swap(submitted_, presented_);
+  return framePose_;
+}
+
+void DirectModeComponent::FinishFrame(const FramePose& pose) {
+  const std::lock_guard lock(frameMutex_);
+  ++frameTiming_.m_nNumFramePresents;
+  if (presented_->layers.empty()) return;
+  // With the link down the frame goes on growing: what was submitted meanwhile belongs behind its layers.
+  for (const LayerRecord& layer : submitted_->layers) {
+    presented_->Add(layer.leftTexture, layer.rightTexture, submitted_->bounds);
+  }
+  submitted_->layers.clear();
+  std::swap(submitted_, presented_);
+  framePose_ = pose;
 }
 
 void DirectModeComponent::PostPresent() {
@@ -105,8 +137,11 @@ void DirectModeComponent::PostPresent() {
 }
 
 void DirectModeComponent::GetFrameTiming(vr::DriverDirectMode_FrameTiming* pFrameTiming) {
+  const SubmissionGate::Pass pass(core_.Calls());
+  if (!pass) return;
+  const std::lock_guard lock(frameMutex_);
   // Takes the caller's record in and tells nothing back, on purpose.
-  frameTiming_.Store(*pFrameTiming);
+  frameTiming_ = *pFrameTiming;
 }
 
 }  // namespace ombrel

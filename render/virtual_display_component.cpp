@@ -29,6 +29,10 @@ void VirtualDisplayComponent::WaitForPresent() {
 }
 
 bool VirtualDisplayComponent::GetTimeSinceLastVsync(float* pfSecondsSinceLastVsync, std::uint64_t* pulFrameCounter) {
+  *pfSecondsSinceLastVsync = 0.0F;
+  *pulFrameCounter = 0;
+  const SubmissionGate::Pass pass(core_.Calls());
+  if (!pass) return true;
   const auto elapsed = static_cast<double>(PerformanceCounter() - lastVsync_);
   *pfSecondsSinceLastVsync = static_cast<float>(elapsed / static_cast<double>(counterFrequency_));
   *pulFrameCounter = presents_;

@@ -2,20 +2,22 @@
 
 #include <openvr_driver.h>
 
+#include <array>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
 #include "link/ombrel_core.h"
-#include "platform/seqlock.h"
+#include "platform/sync.h"
 #include "render/headset_renderer.h"
 #include "render/swap_texture_list.h"
 
 namespace ombrel {
 
-// Through this the runtime gets textures to render into, submits eye layers and presents them. Textures may be made and
-// destroyed on any of the runtime's threads, a frame is submitted and presented on one. Calls that may wait say so.
+// Through this the runtime gets textures to render into, submits eye layers and presents them, on any of its threads.
+// Frames that are presented at the same time are drawn one after the other; nothing else waits for one of them. Calls
+// that may wait say so.
 class DirectModeComponent : public vr::IVRDriverDirectModeComponent {
  public:
   // An hour of frames that nobody took would take longer to draw than a graphics driver waits for anything. Layers are
@@ -44,15 +46,30 @@ class DirectModeComponent : public vr::IVRDriverDirectModeComponent {
   ~DirectModeComponent() = default;
 
  private:
+  struct Frame {
+    std::vector<LayerRecord> layers;
+    EyeBounds bounds{};  // of every layer of the frame
+
+    void Add(std::uint64_t leftTexture, std::uint64_t rightTexture, const EyeBounds& newest);
+  };
+  FramePose TakeFrame();
+  void FinishFrame(const FramePose& pose);
+
   OmbrelCore& core_;
   ISwapTextureDevice& textures_;
+  Mutex setsMutex_;  // a set comes and goes as a whole
   SwapTextureList swapTextures_;
   std::atomic<std::uint32_t> nextSetId_{0};
-  std::vector<LayerRecord> layers_;
-  EyeBounds bounds_{};  // of every layer of the frame
+
+  Mutex presentMutex_;  // one frame at a time; taken before frameMutex_
+  std::array<Frame, 2> frames_;
+  Frame* presented_ = frames_.data();  // under presentMutex_, empty in between
+
+  Mutex frameMutex_;  // held for no longer than a copy takes
+  Frame* submitted_ = &frames_[1];
   FramePose framePose_{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
   std::uint32_t presentIndex_ = 0;  // cycles 0, 1, 2
-  SeqLock<vr::DriverDirectMode_FrameTiming> frameTiming_;
+  vr::DriverDirectMode_FrameTiming frameTiming_;
 };
 
 }  // namespace ombrel

@@ -22,7 +22,8 @@ class VirtualDisplayComponent : public vr::IVRVirtualDisplay {
   void Present(const vr::PresentInfo_t* pPresentInfo, std::uint32_t unPresentInfoSize) override;
   // Waits for the end of the frame period, at most a second; that is the vsync.
   void WaitForPresent() override;
-  // Seconds since the last vsync (or the counter's origin, before the first) and the number of presents. Always true.
+  // Seconds since the last vsync (or the counter's origin, before the first) and the number of presents; zeros once the
+  // link has stopped. Always true.
   bool GetTimeSinceLastVsync(float* pfSecondsSinceLastVsync, std::uint64_t* pulFrameCounter) override;
 
  protected:

@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <atomic>
 #include <cstring>
 #include <functional>
 #include <memory>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -27,6 +30,7 @@ class ConcreteDirectMode final : public DirectModeComponent {
 class DirectModeComponentTest : public testing::Test {
  protected:
   using Eye = vr::IVRDriverDirectModeComponent::SubmitLayerPerEye_t;
+  using Layers = std::vector<std::pair<std::uint64_t, float>>;
 
   DirectModeComponentTest() { log_.lines.Clear(); }
   ~DirectModeComponentTest() override {
@@ -68,6 +72,13 @@ class DirectModeComponentTest : public testing::Test {
     inside.Open();
     EXPECT_TRUE(stop.Finishes() && runtime.Finishes());
   }
+  // From here on: the left texture and left bound of each layer that is drawn.
+  const Layers& NoteLayers() {
+    renderer_->onLayer = [this](const LayerRecord& layer) {
+      layers_.emplace_back(layer.leftTexture, (*layer.bounds)[0].uMin);
+    };
+    return layers_;
+  }
   // Presents until a frame is taken.
   [[nodiscard]] bool PresentTaken() {
     return WaitUntil([this] {
@@ -83,6 +94,9 @@ class DirectModeComponentTest : public testing::Test {
   FakeRenderer* renderer_ = made_.get();
   OmbrelCore core_{std::move(made_)};
   ConcreteDirectMode component_{core_, *renderer_};
+
+ private:
+  Layers layers_;
 };
 
 TEST_F(DirectModeComponentTest, LogsItsConstruction) {
@@ -178,18 +192,17 @@ TEST_F(DirectModeComponentTest, AllLayersOfAFrameAreDrawnWithTheLastBounds) {
   }
 }
 
-TEST_F(DirectModeComponentTest, LayersPileUpWhileTheLinkIsDown) {
+TEST_F(DirectModeComponentTest, LayersPileUpWhileTheLinkIsDownAndAreDrawnWithTheLastBounds) {
   for (std::uint64_t frame = 1; frame <= 3; ++frame) {
-    Submit(frame, 10 + frame, 0);
+    Submit(frame, 10 + frame, 0.0625F * static_cast<float>(frame));
     component_.Present(9);
     component_.PostPresent();
   }
   EXPECT_TRUE(renderer_->journal.All().empty());
+  const auto& drawn = NoteLayers();
   ASSERT_TRUE(Connect());
   ASSERT_TRUE(PresentTaken());
-  EXPECT_EQ(renderer_->journal.Count("ComposeLayer 0 1 11"), 1U);
-  EXPECT_EQ(renderer_->journal.Count("ComposeLayer 0 2 12"), 1U);
-  EXPECT_EQ(renderer_->journal.Count("ComposeLayer 0 3 13"), 1U);
+  EXPECT_EQ(drawn, (Layers{{1, 0.1875F}, {2, 0.1875F}, {3, 0.1875F}}));
 }
 
 TEST_F(DirectModeComponentTest, OfManyLayersThatPileUpTheNewestAreKept) {
@@ -217,6 +230,70 @@ TEST_F(DirectModeComponentTest, PassesTheSyncTextureOnAndForgetsTheLayersAfterwa
   EXPECT_EQ(renderer_->journal.Count("ComposeLayer 0 1 2"), 0U);
 }
 
+TEST_F(DirectModeComponentTest, ALayerThatIsSubmittedWhileAFrameIsDrawnIsTheNextFrames) {
+  ASSERT_TRUE(Connect());
+  ASSERT_TRUE(PresentTaken());
+  const auto& drawn = NoteLayers();
+  renderer_->onCall = [this](const std::string& line) {
+    if (line != "AcquireSyncTexture 77 16") return;
+    Background other([this] { Submit(3, 4, 0.25F); });
+    EXPECT_TRUE(other.Finishes()) << "it waits for a texture that it has nothing to do with";
+  };
+  Submit(1, 2, 0.125F);
+  component_.Present(77);
+  EXPECT_EQ(drawn, (Layers{{1, 0.125F}}));
+  component_.Present(78);
+  EXPECT_EQ(drawn.back(), std::pair(std::uint64_t{3}, 0.25F));
+}
+
+// A frame that fails stays as it was, like one for which there is no link.
+TEST_F(DirectModeComponentTest, ALayerThatIsSubmittedWhileNobodyTakesAFrameIsDrawnBehindIt) {
+  ASSERT_TRUE(Connect());
+  ASSERT_TRUE(PresentTaken());
+  renderer_->onCall = [this](const std::string& line) {
+    if (line != "AcquireSyncTexture 77 16") return;
+    Submit(3, 4, 0.25F);
+    throw std::bad_alloc();
+  };
+  Submit(1, 2, 0.125F);
+  component_.Present(77);
+  const auto& drawn = NoteLayers();
+  component_.Present(78);
+  EXPECT_EQ(drawn, (Layers{{1, 0.25F}, {3, 0.25F}}));
+}
+
+TEST_F(DirectModeComponentTest, FramesThatArePresentedAtOnceAreDrawnOneAfterTheOther) {
+  ASSERT_TRUE(Connect());
+  ASSERT_TRUE(PresentTaken());
+  Barrier drawing;
+  renderer_->onCall = [&](const std::string& line) {
+    if (line == "AcquireSyncTexture 77 16") drawing.Pass();
+  };
+  Background first([this] { component_.Present(77); });
+  ASSERT_TRUE(drawing.WaitForVisitor());
+  Background second([this] { component_.Present(78); });
+  EXPECT_TRUE(second.StaysBlocked());
+  EXPECT_EQ(renderer_->journal.Count("AcquireSyncTexture 78 16"), 0U);
+  drawing.Open();
+  EXPECT_TRUE(first.Finishes() && second.Finishes());
+}
+
+TEST_F(DirectModeComponentTest, ASetThatIsBeingMadeIsNotHalfDestroyed) {
+  Barrier registering;
+  renderer_->onCall = [&](const std::string& line) {
+    if (line == "RegisterTexture 101") registering.Pass();
+  };
+  Background making([this] { CreateSet(1); });
+  ASSERT_TRUE(registering.WaitForVisitor());
+  Background destroying([this] { component_.DestroyAllSwapTextureSets(1); });
+  EXPECT_TRUE(destroying.StaysBlocked());
+  registering.Open();
+  EXPECT_TRUE(making.Finishes() && destroying.Finishes());
+  EXPECT_EQ(renderer_->liveSwapTextures, 0);
+  EXPECT_EQ(renderer_->journal.From(6),
+            (Lines{"UnregisterTexture 102", "UnregisterTexture 101", "UnregisterTexture 100"}));
+}
+
 TEST_F(DirectModeComponentTest, TexturesOfAStoppedLinkAreLeftAlone) {
   const auto set = CreateSet(1);
   core_.StopLink();
@@ -228,6 +305,13 @@ TEST_F(DirectModeComponentTest, TexturesOfAStoppedLinkAreLeftAlone) {
   component_.PostPresent();
   EXPECT_TRUE(renderer_->journal.All().empty());
   EXPECT_EQ(renderer_->liveSwapTextures, 3);
+}
+
+TEST_F(DirectModeComponentTest, WhatACallerOfAStoppedLinkPassesIsNotLookedAt) {
+  core_.StopLink();
+  const Eye eyes[2]{};
+  component_.SubmitLayer(eyes, nullptr);
+  component_.GetFrameTiming(nullptr);
 }
 
 TEST_F(DirectModeComponentTest, AStopWaitsForTexturesThatAreBeingMade) {
@@ -260,6 +344,24 @@ TEST_F(DirectModeComponentTest, APresentHasLeftTheComponentWhenTheLinkHasStopped
   EXPECT_TRUE(stop.StaysBlocked());
   drawn.Open();
   ASSERT_TRUE(stop.Finishes());
+  component.reset();
+  EXPECT_TRUE(runtime.Finishes());
+}
+
+// Likewise. Nothing but the stop puts the calls in front of the end of the component.
+TEST_F(DirectModeComponentTest, ALayerAndATimingHaveLeftTheComponentWhenTheLinkHasStopped) {
+  auto component = std::make_unique<ConcreteDirectMode>(core_, *renderer_);
+  std::atomic<bool> isOut{false};
+  Background runtime([&, direct = component.get()] {
+    const Eye eyes[2]{};
+    const vr::HmdMatrix34_t pose{};
+    vr::DriverDirectMode_FrameTiming timing{};
+    direct->SubmitLayer(eyes, &pose);
+    direct->GetFrameTiming(&timing);
+    isOut.store(true, std::memory_order_relaxed);
+  });
+  ASSERT_TRUE(WaitUntil([&] { return isOut.load(std::memory_order_relaxed); }));
+  core_.StopLink();
   component.reset();
   EXPECT_TRUE(runtime.Finishes());
 }

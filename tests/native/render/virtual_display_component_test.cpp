@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <memory>
 
@@ -103,12 +104,13 @@ TEST_F(VirtualDisplayComponentTest, DoesNothingOnceTheLinkHasStopped) {
   core_.StopLink();
   Present(6);
   component_.WaitForPresent();
-  EXPECT_EQ(Frames(), 1U);
   EXPECT_EQ(host_.vsyncs.Size(), 0U);
+  EXPECT_EQ(Frames(), 0U) << "what it has counted is no longer told";
+  EXPECT_EQ(SecondsSinceVsync(), 0.0F);
 }
 
 // The component goes right behind the stop. What a call does behind the hand-off or the wait nobody can hold up: the
-// thread sanitizer is the judge, of this test and the next.
+// thread sanitizer is the judge, of this test and the next two.
 TEST_F(VirtualDisplayComponentTest, APresentHasLeftTheComponentWhenTheLinkHasStopped) {
   auto component = std::make_unique<ConcreteVirtualDisplay>(core_, &host_);
   core_.PrepareOutput({.format = 28, .width = 100, .height = 100, .invertY = 0});
@@ -133,6 +135,22 @@ TEST_F(VirtualDisplayComponentTest, AWaitHasLeftTheComponentWhenTheLinkHasStoppe
   component->WaitForPresent();
   Background runtime([display = component.get()] { display->WaitForPresent(); });
   ASSERT_TRUE(runtime.StaysBlocked());
+  core_.StopLink();
+  component.reset();
+  EXPECT_TRUE(runtime.Finishes());
+}
+
+// Nothing but the stop puts the call in front of the end of the component.
+TEST_F(VirtualDisplayComponentTest, AnAskerHasLeftTheComponentWhenTheLinkHasStopped) {
+  auto component = std::make_unique<ConcreteVirtualDisplay>(core_, &host_);
+  std::atomic<bool> isOut{false};
+  Background runtime([&, display = component.get()] {
+    float seconds = -1.0F;
+    std::uint64_t frames = 99;
+    display->GetTimeSinceLastVsync(&seconds, &frames);
+    isOut.store(true, std::memory_order_relaxed);
+  });
+  ASSERT_TRUE(WaitUntil([&] { return isOut.load(std::memory_order_relaxed); }));
   core_.StopLink();
   component.reset();
   EXPECT_TRUE(runtime.Finishes());
