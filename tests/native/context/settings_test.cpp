@@ -27,6 +27,12 @@ TEST_F(SettingsTest, ReadsTheDriversSection) {
 
 TEST_F(SettingsTest, ReadsAMissingNumberAsZero) { EXPECT_EQ(ReadInt32Setting("renderScale"), 0); }
 
+TEST_F(SettingsTest, AsksForNoErrorOfANumber) {
+  runtime_.settings.values = {{"driver_ombrel/windowWidth", 2560}};
+  EXPECT_EQ(ReadInt32Setting("windowWidth") + ReadInt32Setting("missing"), 2560);
+  EXPECT_EQ(runtime_.settings.numberErrorsAskedFor, 0);
+}
+
 TEST_F(SettingsTest, ReadsASwitchAsItIsStored) {
   runtime_.settings.values = {{"driver_ombrel/fakeSensorEnabled", 0}};
   EXPECT_FALSE(ReadBoolSetting("fakeSensorEnabled", true));

@@ -32,6 +32,13 @@ TEST(HapticPulse, HasItsDurationInMicrosecondsAndKeepsTheLow16Bits) {
   EXPECT_EQ(MakeHapticPulse(0, 0, kTenMegahertz, 0.0F).durationMicroseconds, 0U);
 }
 
+// In double precision each would come out one short.
+TEST(HapticPulse, HasItsDurationInSinglePrecision) {
+  EXPECT_EQ(MakeHapticPulse(0, 0, kTenMegahertz, 0.005F).durationMicroseconds, 5000U);
+  EXPECT_EQ(MakeHapticPulse(0, 0, kTenMegahertz, 0.01F).durationMicroseconds, 10'000U);
+  EXPECT_EQ(MakeHapticPulse(0, 0, kTenMegahertz, 0.02F).durationMicroseconds, 20'000U);
+}
+
 TEST(HapticPulse, OfAnAbsurdDurationIsDefined) {
   for (const float seconds : {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(),
                               -std::numeric_limits<float>::infinity(), 1e30F, -1e30F}) {

@@ -26,11 +26,12 @@ TEST_F(HeadPoseTrackerTest, AMatrixReplacesTheOrientationAndKeepsThePosition) {
   EXPECT_EQ(Record().timestamp, 1001U);
 }
 
-TEST_F(HeadPoseTrackerTest, UnknownFormatsAreMatrices) {
+TEST_F(HeadPoseTrackerTest, UnknownFormatsAreMatricesThatKeepThePosition) {
   for (const std::uint32_t format : {7U, 49U, 51U, 253U, 255U, 0x80000000U, 0xFFFFFFFFU}) {
     HeadPoseTracker fresh(0);
     EXPECT_EQ(fresh.Apply(Bytes().Append(QuarterLeftMatrix(0.0F)).U32(format), 1), Outcome::kPublished);
     EXPECT_NEAR(fresh.Record().rawOrientation.y, kRoot, 1e-6) << format;
+    EXPECT_EQ(fresh.Record().position, (Vector3{0.0F, 1.7F, 0.0F})) << format;
   }
 }
 
