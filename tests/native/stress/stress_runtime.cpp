@@ -1,7 +1,5 @@
 #include "stress_runtime.h"
 
-#include <utility>
-
 #include "context/driver_context.h"
 #include "support/tell_tale.h"
 
@@ -10,6 +8,17 @@ namespace {
 
 // Often enough to meet one that is being written.
 constexpr int kAsksInARow = 50;
+
+bool IsWhole(vr::ETrackedDeviceClass deviceClass, const vr::DriverPose_t& pose) {
+  switch (deviceClass) {
+    case vr::TrackedDeviceClass_HMD:
+      return IsWholeHeadPose(pose);
+    case vr::TrackedDeviceClass_Controller:
+      return IsWholeControllerPose(pose);
+    default:
+      return pose.vecPosition[2] == 3.0 && pose.qRotation.w == 1.0 && pose.deviceIsConnected;
+  }
+}
 
 }  // namespace
 
@@ -22,10 +31,8 @@ StressRuntime::~StressRuntime() {
 
 void StressRuntime::SetHooks(std::int32_t hmdMode) {
   host_.hmdMode = hmdMode;
-  host_.onDeviceAdded = [this](auto deviceClass, auto* device) {
-    const std::lock_guard guard(devicesMutex_);
-    devices_.push_back({device, deviceClass == vr::TrackedDeviceClass_HMD, false});
-  };
+  host_.isFakeSensorEnabled = true;
+  host_.onDeviceAdded = [this](auto deviceClass, auto* device) { AddDevice(deviceClass, device); };
   host_.onPose = [this](std::uint32_t index, const auto& pose, std::uint32_t size) { OnPose(index, pose, size); };
   host_.onBoolean = [this](auto, bool) { ++done_.inputs; };
   host_.onScalar = [this](auto, float) { ++done_.inputs; };
@@ -36,10 +43,19 @@ void StressRuntime::SetHooks(std::int32_t hmdMode) {
   host_.onVsync = [this] { ++done_.vsyncs; };
 }
 
+void StressRuntime::AddDevice(vr::ETrackedDeviceClass deviceClass, vr::ITrackedDeviceServerDriver* driver) {
+  const std::lock_guard guard(addingMutex_);
+  Device& device = devices_.at(deviceCount_);
+  device.driver = driver;
+  device.deviceClass = deviceClass;
+  device.isActivated = false;
+  ++deviceCount_;
+}
+
 bool StressRuntime::Start() {
-  devices_.clear();
+  deviceCount_ = 0;
   if (provider_.Init(&host_) != vr::VRInitError_None) return false;
-  vr::ITrackedDeviceServerDriver* headset = Devices().front().driver;
+  vr::ITrackedDeviceServerDriver* headset = devices_[0].driver;
   direct_ =
       static_cast<vr::IVRDriverDirectModeComponent*>(headset->GetComponent(vr::IVRDriverDirectModeComponent_Version));
   virtual_ = static_cast<vr::IVRVirtualDisplay*>(headset->GetComponent(vr::IVRVirtualDisplay_Version));
@@ -48,26 +64,28 @@ bool StressRuntime::Start() {
 
 void StressRuntime::Tick() {
   ActivateNewDevices();
-  isVibrationDue_ = true;
+  isVibrationDue_.store(true, std::memory_order_relaxed);
   provider_.RunFrame();
+  static_cast<void>(provider_.GetInterfaceVersions());
+  static_cast<void>(provider_.ShouldBlockStandbyMode());
+  provider_.EnterStandby();
+  provider_.LeaveStandby();
   ++done_.serverTicks;
 }
 
 void StressRuntime::ActivateNewDevices() {
-  const std::vector<Device> devices = Devices();
-  for (std::uint32_t index = 0; index < devices.size(); ++index) {
-    if (devices[index].isActivated) continue;
-    devices[index].driver->Activate(index);
+  const std::uint32_t count = deviceCount_;
+  for (std::uint32_t index = 0; index < count; ++index) {
+    if (devices_[index].isActivated.exchange(true, std::memory_order_relaxed)) continue;
+    devices_[index].driver->Activate(index);
     ++done_.activations;
-    const std::lock_guard guard(devicesMutex_);
-    devices_[index].isActivated = true;
   }
 }
 
 bool StressRuntime::NextEvent(vr::VREvent_t* event) {
-  const std::size_t devices = Devices().size();
-  if (!std::exchange(isVibrationDue_, false) || devices < 2) return false;
-  const auto index = static_cast<std::uint32_t>(1 + done_.vibrations++ % (devices - 1));
+  const std::uint32_t count = deviceCount_;
+  if (!isVibrationDue_.exchange(false, std::memory_order_relaxed) || count < 3) return false;
+  const std::uint32_t index = 1 + done_.vibrations++ % (count - 1);
   event->eventType = vr::VREvent_Input_HapticVibration;
   event->data.hapticVibration.containerHandle = HookedRuntime::ContainerOf(index);
   event->data.hapticVibration.fDurationSeconds = 0.003F;
@@ -92,11 +110,11 @@ void StressRuntime::PresentFrame() {
 }
 
 void StressRuntime::SubmitLayers() {
-  frame_ += 1.0F;
+  const std::uint32_t number = 1 + submissions_++;
   vr::IVRDriverDirectModeComponent::SubmitLayerPerEye_t eyes[2]{};
-  for (std::uint64_t eye = 0; eye < 2; ++eye) {
-    eyes[eye].hTexture = static_cast<std::uint64_t>(2.0F * frame_) + eye;
-    eyes[eye].bounds = {0, 0, frame_, 1};
+  for (std::uint32_t eye = 0; eye < 2; ++eye) {
+    eyes[eye].hTexture = 2 * number + eye;
+    eyes[eye].bounds = {0, 0, static_cast<float>(number), 1};
   }
   const vr::HmdMatrix34_t pose{};
   for (int layer = 0; layer < 2; ++layer) direct_->SubmitLayer(eyes, &pose);
@@ -109,6 +127,8 @@ void StressRuntime::ChangeSwapTextures() {
   vr::SharedTextureHandle_t handles[3]{};
   const std::uint32_t processId = 1 + done_.swapSets % 2;
   direct_->CreateSwapTextureSet(processId, &desc, &handles);
+  std::uint32_t indices[2]{};
+  direct_->GetNextSwapTextureSetIndex(handles, &indices);
   vr::DriverDirectMode_FrameTiming timing{};
   direct_->GetFrameTiming(&timing);
   if (done_.swapSets++ % 4 == 0) {
@@ -118,29 +138,64 @@ void StressRuntime::ChangeSwapTextures() {
   }
 }
 
-void StressRuntime::AskForPoses() {
-  for (const Device& device : Devices()) {
-    for (int times = 0; times < kAsksInARow; ++times) AskForPose(device);
+void StressRuntime::UseDevices() {
+  const std::uint32_t count = deviceCount_;
+  for (std::uint32_t index = 0; index < count; ++index) {
+    for (int times = 0; times < kAsksInARow; ++times) AskForPose(devices_[index]);
+    MakeOtherCalls(index);
+  }
+}
+
+StressRuntime::PoseCounts StressRuntime::CountsOf(const Device& device) {
+  switch (device.deviceClass) {
+    case vr::TrackedDeviceClass_HMD:
+      return {done_.headPosesSent, done_.headPosesAsked};
+    case vr::TrackedDeviceClass_Controller:
+      return {done_.controllerPosesSent, done_.controllerPosesAsked};
+    default:
+      return {done_.sensorPosesSent, done_.sensorPosesAsked};
   }
 }
 
 void StressRuntime::AskForPose(const Device& device) {
   vr::DriverPose_t pose{};
   device.driver->GetPose(&pose);
-  ++(device.isHeadset ? done_.headPosesAsked : done_.controllerPosesAsked);
-  if (!(device.isHeadset ? IsWholeHeadPose(pose) : IsWholeControllerPose(pose))) ++done_.halfPoses;
+  ++CountsOf(device).asked;
+  if (!IsWhole(device.deviceClass, pose)) ++done_.halfPoses;
+}
+
+void StressRuntime::MakeOtherCalls(std::uint32_t index) {
+  const Device& device = devices_[index];
+  char answer[8]{};
+  device.driver->EnterStandby();
+  device.driver->DebugRequest("what", answer, sizeof(answer));
+  static_cast<void>(device.driver->GetComponent(vr::ITrackedDeviceServerDriver_Version));
+  if (device.deviceClass == vr::TrackedDeviceClass_HMD) AskDisplay(*device.driver);
+  if (!device.isActivated.load(std::memory_order_relaxed)) return;
+  device.driver->Deactivate();
+  device.driver->Activate(index);
+  ++done_.reactivations;
+}
+
+void StressRuntime::AskDisplay(vr::ITrackedDeviceServerDriver& headset) {
+  auto& display = *static_cast<vr::IVRDisplayComponent*>(headset.GetComponent(vr::IVRDisplayComponent_Version));
+  std::int32_t left = 0, top = 0;
+  std::uint32_t x = 0, y = 0, width = 0, height = 0;
+  float edges[4]{};
+  vr::DistortionCoordinates_t distortion{};
+  display.GetWindowBounds(&left, &top, &width, &height);
+  static_cast<void>(display.IsDisplayOnDesktop());
+  static_cast<void>(display.IsDisplayRealDisplay());
+  display.GetRecommendedRenderTargetSize(&width, &height);
+  display.GetEyeOutputViewport(vr::Eye_Right, &x, &y, &width, &height);
+  display.GetProjectionRaw(vr::Eye_Left, &edges[0], &edges[1], &edges[2], &edges[3]);
+  display.ComputeDistortion(&distortion, vr::Eye_Left, 0.25F, 0.75F);
 }
 
 void StressRuntime::OnPose(std::uint32_t index, const vr::DriverPose_t& pose, std::uint32_t size) {
-  const bool isHeadset = index == 0;
-  ++(isHeadset ? done_.headPosesSent : done_.controllerPosesSent);
-  const bool isWhole = isHeadset ? IsWholeHeadPose(pose) : IsWholeControllerPose(pose);
-  if (!isWhole || size != sizeof(pose)) ++done_.halfPoses;
-}
-
-std::vector<StressRuntime::Device> StressRuntime::Devices() const {
-  const std::lock_guard guard(devicesMutex_);
-  return devices_;
+  const Device& device = devices_[index];
+  ++CountsOf(device).sent;
+  if (!IsWhole(device.deviceClass, pose) || size != sizeof(pose)) ++done_.halfPoses;
 }
 
 }  // namespace ombrel::test

@@ -2,10 +2,10 @@
 
 #include <openvr_driver.h>
 
+#include <array>
+#include <atomic>
 #include <cstdint>
-#include <functional>
 #include <mutex>
-#include <vector>
 
 #include "counter.h"
 #include "hmd/hmd_driver.h"
@@ -14,14 +14,15 @@
 
 namespace ombrel::test {
 
-// The runtime's process: the provider, and everything that the runtime's threads do with it. One function for each
-// thread, each of which returns when it is told to; they count what they did.
+// The runtime's process: the provider, and every call that the runtime makes into it and its devices. Each function
+// returns when it is told to; they count what they did.
 class StressRuntime {
  public:
   struct Work {
-    Counter serverTicks, activations, vibrations;
+    Counter serverTicks, activations, reactivations, vibrations;
     Counter frames, vsyncs, swapSets;
-    Counter headPosesSent, controllerPosesSent, headPosesAsked, controllerPosesAsked;
+    Counter headPosesSent, sensorPosesSent, controllerPosesSent;
+    Counter headPosesAsked, sensorPosesAsked, controllerPosesAsked;
     Counter inputs, frequencies;
     Counter halfPoses;  // ever seen by anybody
   };
@@ -31,48 +32,58 @@ class StressRuntime {
   StressRuntime(const StressRuntime&) = delete;
   StressRuntime& operator=(const StressRuntime&) = delete;
 
-  // The server thread: starts the driver, ticks it and activates the devices that it has added, and stops it. May be
-  // started again; nobody else may call in meanwhile.
+  // Start and stop the driver, which may be started again; nobody else may call in meanwhile.
   [[nodiscard]] bool Start();
-  void Tick();
   void Stop() { provider_.Cleanup(); }
 
-  // The compositor thread: one frame of the headset's kind.
+  // Any thread, and any number of them at once.
+  // Activates the devices that the driver has added, and makes the provider's calls.
+  void Tick();
+  // One frame of the headset's kind.
   void PresentFrame();
-  // Another of its threads: a swap-texture set comes and goes. Does nothing in virtual-display mode.
+  // A swap-texture set comes and goes. Does nothing in virtual-display mode.
   void ChangeSwapTextures();
-  // Any other thread: asks every device that is known for its pose, many times.
-  void AskForPoses();
+  // Asks every device that is known for its pose, many times, and makes all its other calls.
+  void UseDevices();
 
   // Any thread: whether the companion is heard, activated devices or not.
-  [[nodiscard]] bool HasControllers() const { return Devices().size() > 1; }
+  [[nodiscard]] bool HasControllers() const { return deviceCount_ > 2; }
   [[nodiscard]] const Work& Done() const { return done_; }
 
  private:
   struct Device {
-    vr::ITrackedDeviceServerDriver* driver;
-    bool isHeadset;
-    bool isActivated;
+    vr::ITrackedDeviceServerDriver* driver = nullptr;
+    vr::ETrackedDeviceClass deviceClass = vr::TrackedDeviceClass_Invalid;
+    std::atomic<bool> isActivated{false};
+  };
+  struct PoseCounts {
+    Counter& sent;
+    Counter& asked;
   };
 
   void SetHooks(std::int32_t hmdMode);
+  void AddDevice(vr::ETrackedDeviceClass deviceClass, vr::ITrackedDeviceServerDriver* driver);
   void OnPose(std::uint32_t index, const vr::DriverPose_t& pose, std::uint32_t size);
   bool NextEvent(vr::VREvent_t* event);
   void ActivateNewDevices();
   void SubmitLayers();
   void AskForPose(const Device& device);
-  [[nodiscard]] std::vector<Device> Devices() const;
+  void MakeOtherCalls(std::uint32_t index);
+  static void AskDisplay(vr::ITrackedDeviceServerDriver& headset);
+  [[nodiscard]] PoseCounts CountsOf(const Device& device);
 
   HookedRuntime host_;
   CServerDriver_Ombrel provider_;
   vr::IVRDriverDirectModeComponent* direct_ = nullptr;
   vr::IVRVirtualDisplay* virtual_ = nullptr;
-  bool isVibrationDue_ = false;  // server thread
-  float frame_ = 0.0F;           // compositor thread
+  std::atomic<bool> isVibrationDue_{false};
+  Counter submissions_;
   Work done_;
 
-  mutable std::mutex devicesMutex_;
-  std::vector<Device> devices_;  // by their indices
+  // By their indices; those below the count are whole. Read without a lock, which would put the threads in an order.
+  std::array<Device, 64> devices_;
+  std::atomic<std::uint32_t> deviceCount_{0};
+  std::mutex addingMutex_;
 };
 
 }  // namespace ombrel::test

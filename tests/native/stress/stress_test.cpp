@@ -1,4 +1,5 @@
-// Everything at once: the thread sanitizer is the judge, and every thread must have had work.
+// Everything at once, every call of every device from two threads: the thread sanitizer is the judge, and every thread
+// must have had work.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -42,9 +43,10 @@ class StressTest : public testing::TestWithParam<std::int32_t> {
   [[nodiscard]] bool HasEverybodyWorked() const {
     const StressRuntime::Work& done = runtime_.Done();
     const TripwireRenderer::Work& drawn = TripwireRenderer::Done();
-    std::vector<const Counter*> counts{&done.serverTicks,   &done.vibrations,     &done.frames,
-                                       &done.headPosesSent, &done.inputs,         &done.controllerPosesAsked,
-                                       &done.frequencies,   &done.headPosesAsked, &done.controllerPosesSent};
+    std::vector<const Counter*> counts{
+        &done.serverTicks,    &done.vibrations,          &done.frames,           &done.inputs,
+        &done.frequencies,    &done.reactivations,       &done.headPosesSent,    &done.sensorPosesSent,
+        &done.headPosesAsked, &done.controllerPosesSent, &done.sensorPosesAsked, &done.controllerPosesAsked};
     const bool isDirect = GetParam() == kDirectMode;
     if (isDirect) counts.insert(counts.end(), {&drawn.layers, &done.swapSets});
     if (!isDirect) counts.push_back(&done.vsyncs);
@@ -61,12 +63,10 @@ class StressTest : public testing::TestWithParam<std::int32_t> {
 
 TEST_P(StressTest, NoThreadSeesHalfOfWhatAnotherDoes) {
   ASSERT_TRUE(runtime_.Start());
-  Repeat([this] { runtime_.Tick(); });
-  Repeat([this] { runtime_.PresentFrame(); });
-  Repeat([this] { runtime_.ChangeSwapTextures(); });
-  Repeat([this] { runtime_.ChangeSwapTextures(); });
-  Repeat([this] { runtime_.AskForPoses(); });
-  Repeat([this] { runtime_.AskForPoses(); });
+  for (const auto call : {&StressRuntime::Tick, &StressRuntime::PresentFrame, &StressRuntime::ChangeSwapTextures,
+                          &StressRuntime::UseDevices}) {
+    for (int thread = 0; thread < 2; ++thread) Repeat([this, call] { (runtime_.*call)(); });
+  }
   std::uint32_t connections = 0;
   while (connections < kConnections || (connections < kMostConnections && !HasEverybodyWorked())) {
     ASSERT_TRUE(companion_.SendThrough(kMessagesPerConnection, true));
@@ -81,7 +81,7 @@ TEST_P(StressTest, NoThreadSeesHalfOfWhatAnotherDoes) {
   EXPECT_EQ(companion_.Done().announcements, connections);
   EXPECT_GE(companion_.Done().haptics, connections);
   EXPECT_GE(TripwireRenderer::Done().setUps, connections);
-  EXPECT_EQ(done.activations, 1 + StressCompanion::kControllers);
+  EXPECT_EQ(done.activations, 2 + StressCompanion::kControllers);
   EXPECT_TRUE(HasEverybodyWorked());
 }
 

@@ -7,7 +7,7 @@
 namespace ombrel::test {
 namespace {
 
-constexpr std::array<std::string_view, 11> kPaths{
+constexpr std::array<std::string_view, 12> kPaths{
     "",
     "/proximity",
     "/input/system/click",
@@ -19,6 +19,7 @@ constexpr std::array<std::string_view, 11> kPaths{
     "/input/trackpad/x",
     "/input/trackpad/y",
     "/input/trigger/value",
+    "/output/haptic",
 };
 
 template <typename Hook, typename... Arguments>
@@ -105,8 +106,9 @@ vr::EVRInputError HookedRuntime::UpdateScalarComponent(vr::VRInputComponentHandl
   return vr::VRInputError_None;
 }
 
-vr::EVRInputError HookedRuntime::CreateHapticComponent(vr::PropertyContainerHandle_t, const char*,
-                                                       vr::VRInputComponentHandle_t*) {
+vr::EVRInputError HookedRuntime::CreateHapticComponent(vr::PropertyContainerHandle_t container, const char* name,
+                                                       vr::VRInputComponentHandle_t* handle) {
+  *handle = HandleOf(container, name);
   return vr::VRInputError_None;
 }
 
