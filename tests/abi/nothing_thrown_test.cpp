@@ -111,7 +111,7 @@ TEST_F(ThrowingTest, DriverWorksAfterAFaultDuringAFrame) {
 }
 
 TEST_F(ThrowingTest, InitCanFollowOneThatAFaultEnded) {
-  runtime.Recorder().ThrowFrom("IVRServerDriverHost.TrackedDeviceAdded");
+  runtime.Recorder().ThrowFrom("IVRSettings.GetInt32");
   EXPECT_NE(DriverTest::Init(), vr::VRInitError_None);
   const std::size_t added = runtime.Host().Added().size();
   EXPECT_EQ(DriverTest::Init(), vr::VRInitError_None);
@@ -130,12 +130,17 @@ TEST_F(ThrowingTest, InitSurvivesTheFailureOfAnyAllocation) {
   const ModuleImport failing(module.Handle(), "malloc", reinterpret_cast<void*>(&FailingMalloc));
   int failedInits = 0;
   int allocation = 0;
+  std::size_t announced = 0;
   for (bool wasReached = true; wasReached; ++allocation) {
     allocationsBeforeFailure = allocation;
     int result = -1;
     EXPECT_NO_THROW(result = provider.Init(&runtime));
     wasReached = std::exchange(allocationsBeforeFailure, -1) < 0;
-    if (result != vr::VRInitError_None) ++failedInits;
+    if (result != vr::VRInitError_None) {
+      ++failedInits;
+      EXPECT_EQ(runtime.Host().Added().size(), announced) << "the runtime knows a headset that is gone";
+    }
+    announced = runtime.Host().Added().size();
     provider.Cleanup();
   }
   EXPECT_GT(allocation, 10);

@@ -154,12 +154,21 @@ TEST_F(VirtualDisplayTest, AFrameThatIsHeldElsewhereIsDroppedAndCountedAsPresent
 }
 
 // Nothing is copied, but the output goes to the companion as it is.
-TEST_F(VirtualDisplayTest, AFrameThatCannotBeOpenedIsHandedOverAsItIs) {
-  auto present = StartFrame({.texture = {}, .keyedMutex = {}, .handle = 0x7777});
+TEST_F(VirtualDisplayTest, AFrameThatCannotBeOpenedIsHandedOverAsItIsAndCountsAsOne) {
+  auto first = StartFrame(MakeFrame(1));
+  for (const float x : {1.0F, 2.0F}) ASSERT_TRUE(SendPose(x));
+  ASSERT_TRUE(Returns(first));
+  const auto presented = PresentCount();
+  calls.Clear();
+  Present(0x7777);
   EXPECT_THAT(calls.Of<Copied>(), IsEmpty());
-  ASSERT_TRUE(SendPose(1.0F));
-  EXPECT_TRUE(Returns(present));
-  EXPECT_GE(PresentCount(), 1u);
+  EXPECT_EQ(OutputsReleased(), 1u);
+  EXPECT_EQ(PresentCount(), presented + 1);
+  // It has answered the second pose, and no other.
+  auto next = StartFrame(MakeFrame(2));
+  EXPECT_TRUE(IsBlocked(next));
+  ASSERT_TRUE(SendPose(3.0F));
+  EXPECT_TRUE(Returns(next));
 }
 
 TEST_F(VirtualDisplayTest, NothingIsCopiedIntoAnOutputThatTheCompanionKeeps) {

@@ -1,16 +1,40 @@
 // Controllers as the provider sees them: announced when the companion first tells of one, and shaken when the runtime
 // asks for it.
+#include <windows.h>
+// windows.h must come first.
 #include <gmock/gmock.h>
 
 #include <limits>
+#include <mutex>
 #include <optional>
+#include <vector>
 
 #include "controller_fixture.h"
+#include "runtime/clock.h"
+#include "support/module_import.h"
 
 namespace ombrel::test {
 namespace {
 
 using testing::Contains;
+
+// As a pulse tells it.
+std::uint32_t CounterMicroseconds() {
+  const double seconds = bench::runtime::TicksToSeconds(bench::runtime::NowTicks());
+  return static_cast<std::uint32_t>(static_cast<std::uint64_t>(seconds * 1e6));
+}
+
+// In the place of the driver's WriteFile.
+std::mutex writesMutex;
+std::vector<DWORD> writes;  // their sizes
+
+BOOL WINAPI NotedWriteFile(HANDLE file, LPCVOID bytes, DWORD size, LPDWORD written, LPOVERLAPPED overlapped) {
+  {
+    const std::lock_guard guard(writesMutex);
+    writes.push_back(size);
+  }
+  return WriteFile(file, bytes, size, written, overlapped);
+}
 
 class ControllerTest : public ControllerFixture {
  protected:
@@ -101,7 +125,28 @@ TEST_F(ControllerTest, ShortVibrationsAreSentInMicroseconds) {
   Shake(1, 0.005F);
   const auto pulse = NextPulse();
   ASSERT_TRUE(pulse.has_value());
-  EXPECT_NEAR(pulse->durationMicroseconds, 5000, 1);
+  EXPECT_EQ(pulse->durationMicroseconds, 5000);
+}
+
+TEST_F(ControllerTest, AVibrationsTimeIsThatOfItsFrame) {
+  AddActive(7, 1);
+  const std::uint32_t before = CounterMicroseconds();
+  Shake(1, 0.001F);
+  const std::uint32_t after = CounterMicroseconds();
+  const auto pulse = NextPulse();
+  ASSERT_TRUE(pulse.has_value());
+  // The low 32 bits begin anew every 72 minutes.
+  EXPECT_LE(pulse->timestampMicroseconds - before, after - before);
+}
+
+TEST_F(ControllerTest, AVibrationIsWrittenInThreeParts) {
+  AddActive(7, 1);
+  const ModuleImport noted(module.Handle(), "WriteFile", reinterpret_cast<void*>(&NotedWriteFile));
+  writes.clear();
+  Shake(1, 0.001F);
+  ASSERT_TRUE(NextPulse().has_value());
+  const std::lock_guard guard(writesMutex);
+  EXPECT_THAT(writes, testing::ElementsAre(4, 4, 12)) << "length, type and payload";
 }
 
 TEST_F(ControllerTest, VibrationIsForTheControllerOfItsContainer) {
@@ -122,14 +167,14 @@ TEST_F(ControllerTest, VibrationIsLostWhileTheLinkIsDown) {
   ASSERT_TRUE(server.WaitForConnection(kTimeoutMs));
   Fence();
   Shake(1, 0.002F);
-  EXPECT_NEAR(NextPulse().value().durationMicroseconds, 2000, 1) << "the one before is not sent late";
+  EXPECT_EQ(NextPulse().value().durationMicroseconds, 2000) << "the one before is not sent late";
 }
 
 TEST_F(ControllerTest, VibrationForAnUnknownContainerIsDropped) {
   AddActive(7, 1);
   Shake(9, 0.001F);
   Shake(1, 0.002F);
-  EXPECT_NEAR(NextPulse().value().durationMicroseconds, 2000, 1);
+  EXPECT_EQ(NextPulse().value().durationMicroseconds, 2000);
 }
 
 // Conversions that the language leaves open are made defined: cut off, nothing for what is no number, then 16 bits.
