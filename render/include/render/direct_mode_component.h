@@ -34,9 +34,9 @@ class DirectModeComponent : public vr::IVRDriverDirectModeComponent {
   void GetNextSwapTextureSetIndex(vr::SharedTextureHandle_t sharedTextureHandles[2],
                                   std::uint32_t (*pIndices)[2]) override;
   void SubmitLayer(const SubmitLayerPerEye_t (&perEye)[2], const vr::HmdMatrix34_t* pPose) override;
-  // Waits for the sync texture and for the next output, at most a frame period (and never over a second) each. The first
-  // frame of a connection draws the layers that were submitted while there was none, of which the newest kMostLayers are
-  // kept.
+  // Waits for the sync texture and for the next output, at most a frame period (and never over a second) each, and
+  // likewise for frames that other threads present at the time. The first frame of a connection draws the layers that
+  // were submitted while there was none, of which the newest kMostLayers are kept.
   void Present(vr::SharedTextureHandle_t syncTexture) override;
   // Waits for the end of the frame period, at most a second.
   void PostPresent() override;
@@ -61,11 +61,11 @@ class DirectModeComponent : public vr::IVRDriverDirectModeComponent {
   SwapTextureList swapTextures_;
   std::atomic<std::uint32_t> nextSetId_{0};
 
-  Mutex presentMutex_;  // one frame at a time; taken before frameMutex_
   std::array<Frame, 2> frames_;
-  Frame* presented_ = frames_.data();  // under presentMutex_, empty in between
+  Mutex presentMutex_;  // one frame at a time; taken before frameMutex_
+  Frame* presented_ = frames_.data();
 
-  Mutex frameMutex_;  // held for no longer than a copy takes
+  Mutex frameMutex_;  // of what follows; held for no longer than copying takes
   Frame* submitted_ = &frames_[1];
   FramePose framePose_{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
   std::uint32_t presentIndex_ = 0;  // cycles 0, 1, 2

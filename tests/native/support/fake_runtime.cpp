@@ -75,6 +75,11 @@ void FakeServerDriverHost::TrackedDevicePoseUpdated(std::uint32_t device, const 
   if (onPose) onPose();
 }
 
+void FakeServerDriverHost::VsyncEvent(double offset) {
+  vsyncs.Add(std::to_string(offset));
+  if (onVsync) onVsync();
+}
+
 vr::DriverPose_t FakeServerDriverHost::LastPose() const {
   const std::lock_guard guard(mutex_);
   return lastPose_;

@@ -67,10 +67,7 @@ class FakeServerDriverHost final : public vr::IVRServerDriverHost {
     return true;
   }
   void TrackedDevicePoseUpdated(std::uint32_t device, const vr::DriverPose_t& pose, std::uint32_t size) override;
-  void VsyncEvent(double offset) override {
-    vsyncs.Add(std::to_string(offset));
-    if (onVsync) onVsync();
-  }
+  void VsyncEvent(double offset) override;
   void VendorSpecificEvent(std::uint32_t, vr::EVREventType, const vr::VREvent_Data_t&, double) override {}
   bool IsExiting() override { return false; }
   bool PollNextEvent(vr::VREvent_t*, std::uint32_t) override { return false; }
