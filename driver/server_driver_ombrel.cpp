@@ -145,10 +145,9 @@ void CServerDriver_Ombrel::SendHapticPulse(vr::PropertyContainerHandle_t contain
   if (controller == nullptr) return;
   OmbrelCore* link = controller->Link();
   if (link == nullptr || !link->Client().IsConnected()) return;
-  const std::int64_t now = PerformanceCounter(), frequency = link->CounterFrequency();
+  const std::int64_t now = PerformanceCounter();
   link->Client().Send(LinkMessageType::kHapticPulse,
-                      MakeHapticPulse(controller->ControllerId(), now, frequency, durationSeconds),
-                      now + kPulseLifeMs * frequency / 1000);
+                      MakeHapticPulse(controller->ControllerId(), now, link->CounterFrequency(), durationSeconds), now);
 }
 
 bool CServerDriver_Ombrel::ShouldBlockStandbyMode() {

@@ -1,6 +1,7 @@
 #include "hmd/hmd_driver.h"
 
 #include <array>
+#include <mutex>
 #include <utility>
 
 #include "context/driver_context.h"
@@ -54,7 +55,7 @@ void HMDDriver::LogConfiguration() const {
   Log("driver_ombrel: Window: %d %d %d %d\n", windowX_, windowY_, geometry_.windowWidth, geometry_.windowHeight);
   Log("driver_ombrel: Render Target: %d %d\n", geometry_.renderTargetWidth, geometry_.renderTargetHeight);
   Log("driver_ombrel: Seconds from Vsync to Photons: %f\n", static_cast<double>(secondsFromVsyncToPhotons_));
-  Log("driver_ombrel: Display Frequency: %f\n", static_cast<double>(displayFrequency_.load()));
+  Log("driver_ombrel: Display Frequency: %f\n", static_cast<double>(displayFrequency_));
   Log("driver_ombrel: IPD: %f\n", static_cast<double>(ipdMeters_));
 }
 
@@ -76,29 +77,19 @@ vr::EVRInitError HMDDriver::Activate(std::uint32_t unObjectId) {
 }
 
 void HMDDriver::WriteHeadsetProperties() {
-  float frequency = displayFrequency_;
+  const std::lock_guard lock(frequencyMutex_);
   const std::array<DeviceProperty, 10> properties{{
       {vr::Prop_IsOnDesktop_Bool, false},
       {vr::Prop_ContainsProximitySensor_Bool, true},
       {vr::Prop_UserIpdMeters_Float, ipdMeters_},
       {vr::Prop_UserHeadToEyeDepthMeters_Float, 0.0F},
-      {vr::Prop_DisplayFrequency_Float, frequency},
+      {vr::Prop_DisplayFrequency_Float, displayFrequency_},
       {vr::Prop_SecondsFromVsyncToPhotons_Float, secondsFromVsyncToPhotons_},
       {vr::Prop_DeviceClass_Int32, std::int32_t{vr::TrackedDeviceClass_HMD}},
       {vr::Prop_CurrentUniverseId_Uint64, kUniverseId},
       {vr::Prop_ModelNumber_String, modelNumber_.c_str()},
       {vr::Prop_SerialNumber_String, serialNumber_.c_str()},
   }};
-  WriteProperties(propertyContainer_, properties);
-  // The reader thread may have written a newer one meanwhile, which is to stand.
-  while (displayFrequency_ != frequency) {
-    frequency = displayFrequency_;
-    WriteDisplayFrequency(frequency);
-  }
-}
-
-void HMDDriver::WriteDisplayFrequency(float frequency) {
-  const std::array<DeviceProperty, 1> properties{{{vr::Prop_DisplayFrequency_Float, frequency}}};
   WriteProperties(propertyContainer_, properties);
 }
 
@@ -145,8 +136,12 @@ void HMDDriver::OnTrackingUpdated() {
 
 void HMDDriver::OnFramerateUpdated(std::uint32_t framesPerSecond) {
   const auto frequency = static_cast<float>(static_cast<std::int32_t>(framesPerSecond));
-  displayFrequency_ = frequency;
-  WriteDisplayFrequency(frequency);
+  {
+    const std::lock_guard lock(frequencyMutex_);
+    displayFrequency_ = frequency;
+    const std::array<DeviceProperty, 1> properties{{{vr::Prop_DisplayFrequency_Float, frequency}}};
+    WriteProperties(propertyContainer_, properties);
+  }
   Log("Updating headset fps, new value: %f \n", static_cast<double>(frequency));
 }
 

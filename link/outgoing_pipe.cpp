@@ -10,12 +10,17 @@ namespace {
 
 constexpr std::uint32_t kCancelAgainMs = 2;
 
+bool IsTooOld(std::int64_t madeAt) {
+  return PerformanceCounter() - madeAt > OutgoingPipe::kLifeMs * PerformanceFrequency() / 1000;
+}
+
 }  // namespace
 
 bool OutgoingPipe::StartWriting() {
   if (!writer_.Start([this] { WriteWaiting(); })) return false;
   const std::lock_guard lock(mutex_);
   isWriting_ = true;
+  writingSince_ = PerformanceCounter();
   return true;
 }
 
@@ -33,15 +38,15 @@ void OutgoingPipe::Close() {
   broken_ = false;
 }
 
-void OutgoingPipe::Enqueue(LinkMessageType type, std::span<const std::byte> payload, std::int64_t lateAfter) {
+void OutgoingPipe::Enqueue(LinkMessageType type, std::span<const std::byte> payload, std::int64_t madeAt) {
   {
     const std::lock_guard lock(mutex_);
-    const std::size_t room = lateAfter == kNeverLate ? waiting_.size() : kMostWaiting;
-    if (!isWriting_ || count_ >= room) return;
+    const std::size_t room = madeAt == kKept ? waiting_.size() : kMostWaiting;
+    if (!isWriting_ || madeAt < writingSince_ || count_ >= room) return;
     Message& message = waiting_[(first_ + count_) % waiting_.size()];
     message.header = {static_cast<std::uint32_t>(payload.size()), static_cast<std::uint32_t>(type)};
     std::ranges::copy(payload, message.payload.begin());
-    message.lateAfter = lateAfter;
+    message.madeAt = madeAt;
     ++count_;
   }
   writer_.Notify();
@@ -50,7 +55,8 @@ void OutgoingPipe::Enqueue(LinkMessageType type, std::span<const std::byte> payl
 void OutgoingPipe::WriteWaiting() {
   Message message;
   while (!IsBroken() && TakeNext(message)) {
-    if (PerformanceCounter() <= message.lateAfter && !Write(message)) broken_.store(true, std::memory_order_release);
+    if (message.madeAt != kKept && IsTooOld(message.madeAt)) continue;
+    if (!Write(message)) broken_.store(true, std::memory_order_release);
   }
 }
 
@@ -63,11 +69,12 @@ bool OutgoingPipe::TakeNext(Message& message) {
   return true;
 }
 
-// False when a part of the message is out and the rest could not follow. One of which nothing could be written is lost
-// without notice: a companion that closes this pipe alone keeps its connection.
+// False when the companion cannot go on with this connection: a part of the message is out and the rest could not
+// follow, or one that may not be dropped found no way into a pipe that is whole. Otherwise a message of which nothing
+// could be written is lost without notice: a companion that closes this pipe alone keeps its connection.
 bool OutgoingPipe::Write(const Message& message) {
   const LinkMessageHeader& header = message.header;
-  if (!pipe_.WriteAll(&header.length, sizeof(header.length))) return true;
+  if (!pipe_.WriteAll(&header.length, sizeof(header.length))) return message.madeAt != kKept || pipe_.IsPeerGone();
   return pipe_.WriteAll(&header.type, sizeof(header.type)) && pipe_.WriteAll(message.payload.data(), header.length);
 }
 

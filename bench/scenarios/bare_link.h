@@ -17,7 +17,7 @@ namespace bench::scenarios {
 enum class BareParts { kPipes, kTextures, kFrames };
 
 // The system calls that a connection costs a driver, on a driver's threads, with nothing of a driver around them: both
-// pipes, a thread that reads, and two shared textures for each connection; a block of memory and two mutexes for all of
+// pipes, a thread that reads and one that announces, and two shared textures for each connection; a block of memory and two mutexes for all of
 // them. What grows with it belongs to the system or to the stand-ins. One thread.
 class BareLink {
  public:
@@ -39,6 +39,7 @@ class BareLink {
   void Announce();
   void Write(const void* bytes, std::size_t size);
   static DWORD WINAPI Read(void* self);
+  static DWORD WINAPI AnnounceWhenTold(void* self);
 
   const BareParts parts_;
   BareOutputs outputs_;
@@ -46,12 +47,12 @@ class BareLink {
   void* block_;
   OwnedHandle firstMutex_, secondMutex_;
   OwnedHandle stop_;
+  OwnedHandle isToAnnounce_, isOver_;  // the writer's
 
   std::mutex mutex_;  // the outputs, and whether there are frames
   bool isStreaming_ = false;
-  bool isAnnounced_ = false;
 
-  OwnedHandle toCompanion_, fromCompanion_, reader_;
+  OwnedHandle toCompanion_, fromCompanion_, reader_, writer_;
   std::atomic<std::size_t> bytesRead_ = 0;
   std::thread connector_;
 };

@@ -31,6 +31,8 @@ BareLink::BareLink(BareParts parts)
       firstMutex_(CreateMutexA(nullptr, FALSE, (kName + "0").c_str())),
       secondMutex_(CreateMutexA(nullptr, FALSE, (kName + "1").c_str())),
       stop_(CreateEventA(nullptr, TRUE, FALSE, nullptr)),
+      isToAnnounce_(CreateEventA(nullptr, TRUE, FALSE, nullptr)),
+      isOver_(CreateEventA(nullptr, TRUE, FALSE, nullptr)),
       connector_([this] { Connect(); }) {}
 
 BareLink::~BareLink() {
@@ -59,8 +61,10 @@ bool BareLink::OpenPipes() {
 void BareLink::SetUp() {
   bytesRead_ = 0;
   reader_ = OwnedHandle(CreateThread(nullptr, 0, Read, this, 0, nullptr));
+  ResetEvent(isToAnnounce_.Get());
+  ResetEvent(isOver_.Get());
+  writer_ = OwnedHandle(CreateThread(nullptr, 0, AnnounceWhenTold, this, 0, nullptr));
   const std::lock_guard lock(mutex_);
-  isAnnounced_ = false;
   isStreaming_ = parts_ == BareParts::kPipes || outputs_.Make();
 }
 
@@ -69,6 +73,11 @@ void BareLink::EndConnection() {
     const std::lock_guard lock(mutex_);
     isStreaming_ = false;
   }
+  SetEvent(isOver_.Get());
+  do {
+    CancelIoEx(toCompanion_.Get(), nullptr);
+  } while (WaitForSingleObject(writer_.Get(), 2) != WAIT_OBJECT_0);
+  writer_.Reset();
   toCompanion_.Reset();
   // A cancel between two reads cancels nothing.
   do {
@@ -102,13 +111,20 @@ void BareLink::Announce() {
   Write(message.data(), 4);
   Write(message.data() + 4, 4);
   Write(message.data() + kHeaderBytes, message.size() - kHeaderBytes);
-  isAnnounced_ = true;
+}
+
+DWORD WINAPI BareLink::AnnounceWhenTold(void* self) {
+  auto& link = *static_cast<BareLink*>(self);
+  const std::array events{link.isOver_.Get(), link.isToAnnounce_.Get()};
+  const DWORD told = WaitForMultipleObjects(static_cast<DWORD>(events.size()), events.data(), FALSE, INFINITE);
+  if (told == WAIT_OBJECT_0 + 1) link.Announce();
+  return 0;
 }
 
 void BareLink::Present(float number) {
   const std::lock_guard lock(mutex_);
   if (!isStreaming_ || parts_ == BareParts::kPipes) return;
-  if (!isAnnounced_) Announce();
+  SetEvent(isToAnnounce_.Get());
   if (parts_ == BareParts::kTextures) return;
   std::memcpy(static_cast<std::byte*>(block_) + kSlotBytes * outputs_.Held() + kTranslationX * sizeof(number), &number,
               sizeof(number));

@@ -6,9 +6,6 @@
 
 namespace ombrel {
 
-// A pulse that the companion has not begun to take so long after RunFrame saw the vibration is dropped.
-inline constexpr std::int64_t kPulseLifeMs = 250;
-
 // What the companion is told of a vibration that began at `counter` (of the performance counter, `frequency` counts per
 // second). Durations of 65.536 ms or more wrap; those that no int32 holds in microseconds, and those that are not a
 // number, count as 0.

@@ -13,6 +13,7 @@
 #include "link/ombrel_core.h"
 #include "platform/runtime_abi.h"
 #include "platform/seqlock.h"
+#include "platform/sync.h"
 
 namespace ombrel {
 
@@ -64,7 +65,6 @@ class HMDDriver : public vr::ITrackedDeviceServerDriver,
   void ApplySettings();
   void LogConfiguration() const;
   void WriteHeadsetProperties();
-  void WriteDisplayFrequency(float frequency);
   void CreateProximityInput();
   void PublishPose();
   [[nodiscard]] bool IsActivated() const { return deviceIndex_ != vr::k_unTrackedDeviceIndexInvalid; }
@@ -76,7 +76,8 @@ class HMDDriver : public vr::ITrackedDeviceServerDriver,
   const std::int32_t windowY_ = -1;
   DisplayGeometry geometry_;
   const float secondsFromVsyncToPhotons_ = 0.005F;
-  std::atomic<float> displayFrequency_{60.0F};
+  Mutex frequencyMutex_;  // held while the frequency is changed and written as a property, so that the last one stands
+  float displayFrequency_ = 60.0F;
   const float ipdMeters_ = 0.065F;
   SeqLock<vr::DriverPose_t> pose_;
   RotationOffsets rotationOffsets_;

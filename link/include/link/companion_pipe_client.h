@@ -45,8 +45,8 @@ class CompanionPipeClient {
   [[nodiscard]] bool TakeNewConnection() { return newConnection_.exchange(false, std::memory_order_acq_rel); }
   // Never waits; see OutgoingPipe for what is lost.
   template <typename Record>
-  void Send(LinkMessageType type, const Record& record, std::int64_t lateAfter = OutgoingPipe::kNeverLate) {
-    if (IsConnected()) writePipe_.Send(type, record, lateAfter);
+  void Send(LinkMessageType type, const Record& record, std::int64_t madeAt = OutgoingPipe::kKept) {
+    if (IsConnected()) writePipe_.Send(type, record, madeAt);
   }
   [[nodiscard]] LinkPoseRecord PublishedPose() const { return publishedPose_.Load(); }
   [[nodiscard]] bool HasTrackingData() const { return hasTrackingData_.load(std::memory_order_acquire); }

@@ -18,9 +18,12 @@ namespace ombrel {
 // whole and in order, however long the companion takes to read. Nobody else waits for it, and sending allocates nothing.
 class OutgoingPipe {
  public:
-  // So many messages that may be late wait at most; behind them is room for one that may not.
+  // At most this many messages that may be dropped wait; one more place is kept for one that may not.
   static constexpr std::size_t kMostWaiting = 32;
-  static constexpr std::int64_t kNeverLate = std::numeric_limits<std::int64_t>::max();
+  // A message that may be dropped is, unless its writing begins so soon after it was made.
+  static constexpr std::int64_t kLifeMs = 250;
+  // In place of that time: not to be dropped.
+  static constexpr std::int64_t kKept = std::numeric_limits<std::int64_t>::max();
 
   // Connect thread only.
   bool Open() { return pipe_.Open(kPipeToCompanion, PipeClient::Direction::kWrite); }
@@ -33,12 +36,13 @@ class OutgoingPipe {
   // Cancels what is being written, waits for the writing thread, and forgets what still waits.
   void Close();
 
-  // Any thread. A message is lost outside of a connection and when its queue is full, and also when its turn comes after
-  // `lateAfter` (performance counter). One that is never late finds room once in each connection, come what may.
+  // Any thread. Outside a connection every message is lost. One that was made at `madeAt` (performance counter) may be
+  // dropped: when the queue is full, when its turn comes too late, or when it is older than the connection. One that is
+  // to be kept has its place once in each connection.
   template <typename Record>
-  void Send(LinkMessageType type, const Record& record, std::int64_t lateAfter = kNeverLate) {
+  void Send(LinkMessageType type, const Record& record, std::int64_t madeAt = kKept) {
     static_assert(sizeof(Record) <= kLongestPayload);
-    Enqueue(type, RecordBytes(record), lateAfter);
+    Enqueue(type, RecordBytes(record), madeAt);
   }
 
  private:
@@ -46,10 +50,10 @@ class OutgoingPipe {
   struct Message {
     LinkMessageHeader header{};
     std::array<std::byte, kLongestPayload> payload{};
-    std::int64_t lateAfter = kNeverLate;
+    std::int64_t madeAt = kKept;
   };
 
-  void Enqueue(LinkMessageType type, std::span<const std::byte> payload, std::int64_t lateAfter);
+  void Enqueue(LinkMessageType type, std::span<const std::byte> payload, std::int64_t madeAt);
   // The writing thread.
   void WriteWaiting();
   [[nodiscard]] bool TakeNext(Message& message);
@@ -63,6 +67,7 @@ class OutgoingPipe {
   std::size_t first_ = 0;
   std::size_t count_ = 0;
   bool isWriting_ = false;
+  std::int64_t writingSince_ = 0;  // performance counter
 
   Worker writer_;
 };

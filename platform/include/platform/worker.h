@@ -9,8 +9,8 @@
 
 namespace ombrel {
 
-// A thread that does the same piece of work whenever it is told to. Whoever tells it does not wait, and several calls
-// while it is busy make it work once more. Start and stop it from one thread at a time.
+// A thread that does the same piece of work whenever it is told to. Notify does not wait; several calls while it is busy
+// cause one more run. Start and stop it from one thread at a time.
 class Worker {
  public:
   // False when the system has no thread to give. `work` must not throw.

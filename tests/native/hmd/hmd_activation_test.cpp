@@ -120,39 +120,25 @@ TEST_F(HeadsetActivationTest, TakesANewFrameRateBeforeActivationToo) {
   EXPECT_EQ(runtime_.properties.lines.From(5)[0], "1003: 2002 1 4 90.000000");
 }
 
-// The link's thread writes the new rate between the moment that the headset reads the old one and that it writes it.
-TEST_F(HeadsetActivationTest, ARateThatComesInTheMiddleOfActivationIsTheOneThatStands) {
-  runtime_.properties.onLine = [this](const std::string& line) {
-    if (line != "1003: 1025 4 1 true") return;
-    Background link([this] { headset_->OnFramerateUpdated(72); });
-    EXPECT_TRUE(link.Finishes());
+// Whatever the link's thread does meanwhile: the last rate is the one that stands.
+TEST_F(HeadsetActivationTest, FrameRatesThatComeInTheMiddleOfActivationAreWrittenBehindIt) {
+  std::unique_ptr<Background> link;
+  runtime_.properties.onLine = [&](const std::string& line) {
+    // Ahead of the rate that Activate has read.
+    if (line != "1003: 2002 1 4 60.000000") return;
+    link = std::make_unique<Background>([this] {
+      headset_->OnFramerateUpdated(72);
+      headset_->OnFramerateUpdated(90);
+    });
+    EXPECT_TRUE(link->StaysBlocked());
   };
   headset_->Activate(3);
+  ASSERT_TRUE(link && link->Finishes());
   Lines rates;
   for (const std::string& line : runtime_.properties.lines.All()) {
     if (line.find(": 2002 ") != std::string::npos) rates.push_back(line);
   }
-  EXPECT_EQ(rates, (Lines{"1003: 2002 1 4 72.000000", "1003: 2002 1 4 60.000000", "1003: 2002 1 4 72.000000"}));
-}
-
-TEST_F(HeadsetTest, LeavesTheLastOfSeveralFrameRatesThatComeWhileItIsActivated) {
-  Make();
-  std::vector<std::uint32_t> coming{72, 90};
-  const auto activating = std::this_thread::get_id();
-  std::string last;
-  runtime_.properties.onLine = [&](const std::string& line) {
-    if (line.find(": 2002 ") == std::string::npos) return;
-    if (std::this_thread::get_id() == activating && !coming.empty()) {
-      // Ahead of what Activate is about to write.
-      Background link([&, rate = coming.front()] { headset_->OnFramerateUpdated(rate); });
-      coming.erase(coming.begin());
-      EXPECT_TRUE(link.Finishes());
-    }
-    last = line;
-  };
-  headset_->Activate(3);
-  EXPECT_TRUE(coming.empty());
-  EXPECT_EQ(last, "1003: 2002 1 4 90.000000");
+  EXPECT_EQ(rates, (Lines{"1003: 2002 1 4 60.000000", "1003: 2002 1 4 72.000000", "1003: 2002 1 4 90.000000"}));
 }
 
 TEST_F(HeadsetActivationTest, TakesTheFrameRateAsSigned) {

@@ -136,6 +136,17 @@ TEST_F(HeadsetLinkTest, PassesAFrameRateOn) {
   EXPECT_EQ(runtime_.properties.lines.All().back(), "1003: 2002 1 4 72.000000");
 }
 
+TEST_F(HeadsetLinkTest, TellsTheCoreOfAFrameRateBeforeTheRuntime) {
+  ASSERT_TRUE(MakeConnected());
+  std::uint32_t cores = 0;
+  runtime_.properties.onLine = [&](const std::string& line) {
+    if (line == "1003: 2002 1 4 72.000000") cores = headset_->Core().FramesPerSecond();
+  };
+  ASSERT_TRUE(companion_.Send(9, Bytes().U32(72)));
+  ASSERT_TRUE(runtime_.log.lines.WaitForLine("Updating headset fps, new value: 72.000000 \n"));
+  EXPECT_EQ(cores, 72U);
+}
+
 TEST_F(HeadsetLinkTest, LogsNothingOfTheLinkItself) {
   Make();
   StartLink();

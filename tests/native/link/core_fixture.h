@@ -9,6 +9,7 @@
 
 #include "link/ombrel_core.h"
 #include "recording_listener.h"
+#include "support/an_hour_ahead.h"
 #include "support/background.h"
 #include "support/fake_companion.h"
 #include "support/fake_renderer.h"
@@ -63,6 +64,12 @@ class OmbrelCoreTest : public testing::Test {
     return companion_.Connect() && making.WaitForVisitor();
   }
   [[nodiscard]] bool Receive() { return companion_.Receive().has_value(); }
+  // Whether nothing else has been sent: what is sent now comes next.
+  [[nodiscard]] bool HasReceivedAll() {
+    core_->Client().Send(LinkMessageType::kHapticPulse, HapticPulse{}, AnHourAhead());
+    const auto next = companion_.Receive();
+    return next && next->type == 11;
+  }
   [[nodiscard]] bool SetFrameRate(std::uint32_t rate) {
     return companion_.Send(9, Bytes().U32(rate)) && listener_.journal.WaitForLine("framerate " + std::to_string(rate));
   }

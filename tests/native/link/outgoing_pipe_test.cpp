@@ -4,9 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
+#include <thread>
 #include <vector>
 
 #include "platform/clock.h"
+#include "support/an_hour_ahead.h"
 #include "support/background.h"
 #include "support/bytes.h"
 #include "support/fake_companion.h"
@@ -17,9 +20,6 @@ namespace {
 class OutgoingPipeTest : public testing::Test {
  protected:
   static constexpr std::uint32_t kMorePulsesThanAnythingHolds = 5000;
-  // As good as never too late, but of those that may be dropped.
-  static constexpr std::int64_t kAnyDay = OutgoingPipe::kNeverLate - 1;
-
   ~OutgoingPipeTest() override { pipe_.Close(); }
 
   [[nodiscard]] bool Open() {
@@ -27,8 +27,9 @@ class OutgoingPipeTest : public testing::Test {
     return pipe_.Open() && companion_.in.Accept();
   }
   [[nodiscard]] bool OpenAndWrite() { return Open() && pipe_.StartWriting(); }
-  void SendPulse(std::uint32_t number, std::int64_t lateAfter = kAnyDay) {
-    pipe_.Send(LinkMessageType::kHapticPulse, HapticPulse{number, 0, 0, 0}, lateAfter);
+  void SendPulse(std::uint32_t number) { SendPulse(number, AnHourAhead()); }
+  void SendPulse(std::uint32_t number, std::int64_t madeAt) {
+    pipe_.Send(LinkMessageType::kHapticPulse, HapticPulse{number, 0, 0, 0}, madeAt);
   }
   void SendAnnouncement() { pipe_.Send(LinkMessageType::kFrameSharingInfo, FrameSharingInfo{}); }
   void SendUntilStuck() {
@@ -70,19 +71,27 @@ TEST_F(OutgoingPipeTest, LosesWhatIsSentAfterItsEnd) {
   EXPECT_TRUE(IsInStep());
 }
 
+TEST_F(OutgoingPipeTest, DropsAPulseThatIsOlderThanItsConnection) {
+  const std::int64_t before = PerformanceCounter();
+  ASSERT_TRUE(OpenAndWrite());
+  SendPulse(1, before);
+  EXPECT_TRUE(IsInStep());
+}
+
 TEST_F(OutgoingPipeTest, DropsAPulseWhoseTurnComesTooLate) {
   ASSERT_TRUE(OpenAndWrite());
-  SendPulse(1, PerformanceCounter() - 1);
+  const std::int64_t made = PerformanceCounter();
+  std::this_thread::sleep_for(std::chrono::milliseconds(OutgoingPipe::kLifeMs + 50));
+  SendPulse(1, made);
   EXPECT_TRUE(IsInStep());
 }
 
 TEST_F(OutgoingPipeTest, DropsThePulsesThatFindTheQueueFull) {
   ASSERT_TRUE(OpenAndWrite());
   SendUntilStuck();
+  SendAnnouncement();
   std::vector<std::uint32_t> received;
-  while (companion_.in.HasData(200)) {
-    const auto message = companion_.Receive();
-    ASSERT_TRUE(message.has_value());
+  for (auto message = companion_.Receive(); message && message->type == 11; message = companion_.Receive()) {
     received.push_back(ReadRecord<std::uint32_t>(message->payload));
   }
   EXPECT_GE(received.size(), OutgoingPipe::kMostWaiting);

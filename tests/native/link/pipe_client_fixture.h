@@ -6,6 +6,7 @@
 
 #include "link/companion_pipe_client.h"
 #include "recording_listener.h"
+#include "support/an_hour_ahead.h"
 #include "support/background.h"
 #include "support/bytes.h"
 #include "support/fake_companion.h"
@@ -15,9 +16,6 @@ namespace ombrel::test {
 // A link that is not started yet, with one listener to everything, and a companion that offers nothing yet.
 class PipeClientTest : public testing::Test {
  protected:
-  // As good as never too late, but of those that may be dropped.
-  static constexpr std::int64_t kAnyDay = OutgoingPipe::kNeverLate - 1;
-
   PipeClientTest() { listener_.ListenToAll(); }
   ~PipeClientTest() override { client_.Stop(); }
 
@@ -32,7 +30,7 @@ class PipeClientTest : public testing::Test {
   // More pulses than the companion's pipe and the queue before it hold.
   void SendUntilStuck() {
     for (std::uint32_t i = 0; i < 5000; ++i)
-      client_.Send(LinkMessageType::kHapticPulse, HapticPulse{i, 0, 0, 0}, kAnyDay);
+      client_.Send(LinkMessageType::kHapticPulse, HapticPulse{i, 0, 0, 0}, AnHourAhead());
   }
   // A good message behind others: once it is heard, they have been dealt with.
   [[nodiscard]] bool SendMark() { return companion_.Send(9, Bytes().U32(++mark_)) && WaitFor(Mark()); }

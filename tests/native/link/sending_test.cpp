@@ -12,7 +12,7 @@ class SendingTest : public PipeClientTest {
  protected:
   static HapticPulse Pulse(std::uint32_t sender, std::uint32_t number) { return {sender, number, 0, 0}; }
   void SendPulse(std::uint32_t sender, std::uint32_t number) {
-    client_.Send(LinkMessageType::kHapticPulse, Pulse(sender, number), kAnyDay);
+    client_.Send(LinkMessageType::kHapticPulse, Pulse(sender, number), AnHourAhead());
   }
 };
 
@@ -33,17 +33,15 @@ TEST_F(SendingTest, MessagesOfSeveralThreadsComeWholeAndInOrder) {
   };
   Background first([&] { send(0); }), second([&] { send(1); });
   std::array<std::uint32_t, 2> last{};
-  for (int i = 0; i < 2000; ++i) {
+  // Until both have been heard for a while: the processor may be one sender's for long.
+  for (int i = 0; !HasFailure() && (i < 2000 || last[0] == 0 || last[1] == 0); ++i) {
     const auto message = companion_.Receive();
-    ASSERT_TRUE(message.has_value() && message->type == 11 && message->payload.size() == sizeof(HapticPulse));
+    EXPECT_TRUE(message && message->type == 11 && message->payload.size() == sizeof(HapticPulse)) << "message " << i;
+    if (HasFailure()) break;
     const auto pulse = ReadRecord<HapticPulse>(message->payload);
-    ASSERT_LT(pulse.controllerId, last.size());
-    ASSERT_GT(pulse.timestampMicroseconds, std::exchange(last[pulse.controllerId], pulse.timestampMicroseconds));
+    EXPECT_GT(pulse.timestampMicroseconds, std::exchange(last.at(pulse.controllerId), pulse.timestampMicroseconds));
   }
   done = true;
-  EXPECT_TRUE(first.Finishes() && second.Finishes());
-  EXPECT_GT(last[0], 0U);
-  EXPECT_GT(last[1], 0U);
 }
 
 // Nobody reads while messages are sent, and nothing but reading lets them go on.

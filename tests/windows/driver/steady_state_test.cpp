@@ -120,14 +120,16 @@ TEST_F(SteadyStateTest, ControllerRecordsAllocateNothing) {
 }
 
 TEST_F(SteadyStateTest, HapticPulsesAllocateNothing) {
+  int pulses = 0;
   SendRecords();
   ASSERT_EQ(runtime.Host().Added().at(1).driver->Activate(1), vr::VRInitError_None);
   EXPECT_EQ(AllocationsOf([this] {
               runtime.Host().PushHaptic(bench::FakeProperties::ContainerOf(1), 1, 0.01F, 100, 1);
               Provider().RunFrame();
-              EXPECT_TRUE(server.Next(kTimeoutMs).has_value());
+              pulses += server.Next(2000).has_value() ? 1 : 0;
             }),
             0);
+  EXPECT_GT(pulses, 0);
 }
 
 TEST_F(SteadyStateTest, FramesAllocateNothing) {
