@@ -1,18 +1,10 @@
 #include "frame_renderer_d3d11.h"
 
+#include <mutex>
+
 #include "render/format_rule.h"
 
 namespace ombrel {
-namespace {
-
-// Null for a texture that nobody registered.
-template <typename TextureMap>
-ID3D11ShaderResourceView* FindView(const TextureMap& views, std::uint64_t handle) {
-  const auto found = views.find(handle);
-  return found != views.end() ? found->second.Get() : nullptr;
-}
-
-}  // namespace
 
 std::unique_ptr<IHeadsetRenderer> MakeHeadsetRenderer() { return std::make_unique<FrameRenderer>(); }
 
@@ -51,11 +43,10 @@ void FrameRenderer::BeginLayers() {
 
 void FrameRenderer::ComposeLayer(std::int32_t outputIndex, const LayerRecord& layer) {
   if (!device_.context) return;
-  textureViews_.Look([&](const TextureMap& views) {
-    pipeline_.Draw(*device_.context.Get(), outputs_.View(outputIndex),
-                   {FindView(views, layer.leftTexture), FindView(views, layer.rightTexture)}, *layer.bounds,
-                   output_.invertY);
-  });
+  // Kept for as long as they are drawn from, so that nobody who takes them away has to wait.
+  const View left = FindView(layer.leftTexture), right = FindView(layer.rightTexture);
+  pipeline_.Draw(*device_.context.Get(), outputs_.View(outputIndex), {left.Get(), right.Get()}, *layer.bounds,
+                 output_.invertY);
 }
 
 void FrameRenderer::ClearOutput(std::int32_t index) {
@@ -110,13 +101,23 @@ void FrameRenderer::RegisterTexture(std::uint64_t handle) {
   viewDesc.Format = static_cast<DXGI_FORMAT>(ViewFormat(static_cast<std::uint32_t>(desc.Format)));
   viewDesc.ViewDimension = D3D11_SRV_DIMENSION_TEXTURE2D;
   viewDesc.Texture2D.MipLevels = 1;
-  ComPtr<ID3D11ShaderResourceView> view;
+  View view;
   if (FAILED(device_.device->CreateShaderResourceView(texture.Get(), &viewDesc, view.GetAddressOf()))) return;
-  textureViews_.Update([&](TextureMap& views) { views.try_emplace(handle, view); });
+  const std::lock_guard lock(viewsMutex_);
+  textureViews_.try_emplace(handle, view);
 }
 
 void FrameRenderer::UnregisterTexture(std::uint64_t handle) {
-  textureViews_.Update([=](TextureMap& views) { views.erase(handle); });
+  decltype(textureViews_)::node_type removed;  // its view goes when the lock has gone
+  const std::lock_guard lock(viewsMutex_);
+  removed = textureViews_.extract(handle);
+}
+
+// Null for a texture that nobody registered.
+FrameRenderer::View FrameRenderer::FindView(std::uint64_t handle) const {
+  const std::lock_guard lock(viewsMutex_);
+  const auto found = textureViews_.find(handle);
+  return found != textureViews_.end() ? found->second : nullptr;
 }
 
 }  // namespace ombrel

@@ -7,7 +7,7 @@
 #include "device_d3d11.h"
 #include "layer_pipeline_d3d11.h"
 #include "output_pair_d3d11.h"
-#include "platform/copy_on_write.h"
+#include "platform/sync.h"
 #include "render/headset_renderer.h"
 #include "runtime_texture_d3d11.h"
 
@@ -40,12 +40,17 @@ class FrameRenderer final : public IHeadsetRenderer {
   void UnregisterTexture(std::uint64_t handle) override;
 
  private:
-  using TextureMap = std::unordered_map<std::uint64_t, ComPtr<ID3D11ShaderResourceView>>;
+  using View = ComPtr<ID3D11ShaderResourceView>;
+
+  [[nodiscard]] View FindView(std::uint64_t handle) const;
+
+  // Swap textures come and go on the runtime's threads while frames are drawn: held for a look-up or a change alone.
+  mutable Mutex viewsMutex_;
+  std::unordered_map<std::uint64_t, View> textureViews_;
 
   RenderDevice device_;
   LayerPipeline pipeline_;
   OutputPair outputs_;
-  CopyOnWrite<TextureMap> textureViews_;
   RuntimeTextureHold syncHold_;
   OutputConfiguration output_{};
   std::atomic<bool> ready_{false};

@@ -2,20 +2,19 @@
 
 #include <algorithm>
 #include <iterator>
+#include <mutex>
 
 namespace ombrel {
 
 void SwapTextureList::Add(const SwapTexture& texture, std::uint32_t processId, std::uint32_t setId) {
-  records_.Update([&](std::vector<Record>& records) {
-    records.push_back({texture.handle, texture.texture, processId, setId});
-  });
+  const std::lock_guard lock(mutex_);
+  records_.push_back({texture.handle, texture.texture, processId, setId});
 }
 
 std::uint32_t SwapTextureList::FindSet(std::uint64_t handle) const {
-  return records_.Look([=](const std::vector<Record>& records) {
-    const auto found = std::ranges::find(records, handle, &Record::handle);
-    return found != records.end() ? found->setId : kNoSet;
-  });
+  const std::lock_guard lock(mutex_);
+  const auto found = std::ranges::find(records_, handle, &Record::handle);
+  return found != records_.end() ? found->setId : kNoSet;
 }
 
 void SwapTextureList::RemoveSet(std::uint32_t setId, const OnRemoved& onRemoved) {
@@ -28,11 +27,12 @@ void SwapTextureList::RemoveProcess(std::uint32_t processId, const OnRemoved& on
 
 void SwapTextureList::RemoveIf(const std::function<bool(const Record&)>& matches, const OnRemoved& onRemoved) {
   std::vector<Record> removed;
-  records_.Update([&](std::vector<Record>& records) {
-    removed.clear();
-    std::ranges::copy_if(records, std::back_inserter(removed), matches);
-    std::erase_if(records, matches);
-  });
+  {
+    const std::lock_guard lock(mutex_);
+    std::ranges::copy_if(records_, std::back_inserter(removed), matches);
+    std::erase_if(records_, matches);
+  }
+  // Without the lock: letting a texture go is Direct3D's work.
   for (auto record = removed.rbegin(); record != removed.rend(); ++record) {
     record->texture.reset();
     onRemoved(record->handle);

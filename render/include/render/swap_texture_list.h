@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/copy_on_write.h"
+#include "platform/sync.h"
 #include "render/headset_renderer.h"
 
 namespace ombrel {
@@ -34,7 +34,8 @@ class SwapTextureList {
   };
   void RemoveIf(const std::function<bool(const Record&)>& matches, const OnRemoved& onRemoved);
 
-  CopyOnWrite<std::vector<Record>> records_;
+  mutable Mutex mutex_;
+  std::vector<Record> records_;  // guarded by mutex_
 };
 
 }  // namespace ombrel

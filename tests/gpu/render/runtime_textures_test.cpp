@@ -1,3 +1,5 @@
+#include <chrono>
+#include <future>
 #include <utility>
 
 #include "renderer_fixture.h"
@@ -138,6 +140,32 @@ TEST_F(RuntimeTexturesTest, GetNoViewsWhileDrawing) {
   for (int frame = 0; frame < 3; ++frame) Compose(handle, handle, kWhole, frame % 2);
   EXPECT_THAT(calls.Of<SourceViewMade>(), SizeIs(0));
   EXPECT_THAT(calls.Of<TargetViewMade>(), SizeIs(0));
+}
+
+TEST_F(RuntimeTexturesTest, ComeAndGoWhileAFrameIsBeingDrawn) {
+  const auto drawnFrom = MakeEyeTexture();
+  const SwapTexture newcomer = renderer->CreateSwapTexture({64, 48, kRgba, 1});
+  const auto live = LiveViews();
+  std::promise<void> drawing, goOn;
+  calls.onDraw = [&, isFirst = true]() mutable {
+    if (!std::exchange(isFirst, false)) return;
+    drawing.set_value();
+    goOn.get_future().wait();
+  };
+  auto frame = std::async(std::launch::async, [&] { Compose(drawnFrom, drawnFrom); });
+  drawing.get_future().wait();
+  auto changes = std::async(std::launch::async, [&] {
+    renderer->RegisterTexture(newcomer.handle);
+    renderer->UnregisterTexture(drawnFrom);
+  });
+  EXPECT_EQ(changes.wait_for(std::chrono::seconds(5)), std::future_status::ready) << "they wait for the frame";
+  EXPECT_EQ(LiveViews(), live + 1) << "the frame has lost its view";
+  goOn.set_value();
+  frame.get();
+  changes.get();
+  for (const Drawn& drawn : calls.Of<Drawn>()) EXPECT_NE(drawn.view, nullptr);
+  EXPECT_NE(ViewsDrawn(newcomer.handle, newcomer.handle)[0], nullptr);
+  EXPECT_EQ(LiveViews(), live) << "the view outlives its last frame";
 }
 
 TEST_F(RuntimeTexturesTest, OutliveTheOutputBeingMadeAnew) {

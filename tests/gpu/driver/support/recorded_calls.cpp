@@ -142,7 +142,10 @@ void RecordedCalls::OnPSSetShaderResources(UINT slot, std::span<ID3D11ShaderReso
   Add(ViewsBound{slot, {views.begin(), views.end()}});
 }
 
-void RecordedCalls::OnDraw(UINT vertices, UINT first) { Add(DescribeDraw(vertices, first)); }
+void RecordedCalls::OnDraw(UINT vertices, UINT first) {
+  Add(DescribeDraw(vertices, first));
+  if (onDraw) onDraw();
+}
 
 Drawn RecordedCalls::DescribeDraw(UINT vertices, UINT first) {
   Drawn drawn{};

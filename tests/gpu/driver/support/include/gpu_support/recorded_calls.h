@@ -38,6 +38,8 @@ class RecordedCalls : public bench::DeviceObserver {
 
   // Called as soon as a keyed mutex is given away, before its owner goes on. Set while no frame is under way.
   std::function<void(std::uint32_t handle)> onRelease;
+  // Called ahead of each draw, which goes on when it returns. Set while no frame is under way.
+  std::function<void()> onDraw;
 
   template <class Call>
   [[nodiscard]] std::vector<Call> Of() const {
