@@ -1,4 +1,5 @@
 // How frames pass through the link core, on the runtime's threads.
+#include <cstddef>
 #include <mutex>
 
 #include "link/frame_pacing.h"
@@ -37,6 +38,7 @@ void OmbrelCore::HandOffTexture(std::uint64_t texture) {
   ++submittedFrames_;
   renderer_->ReleaseOutput(currentTexture_);
   AcquireNextTexture();
+  ClearIfUndefined();
   stateChanged_.Wait(lock, [this] { return !streamingActive_.IsOpen() || submittedFrames_ < trackingUpdates_; });
 }
 
@@ -60,6 +62,14 @@ void OmbrelCore::WaitForNextFrame() {
   const SubmissionGate::Pass pass(pacing_);
   if (!pass) return;
   const std::int64_t begin = PerformanceCounter();
+// A new texture may hold what was in the memory before, and a frame may bring nothing to copy.
+void OmbrelCore::ClearIfUndefined() {
+  bool& isUndefined = isUndefined_[static_cast<std::size_t>(currentTexture_)];
+  if (!lastAcquireSucceeded_ || !isUndefined) return;
+  isUndefined = false;
+  renderer_->ClearOutput(currentTexture_);
+}
+
   const double remaining = RemainingMs(framePeriodMs_, begin - lastPacingEnd_, counterFrequency_);
   const std::uint32_t sleepMs = SleepPartMs(remaining);
   const bool released = sleepMs > 0 && linkDropped_.WaitFor(seen, sleepMs);

@@ -84,8 +84,10 @@ void OmbrelCore::SetUpConnection() {
 // Waits for the hand-offs under way, so that none of them ever meets the next connection. setUpMutex_ is held.
 void OmbrelCore::EndStreaming() {
   setUpPending_ = false;
+  isUndefined_.fill(true);
   {
     const std::lock_guard lock(stateMutex_);
+  ClearIfUndefined();
     streamingActive_.Close();
     stateChanged_.NotifyAll();
   }

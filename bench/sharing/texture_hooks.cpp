@@ -7,8 +7,10 @@
 #include "vtable_patch.h"
 
 #include <array>
+#include <cstddef>
 #include <cstring>
 #include <optional>
+#include <span>
 #include <utility>
 
 namespace bench {
@@ -86,6 +88,13 @@ void FillSurface(SharedSurface& surface, const D3D11_SUBRESOURCE_DATA& data) {
   surface.Version() = 1;
 }
 
+void FillWithPattern(SharedSurface& surface) {
+  constexpr std::array kTexels{std::byte{0x5A}, std::byte{0xC3}, std::byte{0x96}, std::byte{0x3C}};
+  const std::span<std::byte> pixels = surface.Pixels();
+  for (std::size_t i = 0; i < pixels.size(); ++i) pixels[i] = kTexels[i % kTexels.size()];
+  surface.Version() = 1;
+}
+
 D3D11_TEXTURE2D_DESC DescriptionOf(const SurfaceFormat& format) {
   return {.Width = format.width,
           .Height = format.height,
@@ -106,12 +115,18 @@ HRESULT CreateSharedTexture(const std::shared_ptr<DeviceState>& state, ID3D11Dev
                             ID3D11Texture2D** texture) {
   if (!CanShare(description)) return E_INVALIDARG;
   if (texture == nullptr) return CreateHostTexture(device, description, data, nullptr);
-  ComPtr<ID3D11Texture2D> made;
-  const HRESULT result = CreateHostTexture(device, description, data, &made);
-  if (FAILED(result)) return result;
   auto surface = SharedSurface::Create(description);
   if (surface == nullptr) return E_OUTOFMEMORY;
-  if (data != nullptr) FillSurface(*surface, *data);
+  // Without initial data the texels are undefined: not to be mistaken for cleared ones.
+  if (data != nullptr) {
+    FillSurface(*surface, *data);
+  } else {
+    FillWithPattern(*surface);
+  }
+  const D3D11_SUBRESOURCE_DATA content{surface->Pixels().data(), surface->Format().rowBytes, 0};
+  ComPtr<ID3D11Texture2D> made;
+  const HRESULT result = CreateHostTexture(device, description, &content, &made);
+  if (FAILED(result)) return result;
   Adopt(made.Get(), std::move(surface), state)->SetCurrent();
   *texture = made.Detach();
   return result;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <cstdint>
 #include <memory>
@@ -72,6 +73,7 @@ class OmbrelCore final : public IFramerateUpdatedListener,
   [[nodiscard]] std::uint32_t AcquireTimeoutMs() const;
 
   const std::int64_t counterFrequency_;
+  void ClearIfUndefined();
   std::unique_ptr<IFrameRenderer> renderer_;
   FrameSharing sharing_;
 
@@ -82,6 +84,7 @@ class OmbrelCore final : public IFramerateUpdatedListener,
   std::atomic<std::int64_t> lastPacingEnd_{0};  // performance counter
 
   // Open while streaming is active: from a completed connection set-up until the link drops.
+  std::array<bool, 2> isUndefined_{};           // outputs that nobody has drawn into yet
   SubmissionGate streamingActive_;
   // Open until the link stops.
   SubmissionGate pacing_;

@@ -101,15 +101,22 @@ TEST_F(FrameSequenceTest, AFrameGoesThroughItsStepsInOrder) {
   EXPECT_EQ(order, "SbddrAcs");
 }
 
+TEST_F(FrameSequenceTest, AFirstFrameWithoutLayersIsBlack) {
+  ASSERT_TRUE(HandOver());
+  TakeAnnouncement();
+  EXPECT_THAT(companion->Look(0, {{"all", 0, 0, 2 * kEyeWidth, kEyeHeight, kBlack}}), IsEmpty());
+}
+
 TEST_F(FrameSequenceTest, TheOutputThatWasTakenIsClearedToOpaqueBlack) {
   const auto eye = MakeEye(kWhite);
   SubmitLayer(eye, PoseNumber(1));
   ASSERT_TRUE(HandOver());
   TakeAnnouncement();
   const auto cleared = calls.Of<Cleared>();
-  ASSERT_THAT(cleared, SizeIs(1));
-  EXPECT_THAT(cleared[0].colour, ElementsAre(0.0F, 0.0F, 0.0F, 1.0F));
-  EXPECT_NE(cleared[0].view, calls.Of<Drawn>()[0].target);
+  ASSERT_THAT(cleared, SizeIs(2));
+  EXPECT_EQ(cleared[0].view, calls.Of<Drawn>()[0].target);  // when the connection was set up
+  EXPECT_THAT(cleared[1].colour, ElementsAre(0.0F, 0.0F, 0.0F, 1.0F));
+  EXPECT_NE(cleared[1].view, cleared[0].view);
   ASSERT_TRUE(HandOver());  // no layer is drawn over it
   EXPECT_THAT(companion->Look(1, {{"all", 0, 0, 2 * kEyeWidth, kEyeHeight, kBlack}}), IsEmpty());
 }

@@ -171,6 +171,28 @@ TEST_F(VirtualDisplayTest, AFrameThatCannotBeOpenedIsHandedOverAsItIsAndCountsAs
   EXPECT_TRUE(Returns(next));
 }
 
+TEST_F(VirtualDisplayTest, OutputsAreBlackBeforeTheirFirstPicture) {
+  for (int frame = 0; frame < 2; ++frame) {
+    auto present = StartFrame({.texture = {}, .keyedMutex = {}, .handle = 0x7777});
+    if (frame == 0) TakeAnnouncement();
+    EXPECT_THAT(companion->Look(frame, {{"all", 0, 0, 2 * kEyeWidth, kEyeHeight, kBlack}}), IsEmpty());
+    ASSERT_TRUE(SendPose(static_cast<float>(frame)));
+    ASSERT_TRUE(Returns(present));
+  }
+  EXPECT_THAT(calls.Of<Copied>(), IsEmpty());
+  EXPECT_GE(PresentCount(), 2u);
+}
+
+TEST_F(VirtualDisplayTest, OutputsAreClearedOnceInAConnection) {
+  const auto frame = MakeFrame(1);
+  for (int number = 0; number < 4; ++number) {
+    auto present = StartFrame(frame);
+    ASSERT_TRUE(SendPose(static_cast<float>(number)));
+    ASSERT_TRUE(Returns(present));
+  }
+  EXPECT_THAT(calls.Of<Cleared>(), SizeIs(2));
+}
+
 TEST_F(VirtualDisplayTest, NothingIsCopiedIntoAnOutputThatTheCompanionKeeps) {
   const auto frame = MakeFrame(1);
   auto first = StartFrame(frame);

@@ -23,8 +23,16 @@ TEST_F(OmbrelCoreTest, MakesTheOutputsAnewForEachConnectionAndTakesTheFirst) {
   renderer_->journal.Clear();
   SetUpCore();
   ASSERT_TRUE(companion_.Connect());
-  ASSERT_TRUE(WaitForCall("AcquireOutput 0 16"));
-  EXPECT_EQ(Calls(), (Lines{"CreateOutputTextures", "AcquireOutput 0 16"}));
+  ASSERT_TRUE(WaitForCall("ClearOutput 0"));
+  EXPECT_EQ(Calls(), (Lines{"CreateOutputTextures", "AcquireOutput 0 16", "ClearOutput 0"}));
+}
+
+TEST_F(OmbrelCoreTest, DoesNotClearAnOutputThatItCouldNotTake) {
+  renderer_->canAcquireOutput = false;
+  PrepareOutput();
+  SetUpCore();
+  ASSERT_TRUE(ConnectWhole());
+  EXPECT_EQ(Calls().back(), "AcquireOutput 0 16");
 }
 
 TEST_F(OmbrelCoreTest, SetsUpOnceHoweverOftenItIsAsked) {

@@ -83,7 +83,7 @@ TEST_F(DirectHandOffTest, LayersPileUpWhileTheLinkIsDownAndAreAllDrawnAfterwards
     return layers_.empty();
   }));
   EXPECT_EQ(
-      renderer_->journal.From(2),
+      renderer_->journal.From(3),
       (Lines{"Sharing", "AcquireSyncTexture 77 16", "BeginLayers", "ComposeLayer 0 10 20", "ComposeLayer 0 11 21",
              "ComposeLayer 0 12 22", "ReleaseOutput 0", "AcquireOutput 1 16", "ClearOutput 1", "ReleaseSyncTexture"}));
 }

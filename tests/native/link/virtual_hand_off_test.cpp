@@ -13,7 +13,7 @@ class VirtualHandOffTest : public OmbrelCoreTest {
     PrepareOutput();
     SetUpCore();
     ASSERT_TRUE(ConnectWhole());
-    ASSERT_TRUE(WaitForCall("AcquireOutput 0 16"));
+    ASSERT_TRUE(WaitForCall("ClearOutput 0"));
   }
   // Hands frames off until one is taken. It waits in there.
   void HandOffTaken() {
@@ -23,10 +23,10 @@ class VirtualHandOffTest : public OmbrelCoreTest {
 
 TEST_F(VirtualHandOffTest, GoesThroughItsStepsInOrderAndWaitsForAPose) {
   Background frame([this] { HandOffTaken(); });
-  ASSERT_TRUE(WaitForCall("AcquireOutput 1 16"));
+  ASSERT_TRUE(WaitForCall("ClearOutput 1"));
   EXPECT_TRUE(frame.StaysBlocked());
-  EXPECT_EQ(renderer_->journal.From(4),
-            (Lines{"Sharing", "CopyToOutput 5 0 16", "ReleaseOutput 0", "AcquireOutput 1 16"}));
+  EXPECT_EQ(renderer_->journal.From(5),
+            (Lines{"Sharing", "CopyToOutput 5 0 16", "ReleaseOutput 0", "AcquireOutput 1 16", "ClearOutput 1"}));
   ASSERT_TRUE(SendPose());
   EXPECT_TRUE(frame.Finishes());
   EXPECT_TRUE(Receive());
@@ -84,7 +84,7 @@ TEST_F(VirtualHandOffTest, CountsAnewForEachConnection) {
 TEST_F(VirtualHandOffTest, ATextureThatIsHeldDropsTheFrameAndCountsNothing) {
   renderer_->canCopy = false;
   HandOffTaken();
-  EXPECT_EQ(renderer_->journal.From(3 + 1), (Lines{"Sharing", "CopyToOutput 5 0 16"}));
+  EXPECT_EQ(renderer_->journal.From(4 + 1), (Lines{"Sharing", "CopyToOutput 5 0 16"}));
   renderer_->canCopy = true;
   Background frame([this] { core_->HandOffTexture(6); });
   ASSERT_TRUE(WaitForCall("CopyToOutput 6 0 16"));
@@ -102,6 +102,23 @@ TEST_F(VirtualHandOffTest, CopiesNothingIntoAnOutputThatCouldNotBeHad) {
   renderer_->journal.Clear();
   core_->HandOffTexture(6);
   EXPECT_EQ(Calls(), (Lines{"SkipCopy 6 1 16", "ReleaseOutput 1", "AcquireOutput 0 16"}));
+}
+
+TEST_F(VirtualHandOffTest, ClearsEachOutputWhenItIsFirstHadInAConnectionAndNeverAgain) {
+  renderer_->canAcquireOutput = false;
+  Background frame([this] { HandOffTaken(); });
+  ASSERT_TRUE(WaitForCall("AcquireOutput 1 16"));
+  for (int i = 0; i < 7; ++i) ASSERT_TRUE(SendPose());
+  ASSERT_TRUE(frame.Finishes());
+  renderer_->canAcquireOutput = true;
+  renderer_->journal.Clear();
+  for (int i = 0; i < 4; ++i) core_->HandOffTexture(6);
+  Lines calls = Calls();
+  std::erase_if(calls, [](const std::string& line) { return line.starts_with("Release"); });
+  // Output 0 was cleared at set-up.
+  EXPECT_EQ(calls, (Lines{"SkipCopy 6 1 16", "AcquireOutput 0 16", "CopyToOutput 6 0 16", "AcquireOutput 1 16",
+                          "ClearOutput 1", "CopyToOutput 6 1 16", "AcquireOutput 0 16", "CopyToOutput 6 0 16",
+                          "AcquireOutput 1 16"}));
 }
 
 TEST_F(VirtualHandOffTest, DoesNothingWhileTheLinkIsDown) {
