@@ -36,6 +36,11 @@ void CompanionPipeClient::Stop() {
   connectionListeners_.clear();
 }
 
+void CompanionPipeClient::DropConnection() {
+  connected_.store(false, std::memory_order_release);
+  wake_.WakeAll();
+}
+
 void CompanionPipeClient::RunConnectThread() {
   bool reported = false;
   // Noted before asking, here and below: a Stop in between then ends the wait at once.
@@ -55,7 +60,7 @@ void CompanionPipeClient::RunConnectThread() {
 }
 
 bool CompanionPipeClient::TryConnect() try {
-  if (!OpenPipes()) return false;
+  if (!mayConnect_() || !OpenPipes()) return false;
   if (!writePipe_.StartWriting()) {
     EndConnection();
     return false;
@@ -112,8 +117,7 @@ void CompanionPipeClient::ReportConnectionState() {
 void CompanionPipeClient::RunReaderThread() {
   while (IsRunning() && IsConnected() && ReadAndDispatch()) {
   }
-  connected_.store(false, std::memory_order_release);
-  wake_.WakeAll();
+  DropConnection();
 }
 
 }  // namespace ombrel

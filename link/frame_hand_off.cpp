@@ -11,7 +11,7 @@ namespace ombrel {
 
 void OmbrelCore::HandOffLayers(std::uint64_t syncTexture, std::vector<LayerRecord>& layers, const FramePose& pose) {
   const SubmissionGate::Pass pass(streamingActive_);
-  if (!pass) return;
+  if (!pass || EndIfDeviceLost()) return;
   SendFrameSharingInfo();
   if (syncTexture != 0 && !renderer_->AcquireSyncTexture(syncTexture, AcquireTimeoutMs())) {
     layers.clear();
@@ -30,7 +30,7 @@ void OmbrelCore::HandOffLayers(std::uint64_t syncTexture, std::vector<LayerRecor
 
 void OmbrelCore::HandOffTexture(std::uint64_t texture) {
   const SubmissionGate::Pass pass(streamingActive_);
-  if (!pass) return;
+  if (!pass || EndIfDeviceLost()) return;
   std::unique_lock lock(stateMutex_);
   if (!streamingActive_.IsOpen()) return;  // it closed while the lock was waited for
   SendFrameSharingInfo();
@@ -40,6 +40,13 @@ void OmbrelCore::HandOffTexture(std::uint64_t texture) {
   AcquireNextTexture();
   ClearIfUndefined();
   stateChanged_.Wait(lock, [this] { return !streamingActive_.IsOpen() || submittedFrames_ < trackingUpdates_; });
+}
+
+// The connect thread goes on from there: see MayConnect.
+bool OmbrelCore::EndIfDeviceLost() {
+  if (!renderer_->IsDeviceLost()) return false;
+  client_.DropConnection();
+  return true;
 }
 
 // Once per connection, ahead of its first frame.
@@ -55,13 +62,6 @@ bool OmbrelCore::AcquireNextTexture() {
   return lastAcquireSucceeded_;
 }
 
-std::uint32_t OmbrelCore::AcquireTimeoutMs() const { return KeyedMutexTimeoutMs(framePeriodMs_); }
-
-void OmbrelCore::WaitForNextFrame() {
-  const std::uint32_t seen = linkDropped_.Generation();
-  const SubmissionGate::Pass pass(pacing_);
-  if (!pass) return;
-  const std::int64_t begin = PerformanceCounter();
 // A new texture may hold what was in the memory before, and a frame may bring nothing to copy.
 void OmbrelCore::ClearIfUndefined() {
   bool& isUndefined = isUndefined_[static_cast<std::size_t>(currentTexture_)];
@@ -70,6 +70,13 @@ void OmbrelCore::ClearIfUndefined() {
   renderer_->ClearOutput(currentTexture_);
 }
 
+std::uint32_t OmbrelCore::AcquireTimeoutMs() const { return KeyedMutexTimeoutMs(framePeriodMs_); }
+
+void OmbrelCore::WaitForNextFrame() {
+  const std::uint32_t seen = linkDropped_.Generation();
+  const SubmissionGate::Pass pass(pacing_);
+  if (!pass) return;
+  const std::int64_t begin = PerformanceCounter();
   const double remaining = RemainingMs(framePeriodMs_, begin - lastPacingEnd_, counterFrequency_);
   const std::uint32_t sleepMs = SleepPartMs(remaining);
   const bool released = sleepMs > 0 && linkDropped_.WaitFor(seen, sleepMs);

@@ -21,6 +21,7 @@ void OmbrelCore::SetUp() {
   sharing_.CreateBlock();
   client_.AddListener(static_cast<IConnectionStateChangedListener*>(this));
   client_.AddListener(static_cast<IFramerateUpdatedListener*>(this));
+  client_.AskBeforeConnecting([this] { return MayConnect(); });
   sharing_.CreateMutexes();
   initialised_ = true;
 }
@@ -45,9 +46,19 @@ void OmbrelCore::PrepareOutput(const OutputConfiguration& configuration) {
   if (!renderer_->IsReady()) {
     renderer_->Configure(configuration);
     outputConfigured_ = true;
-    if (!renderer_->CreateOutputTextures()) return;  // the next connection may have more luck
+    if (!CreateOutputs()) return;  // the next connection may have more luck
   }
   SetUpConnection();
+}
+
+// On the connect thread while there is no connection, and so no hand-off: the device may be replaced.
+bool OmbrelCore::MayConnect() {
+  const std::lock_guard setUp(setUpMutex_);
+  if (!renderer_->IsDeviceLost()) return true;
+  const std::int64_t now = PerformanceCounter();
+  if (now < nextRemake_) return false;
+  nextRemake_ = now + counterFrequency_;  // a second
+  return renderer_->RemakeDevice();
 }
 
 void OmbrelCore::OnConnectionStateChanged() {
@@ -71,23 +82,30 @@ void OmbrelCore::SetUpConnection() {
     trackingUpdates_ = 0;
   }
   // Not whether the renderer is ready: textures that could not be made for one connection may be for the next.
-  if (!renderer_->CreateOutputTextures()) return;
+  if (!CreateOutputs()) return;
   setUpPending_ = false;
+  isUndefined_.fill(true);
   currentTexture_ = 1;
   AcquireNextTexture();
+  ClearIfUndefined();
   const std::lock_guard lock(stateMutex_);
   // A link that dropped meanwhile is reported next, and its frames are not to be taken for those of another.
   if (client_.IsConnected()) streamingActive_.Open();
   stateChanged_.NotifyAll();
 }
 
+// Without outputs no hand-off comes that would see a loss. setUpMutex_ is held.
+bool OmbrelCore::CreateOutputs() {
+  if (renderer_->CreateOutputTextures()) return true;
+  static_cast<void>(EndIfDeviceLost());
+  return false;
+}
+
 // Waits for the hand-offs under way, so that none of them ever meets the next connection. setUpMutex_ is held.
 void OmbrelCore::EndStreaming() {
   setUpPending_ = false;
-  isUndefined_.fill(true);
   {
     const std::lock_guard lock(stateMutex_);
-  ClearIfUndefined();
     streamingActive_.Close();
     stateChanged_.NotifyAll();
   }

@@ -1,7 +1,9 @@
 #include "frame_renderer_d3d11.h"
 
 #include <mutex>
+#include <utility>
 
+#include "context/driver_log.h"
 #include "render/format_rule.h"
 
 namespace ombrel {
@@ -9,8 +11,41 @@ namespace ombrel {
 std::unique_ptr<IHeadsetRenderer> MakeHeadsetRenderer() { return std::make_unique<FrameRenderer>(); }
 
 void FrameRenderer::CreateDevice() {
-  device_ = CreateRenderDevice();
-  if (device_.device) pipeline_.CreateShaders(*device_.device.Get());
+  RenderDevice made = CreateRenderDevice();
+  if (made.device) pipeline_.CreateShaders(*made.device.Get());
+  ReplaceDevice(std::move(made));
+}
+
+bool FrameRenderer::IsDeviceLost() {
+  if (isLost_) return true;
+  const ComPtr<ID3D11Device> device = Device();
+  const HRESULT reason = device ? device->GetDeviceRemovedReason() : S_OK;
+  if (SUCCEEDED(reason)) return false;
+  if (!isLost_.exchange(true)) Log("Graphics device lost, reason: %d\n", static_cast<int>(reason));
+  return true;
+}
+
+bool FrameRenderer::RemakeDevice() {
+  ready_.store(false, std::memory_order_release);
+  outputs_.Release();
+  pipeline_ = {};
+  // What is bound would live as long as the device, and that as long as the runtime keeps a swap texture of it.
+  if (device_.context) device_.context->ClearState();
+  ReplaceDevice({});
+  CreateDevice();
+  if (!device_.device || !pipeline_.HasShaders()) return false;
+  // A headset that was never activated has no output yet.
+  if (output_.width != 0 && !(CreateOutputTextures() && pipeline_.CanDraw())) return false;
+  isLost_ = false;
+  Log("Graphics device made anew\n");
+  return true;
+}
+
+void FrameRenderer::ReplaceDevice(RenderDevice device) {
+  ViewMap views;  // of the old device: they go, and it goes, when the lock has gone
+  const std::lock_guard lock(mutex_);
+  std::swap(device_, device);
+  std::swap(textureViews_, views);
 }
 
 bool FrameRenderer::CreateOutputTextures() {
@@ -68,7 +103,8 @@ bool FrameRenderer::CopyToOutput(std::uint64_t handle, std::int32_t outputIndex,
 }
 
 SwapTexture FrameRenderer::CreateSwapTexture(const SwapTextureDesc& swap) {
-  if (!device_.device) return {};
+  const ComPtr<ID3D11Device> device = Device();
+  if (!device) return {};
   const D3D11_TEXTURE2D_DESC desc{
       .Width = swap.width,
       .Height = swap.height,
@@ -84,8 +120,8 @@ SwapTexture FrameRenderer::CreateSwapTexture(const SwapTextureDesc& swap) {
   ComPtr<ID3D11Texture2D> texture;
   ComPtr<IDXGIResource> resource;
   HANDLE handle = nullptr;
-  if (FAILED(device_.device->CreateTexture2D(&desc, nullptr, texture.GetAddressOf())) ||
-      FAILED(texture.As(&resource)) || FAILED(resource->GetSharedHandle(&handle))) {
+  if (FAILED(device->CreateTexture2D(&desc, nullptr, texture.GetAddressOf())) || FAILED(texture.As(&resource)) ||
+      FAILED(resource->GetSharedHandle(&handle))) {
     return {};
   }
   return {.handle = reinterpret_cast<std::uintptr_t>(handle),
@@ -93,7 +129,8 @@ SwapTexture FrameRenderer::CreateSwapTexture(const SwapTextureDesc& swap) {
 }
 
 void FrameRenderer::RegisterTexture(std::uint64_t handle) {
-  const ComPtr<ID3D11Texture2D> texture = OpenRuntimeTexture(device_.device.Get(), handle);
+  const ComPtr<ID3D11Device> device = Device();
+  const ComPtr<ID3D11Texture2D> texture = OpenRuntimeTexture(device.Get(), handle);
   if (!texture) return;
   D3D11_TEXTURE2D_DESC desc{};
   texture->GetDesc(&desc);
@@ -102,20 +139,27 @@ void FrameRenderer::RegisterTexture(std::uint64_t handle) {
   viewDesc.ViewDimension = D3D11_SRV_DIMENSION_TEXTURE2D;
   viewDesc.Texture2D.MipLevels = 1;
   View view;
-  if (FAILED(device_.device->CreateShaderResourceView(texture.Get(), &viewDesc, view.GetAddressOf()))) return;
-  const std::lock_guard lock(viewsMutex_);
-  textureViews_.try_emplace(handle, view);
+  if (FAILED(device->CreateShaderResourceView(texture.Get(), &viewDesc, view.GetAddressOf()))) return;
+  const std::lock_guard lock(mutex_);
+  // A device that was replaced meanwhile leaves no view behind.
+  if (device.Get() == device_.device.Get()) textureViews_.try_emplace(handle, view);
 }
 
 void FrameRenderer::UnregisterTexture(std::uint64_t handle) {
-  decltype(textureViews_)::node_type removed;  // its view goes when the lock has gone
-  const std::lock_guard lock(viewsMutex_);
+  ViewMap::node_type removed;  // its view goes when the lock has gone
+  const std::lock_guard lock(mutex_);
   removed = textureViews_.extract(handle);
+}
+
+// For the threads that make and open swap textures.
+ComPtr<ID3D11Device> FrameRenderer::Device() const {
+  const std::lock_guard lock(mutex_);
+  return device_.device;
 }
 
 // Null for a texture that nobody registered.
 FrameRenderer::View FrameRenderer::FindView(std::uint64_t handle) const {
-  const std::lock_guard lock(viewsMutex_);
+  const std::lock_guard lock(mutex_);
   const auto found = textureViews_.find(handle);
   return found != textureViews_.end() ? found->second : nullptr;
 }

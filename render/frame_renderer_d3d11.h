@@ -17,6 +17,8 @@ namespace ombrel {
 class FrameRenderer final : public IHeadsetRenderer {
  public:
   void CreateDevice() override;
+  [[nodiscard]] bool IsDeviceLost() override;
+  bool RemakeDevice() override;
 
   void Configure(const OutputConfiguration& configuration) override { output_ = configuration; }
   bool CreateOutputTextures() override;
@@ -42,13 +44,18 @@ class FrameRenderer final : public IHeadsetRenderer {
  private:
   using View = ComPtr<ID3D11ShaderResourceView>;
 
+  using ViewMap = std::unordered_map<std::uint64_t, View>;
+
+  void ReplaceDevice(RenderDevice device);
+  [[nodiscard]] ComPtr<ID3D11Device> Device() const;
   [[nodiscard]] View FindView(std::uint64_t handle) const;
 
-  // Swap textures come and go on the runtime's threads while frames are drawn: held for a look-up or a change alone.
-  mutable Mutex viewsMutex_;
-  std::unordered_map<std::uint64_t, View> textureViews_;
-
-  RenderDevice device_;
+  // Swap textures come and go on the runtime's threads while frames are drawn and while the device is replaced: held for
+  // a look-up or a change alone.
+  mutable Mutex mutex_;
+  ViewMap textureViews_;  // of device_; guarded by mutex_
+  RenderDevice device_;   // replaced under mutex_, and never while a frame is handed off
+  std::atomic<bool> isLost_{false};
   LayerPipeline pipeline_;
   OutputPair outputs_;
   RuntimeTextureHold syncHold_;

@@ -98,6 +98,7 @@ void LayerPipeline::BindOpaqueBlend(ID3D11DeviceContext& context) {
 void LayerPipeline::Draw(ID3D11DeviceContext& context, ID3D11RenderTargetView* target,
                          const std::array<ID3D11ShaderResourceView*, 2>& eyes, const EyeBounds& bounds,
                          std::uint8_t invertY) {
+  if (target == nullptr || !CanDraw()) return;
   context.OMSetRenderTargets(1, &target, nullptr);
   context.VSSetShader(layerVertexShader_.Get(), nullptr, 0);
   context.PSSetShader(layerPixelShader_.Get(), nullptr, 0);

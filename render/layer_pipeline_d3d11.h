@@ -16,9 +16,15 @@ class LayerPipeline {
   // Whenever the output is made anew: viewports, buffers, blend states (the premultiplied one is bound once) and sampler.
   void CreateState(ID3D11Device& device, ID3D11DeviceContext& context, std::uint32_t width, std::uint32_t height);
 
+  [[nodiscard]] bool HasShaders() const { return layerVertexShader_ && layerPixelShader_; }
+  // Whether all that a layer is drawn with could be made.
+  [[nodiscard]] bool CanDraw() const {
+    return HasShaders() && boundsBuffer_ && parametersBuffer_ && opaqueBlend_ && sampler_;
+  }
+
   // Layers overwrite one another.
   void BindOpaqueBlend(ID3D11DeviceContext& context);
-  // A view may be null: its eye is then drawn from no texture.
+  // A view may be null: its eye is then drawn from no texture. Nothing is drawn without a target, or unless CanDraw.
   void Draw(ID3D11DeviceContext& context, ID3D11RenderTargetView* target,
             const std::array<ID3D11ShaderResourceView*, 2>& eyes, const EyeBounds& bounds, std::uint8_t invertY);
 

@@ -3,7 +3,9 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "link/head_pose_tracker.h"
@@ -28,6 +30,8 @@ class CompanionPipeClient {
   CompanionPipeClient(const CompanionPipeClient&) = delete;
   CompanionPipeClient& operator=(const CompanionPipeClient&) = delete;
 
+  // Before Start. The connect thread asks it ahead of each attempt, which is left out when the answer is no.
+  void AskBeforeConnecting(std::function<bool()> mayConnect) { mayConnect_ = std::move(mayConnect); }
   void Start();
   // Ends the threads and waits for them, closes the pipes and empties the listener lists. Not to be called from a
   // listener. Bounded by what the listeners do plus a few milliseconds.
@@ -43,6 +47,8 @@ class CompanionPipeClient {
   [[nodiscard]] bool IsConnected() const { return connected_.load(std::memory_order_acquire); }
   // True once per connection, for the one who announces the output textures.
   [[nodiscard]] bool TakeNewConnection() { return newConnection_.exchange(false, std::memory_order_acq_rel); }
+  // The connection, if there is one, ends soon, as if the companion had gone.
+  void DropConnection();
   // Never waits; see OutgoingPipe for what is lost.
   template <typename Record>
   void Send(LinkMessageType type, const Record& record, std::int64_t madeAt = OutgoingPipe::kKept) {
@@ -68,6 +74,7 @@ class CompanionPipeClient {
   void OnFramerateUpdate(std::span<const std::byte> payload);
   void OnControllerUpdate(std::span<const std::byte> payload);
 
+  std::function<bool()> mayConnect_ = [] { return true; };
   std::atomic<bool> running_{false};
   std::atomic<bool> connected_{false};
   std::atomic<bool> newConnection_{false};

@@ -52,6 +52,13 @@ class IFrameRenderer {
   virtual bool CreateOutputTextures() = 0;
   // Any thread. True once the output pair exists.
   [[nodiscard]] virtual bool IsReady() const = 0;
+  // In the place of a lost device: a new one, and all that was made on the old one but the runtime's textures. False
+  // when that failed, and the device stays lost.
+  virtual bool RemakeDevice() = 0;
+
+  // Handing off, any number of threads, or set-up: asks the device whether it was lost (by a reset, an update of its
+  // driver, a time-out). Not so when there never was one.
+  [[nodiscard]] virtual bool IsDeviceLost() = 0;
 
   // Handing off: one thread at a time, or set-up.
   [[nodiscard]] virtual OutputSharing Sharing() = 0;

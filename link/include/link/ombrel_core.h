@@ -66,14 +66,17 @@ class OmbrelCore final : public IFramerateUpdatedListener,
   void OnTrackingUpdated() override;
 
  private:
+  [[nodiscard]] bool MayConnect();
   void SetUpConnection();
+  [[nodiscard]] bool CreateOutputs();
   void EndStreaming();
+  [[nodiscard]] bool EndIfDeviceLost();
   void SendFrameSharingInfo();
   bool AcquireNextTexture();
+  void ClearIfUndefined();
   [[nodiscard]] std::uint32_t AcquireTimeoutMs() const;
 
   const std::int64_t counterFrequency_;
-  void ClearIfUndefined();
   std::unique_ptr<IFrameRenderer> renderer_;
   FrameSharing sharing_;
 
@@ -81,10 +84,10 @@ class OmbrelCore final : public IFramerateUpdatedListener,
   std::atomic<std::uint32_t> framesPerSecond_{kInitialFramesPerSecond};
   std::atomic<double> framePeriodMs_;
   std::atomic<bool> lastAcquireSucceeded_{false};
+  std::array<bool, 2> isUndefined_{};           // outputs that nobody has drawn into yet
   std::atomic<std::int64_t> lastPacingEnd_{0};  // performance counter
 
   // Open while streaming is active: from a completed connection set-up until the link drops.
-  std::array<bool, 2> isUndefined_{};           // outputs that nobody has drawn into yet
   SubmissionGate streamingActive_;
   // Open until the link stops.
   SubmissionGate pacing_;
@@ -96,7 +99,8 @@ class OmbrelCore final : public IFramerateUpdatedListener,
   std::atomic<std::int32_t> submittedFrames_{0};
   std::atomic<std::int32_t> trackingUpdates_{0};
 
-  Mutex setUpMutex_;  // one set-up, or its undoing, at a time; taken before stateMutex_
+  Mutex setUpMutex_;             // one set-up, or its undoing, at a time; taken before stateMutex_
+  std::int64_t nextRemake_ = 0;  // performance counter: a lost device is not made anew before
   bool setUpPending_ = false;
   bool outputConfigured_ = false;
   bool initialised_ = false;

@@ -147,12 +147,16 @@ TEST_F(FailingDeviceTest, AnyCallMayFailLaterAndSucceedAgain) {
   EXPECT_TRUE(renderer->CreateOutputTextures());
 }
 
-TEST_F(FailingDeviceTest, WithoutShadersEveryCallIsHarmless) {
-  for (const DeviceCall call : {DeviceCall::kCreateVertexShader, DeviceCall::kCreatePixelShader}) {
+TEST_F(FailingDeviceTest, NothingIsDrawnWithPartsThatCouldNotBeMade) {
+  for (const DeviceCall call :
+       {DeviceCall::kCreateVertexShader, DeviceCall::kCreatePixelShader, DeviceCall::kCreateBuffer,
+        DeviceCall::kCreateBlendState, DeviceCall::kCreateSamplerState, DeviceCall::kCreateRenderTargetView}) {
     calls.Fail(call, E_OUTOFMEMORY);
     renderer = MakeHeadsetRenderer();
     renderer->CreateDevice();
     DoEverything();
+    EXPECT_THAT(calls.Of<Drawn>(), SizeIs(0)) << static_cast<int>(call);
+    calls.Allow(call);
   }
 }
 

@@ -106,6 +106,24 @@ TEST_P(StressTest, StopsAndStartsAgainInTheMiddleOfAStream) {
   EXPECT_EQ(done.halfPoses, 0U);
 }
 
+TEST_P(StressTest, LosesItsDeviceInTheMiddleOfAStream) {
+  constexpr std::uint32_t kLosses = 3;
+  const TripwireRenderer::Work& drawn = TripwireRenderer::Done();
+  ASSERT_TRUE(runtime_.Start());
+  Repeat([this] { runtime_.Tick(); });
+  Repeat([this] { runtime_.PresentFrame(); });
+  Repeat([this] { runtime_.ChangeSwapTextures(); });
+  for (std::uint32_t loss = 0; loss < kLosses; ++loss) {
+    Background sender([this] { EXPECT_FALSE(companion_.SendThrough(0xFFFFFFFF, false)) << "it was never cut off"; });
+    const std::uint32_t before = drawn.layers + drawn.copies;
+    EXPECT_TRUE(WaitUntil([&] { return drawn.layers + drawn.copies > before + 10; }));
+    EXPECT_EQ(drawn.remakes, loss);
+    TripwireRenderer::LoseDevices();
+    EXPECT_TRUE(sender.Finishes());
+  }
+  EXPECT_TRUE(WaitUntil([&] { return drawn.remakes == kLosses; }));
+}
+
 INSTANTIATE_TEST_SUITE_P(BothModes, StressTest, testing::Values(kDirectMode, kVirtualDisplay));
 
 }  // namespace

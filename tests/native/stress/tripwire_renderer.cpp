@@ -7,6 +7,11 @@ namespace ombrel {
 std::unique_ptr<IHeadsetRenderer> MakeHeadsetRenderer() { return std::make_unique<test::TripwireRenderer>(); }
 
 namespace test {
+namespace {
+
+Counter losses;
+
+}  // namespace
 
 TripwireRenderer::Work& TripwireRenderer::Done() {
   static Work work;
@@ -15,7 +20,21 @@ TripwireRenderer::Work& TripwireRenderer::Done() {
 
 void TripwireRenderer::Forget() {
   Work& work = Done();
-  for (auto* count : {&work.setUps, &work.layers, &work.copies, &work.swapTextures, &work.mixedLayers}) count->Reset();
+  for (auto* count : {&work.setUps, &work.remakes, &work.layers, &work.copies, &work.swapTextures, &work.mixedLayers})
+    count->Reset();
+}
+
+TripwireRenderer::TripwireRenderer() : lossesMended_(losses) {}
+
+void TripwireRenderer::LoseDevices() { ++losses; }
+
+bool TripwireRenderer::IsDeviceLost() { return losses != lossesMended_; }
+
+bool TripwireRenderer::RemakeDevice() {
+  ++touched_;
+  ++Done().remakes;
+  lossesMended_ = losses;
+  return true;
 }
 
 void TripwireRenderer::Configure(const OutputConfiguration& output) { output_ = output; }

@@ -13,17 +13,22 @@ namespace ombrel::test {
 class TripwireRenderer final : public IHeadsetRenderer {
  public:
   struct Work {
-    Counter setUps, layers, copies, swapTextures;
+    Counter setUps, remakes, layers, copies, swapTextures;
     Counter mixedLayers;  // whose textures or bounds were not of one submission
   };
   // Of all renderers since Forget.
   static Work& Done();
   static void Forget();
+  // The device of each renderer is lost, until it is made anew.
+  static void LoseDevices();
 
+  TripwireRenderer();
   void CreateDevice() override {}
   void Configure(const OutputConfiguration& output) override;
   bool CreateOutputTextures() override;
   [[nodiscard]] bool IsReady() const override { return ready_; }
+  bool RemakeDevice() override;
+  [[nodiscard]] bool IsDeviceLost() override;
   [[nodiscard]] OutputSharing Sharing() override;
   bool AcquireOutput(std::int32_t index, std::uint32_t timeoutMs) override;
   bool ReleaseOutput(std::int32_t index) override;
@@ -42,6 +47,7 @@ class TripwireRenderer final : public IHeadsetRenderer {
   std::uint64_t touched_ = 0;
   OutputConfiguration output_{};
   std::atomic<bool> ready_{false};
+  std::uint32_t lossesMended_;
   Counter lastHandle_;
 };
 

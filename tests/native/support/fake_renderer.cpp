@@ -30,6 +30,12 @@ bool FakeRenderer::CreateOutputTextures() {
   return ready;
 }
 
+bool FakeRenderer::RemakeDevice() {
+  Record("RemakeDevice");
+  if (canRemakeDevice) deviceLost = false;
+  return canRemakeDevice;
+}
+
 OutputSharing FakeRenderer::Sharing() {
   Record("Sharing");
   return {.handles = {handle0, handle1}, .invertY = invertY};

@@ -18,6 +18,8 @@ class FakeRenderer final : public IHeadsetRenderer {
   void Configure(const OutputConfiguration& output) override;
   bool CreateOutputTextures() override;
   [[nodiscard]] bool IsReady() const override { return ready; }
+  bool RemakeDevice() override;
+  [[nodiscard]] bool IsDeviceLost() override { return deviceLost; }  // not in the journal: each frame asks
   [[nodiscard]] OutputSharing Sharing() override;
   bool AcquireOutput(std::int32_t index, std::uint32_t timeoutMs) override;
   bool ReleaseOutput(std::int32_t index) override;
@@ -40,6 +42,8 @@ class FakeRenderer final : public IHeadsetRenderer {
   std::function<void(const LayerRecord& layer)> onLayer;
 
   std::atomic<bool> ready{false};
+  std::atomic<bool> deviceLost{false};  // until it is made anew
+  std::atomic<bool> canRemakeDevice{true};
   std::atomic<bool> canCreateOutputs{true};
   std::atomic<bool> canAcquireOutput{true};
   std::atomic<bool> canAcquireSync{true};
