@@ -136,6 +136,11 @@ const DriverLife::SwapSet& DriverLife::OneSwapSet() {
   return *oneSet_;
 }
 
+void DriverLife::RenewSwapSet() {
+  DestroySwapSet(OneSwapSet()[0]);
+  oneSet_ = CreateSwapSet();
+}
+
 DriverLife::SwapSet DriverLife::CreateSwapSet(std::uint32_t processId) {
   const vr::IVRDriverDirectModeComponent::SwapTextureSetDesc_t desc{32, 24, DXGI_FORMAT_R8G8B8A8_UNORM, 1};
   vr::SharedTextureHandle_t handles[3]{};

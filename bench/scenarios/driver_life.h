@@ -55,6 +55,8 @@ class DriverLife {
   [[nodiscard]] SwapSet CreateSwapSet(std::uint32_t processId = 1);
   // One set for all who only need something to show, until Cleanup.
   [[nodiscard]] const SwapSet& OneSwapSet();
+  // Destroys that set and makes another.
+  void RenewSwapSet();
   // Sets that were ever made in this process: each leaves one small block of the driver's memory behind, on purpose.
   [[nodiscard]] static std::int64_t SetsMade();
   void DestroySwapSet(vr::SharedTextureHandle_t handle);

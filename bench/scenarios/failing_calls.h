@@ -2,15 +2,18 @@
 
 #include <atomic>
 #include <climits>
+#include <cstdint>
 #include <optional>
 
+#include "runtime/clock.h"
 #include "sharing/device_observer.h"
 #include "sharing/sharing_device.h"
 
 namespace bench::scenarios {
 
-// Makes calls of the driver's Direct3D devices fail as those of a device that was removed do. Watches the devices for as
-// long as it lives. The methods may be called at any time on one thread; the calls come on any.
+// Makes calls of the driver's Direct3D devices fail as those of a device that was removed do; whether it was, the device
+// is asked by a call of its own. Watches the devices for as long as it lives. The methods may be called at any time on
+// one thread; the calls come on any.
 class FailingCalls : public DeviceObserver {
  public:
   FailingCalls() { SetObserver(DeviceGroup::kIntercepted, this); }
@@ -25,8 +28,18 @@ class FailingCalls : public DeviceObserver {
     seen_ = 0;
     failAfter_ = count;
   }
+  // The same, and the device was removed: it says so, and the next `attempts` to make another fail, too. The one that is
+  // made then works.
+  void RemoveAfter(int count, int attempts) {
+    attemptsLeft_ = attempts;
+    FailAfter(count);
+    isRemoved_ = true;
+  }
+  // When the device that works was there; 0 before.
+  [[nodiscard]] std::int64_t RemadeTicks() const { return remadeTicks_; }
   // Nothing fails any more; counts anew.
   void Allow() {
+    isRemoved_ = false;
     kind_ = kNone;
     failAfter_ = INT_MAX;
     seen_ = 0;
@@ -36,13 +49,34 @@ class FailingCalls : public DeviceObserver {
   [[nodiscard]] int Failed() const { return failed_; }
 
   [[nodiscard]] std::optional<HRESULT> Answer(DeviceCall call) override {
-    if (seen_++ < failAfter_ && static_cast<int>(call) != kind_) return std::nullopt;
+    if (call == DeviceCall::kGetDeviceRemovedReason) return AnswerReason();
+    if (isNew_.exchange(false)) remadeTicks_ = runtime::NowTicks();
+    const bool fails = seen_++ >= failAfter_ || static_cast<int>(call) == kind_;
+    if (!fails || IsNewDevice(call)) return std::nullopt;
     ++failed_;
     return DXGI_ERROR_DEVICE_REMOVED;
   }
 
  private:
   static constexpr int kNone = -1;
+
+  // Not counted: it may come at any time.
+  [[nodiscard]] std::optional<HRESULT> AnswerReason() const {
+    if (isRemoved_ && seen_ >= failAfter_) return DXGI_ERROR_DEVICE_REMOVED;
+    return std::nullopt;
+  }
+  [[nodiscard]] bool IsNewDevice(DeviceCall call) {
+    if (!isRemoved_ || call != DeviceCall::kCreateDevice || attemptsLeft_-- > 0) return false;
+    Allow();
+    remadeTicks_ = 0;
+    isNew_ = true;
+    return true;
+  }
+
+  std::atomic<bool> isRemoved_ = false;
+  std::atomic<int> attemptsLeft_ = 0;
+  std::atomic<bool> isNew_ = false;
+  std::atomic<std::int64_t> remadeTicks_ = 0;
   std::atomic<int> kind_ = kNone;
   std::atomic<int> failAfter_ = INT_MAX;
   std::atomic<int> seen_ = 0;

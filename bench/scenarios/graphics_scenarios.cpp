@@ -1,12 +1,17 @@
 // Direct3D calls of the driver that fail: each kind in turn, and all of them from any point on.
 #include <windows.h>
 
+#include <algorithm>
 #include <array>
+#include <climits>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "failing_calls.h"
 #include "frame_companion.h"
+#include "resources.h"
+#include "runtime/clock.h"
 #include "runtime/wait.h"
 
 namespace bench::scenarios {
@@ -115,16 +120,30 @@ void FailFromAnyPoint(ScenarioRun& run, Mode mode) {
 void FailFromAnyPointLayers(ScenarioRun& run) { FailFromAnyPoint(run, Mode::kLayers); }
 void FailFromAnyPointTexture(ScenarioRun& run) { FailFromAnyPoint(run, Mode::kTexture); }
 
-// The device is gone for good at some point of Init, or later. The next Init makes another.
+// Frames for a companion who offers its pipes, until it is alone.
+void PlayWithoutDevice(ScenarioRun& run, DriverLife& life) {
+  FrameCompanion companion;
+  static_cast<void>(companion.Pipes().Open());
+  const auto set = life.CreateSwapSet();
+  for (int frame = 0; frame < 10; ++frame) {
+    life.SubmitLayer(set[0], 1);
+    life.Present();
+    life.WaitForNext();
+    life.RunFrame();
+  }
+  run.Check(companion.Pipes().WaitForDisconnection(kPatienceMs), "there is no connection without a device");
+}
+
+// The device is gone for good at some point of Init, or later, and no other can be made. The next Init makes one.
 void DeviceRemoved(ScenarioRun& run) {
   FailingCalls calls;
   int points = 0;
-  for (const int point : run.isLong ? std::vector{0, 1, 2, 3, 4, 5, 6, 8, 12, 20, 40} : std::vector{20}) {
+  for (const int point : run.isLong ? std::vector{1, 2, 3, 4, 5, 6, 8, 12, 20, 40} : std::vector{20}) {
     DriverLife life(run);
-    calls.FailAfter(point);
+    calls.RemoveAfter(point, INT_MAX);
     life.Start();
-    LiveThrough(run, life);
-    LiveThrough(run, life);
+    PlayWithoutDevice(run, life);
+    PlayWithoutDevice(run, life);
     life.Cleanup();
     calls.Allow();
     life.Start();
@@ -134,12 +153,63 @@ void DeviceRemoved(ScenarioRun& run) {
   run.Figure("removed for good at %d points, frames after the next Init", points);
 }
 
+// Until a new companion has a frame from a new device. How long that took, from the moment that the device was there.
+double LoseDevice(ScenarioRun& run, DriverLife& life, FailingCalls& calls, std::unique_ptr<FrameCompanion>& companion) {
+  static float x = 0;
+  calls.RemoveAfter(0, 1);
+  const auto hasEnded = [&] {
+    life.Present();
+    return !companion->Pipes().Connected();
+  };
+  run.Check(WaitUntil(hasEnded, std::chrono::milliseconds(kPatienceMs)), "the connection ends with its device");
+  companion = std::make_unique<FrameCompanion>();
+  if (!run.Check(companion->Connect(), "the driver connects when it has a device")) return 0;
+  if (life.HasLayers()) life.RenewSwapSet();
+  const std::string fault = PlayFrames(life, *companion, 1);
+  const double tookMs = runtime::TicksToMilliseconds(runtime::NowTicks() - calls.RemadeTicks());
+  run.Check(fault.empty(), "frames come from a new device: " + fault);
+  run.Check(PoseArrives(life, companion->Pipes(), ++x), "poses arrive");
+  return tookMs;
+}
+
+void CheckLog(ScenarioRun& run, DriverLife& life, int losses) {
+  const auto lines = life.runtime.Log().Lines();
+  run.Check(std::ranges::count(lines, "Graphics device lost, reason: -2005270523\n") == losses, "each loss is logged");
+  run.Check(std::ranges::count(lines, "Graphics device made anew\n") == losses, "each new device is logged");
+}
+
+void DeviceLost(ScenarioRun& run, Mode mode) {
+  constexpr double kMostMs = 2000;
+  const int rounds = run.Rounds(50, 2);
+  FailingCalls calls;
+  DriverLife life(run, mode, WatchHeap);
+  life.Start();
+  auto companion = std::make_unique<FrameCompanion>();
+  if (!CheckConnection(run, life, *companion)) return;
+  Growth growth(rounds);
+  double longestMs = 0;
+  PlayRounds(run, growth, rounds, [&] { longestMs = std::max(longestMs, LoseDevice(run, life, calls, companion)); });
+  run.Figure("%d losses, a frame within %.0f ms of each new device", rounds, longestMs);
+  run.Check(longestMs <= kMostMs, "frames go on within two seconds");
+  CheckLog(run, life, rounds);
+  if (run.isLong) {
+    growth.Judge(run, LONG_MAX);
+  } else {
+    run.Skip("what grows: in the long form only, a device takes its time");
+  }
+}
+
+void DeviceLostLayers(ScenarioRun& run) { DeviceLost(run, Mode::kLayers); }
+void DeviceLostTexture(ScenarioRun& run) { DeviceLost(run, Mode::kTexture); }
+
 constexpr std::array kScenarios{
     Scenario{"each_call_fails", EachCallFails, true},
     Scenario{"each_start_call_fails", EachStartCallFails},
     Scenario{"calls_fail_from_any_point", FailFromAnyPointLayers},
     Scenario{"calls_fail_from_any_point_virtual", FailFromAnyPointTexture},
     Scenario{"device_removed", DeviceRemoved},
+    Scenario{"device_lost", DeviceLostLayers},
+    Scenario{"device_lost_virtual", DeviceLostTexture},
 };
 
 }  // namespace
