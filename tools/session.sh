@@ -19,9 +19,9 @@ wait_for_line() {
 }
 
 # run_session MODE FOLDER FRAMES: the headset of tools/demo/MODE.json, for so many frames, or for 150 s where drawing is
-# slow; pictures, logs and figures go to FOLDER. Fails unless the companion reads half of them, sees every input of a
-# controller in the picture, and gets the haptic pulses. In direct mode each frame must come with a pose that was sent;
-# a virtual display's have none beside them.
+# slow; pictures, logs and figures go to FOLDER. Fails unless the companion reads half of them, sees every look of the head
+# and every input of a controller in the picture, and gets the haptic pulses. In direct mode each frame must come with a
+# pose that was sent; a virtual display's have none beside them.
 run_session() {
   local mode=$1 out=$2 frames=$3 bench=build/mingw-release/bench companion failed=0 matching=0
   [ "$mode" != direct ] || matching=$((frames / 2))
@@ -30,7 +30,7 @@ run_session() {
 
   say "$mode mode: starting the companion"
   windows "$bench/companion_sim/Ombrel.exe" --until-disconnect --script tools/demo/script.json --out "$out" \
-    --save-every 60 --require-frames $((frames / 2)) --require-matching "$matching" --require-named 7 \
+    --save-every 60 --require-frames $((frames / 2)) --require-matching "$matching" --require-named 12 \
     --require-haptics 4 --summary "$out/companion.json" --csv "$out/companion_frames.csv" \
     --poses-csv "$out/companion_poses.csv" >"$out/companion.log" 2>&1 &
   companion=$!

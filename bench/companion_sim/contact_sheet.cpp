@@ -14,30 +14,6 @@ constexpr int kLabelHeight = 24;
 constexpr int kGap = 8;
 constexpr std::size_t kColumns = 5;
 constexpr std::size_t kMostSamples = 30;
-constexpr float kWorthwhile = 0.02F;  // radians: a smaller gain is not worth another copy
-
-constexpr const char* kDirectionNames[] = {"straight", "left", "right", "up", "down"};
-constexpr std::size_t kDirections = std::size(kDirectionNames);
-
-// How well a look shows a direction: larger is better. A look off to the side shows no other direction.
-float Score(std::size_t direction, const YawPitch& look) {
-  switch (direction) {
-    case 0:
-      return -(std::fabs(look.yaw) + std::fabs(look.pitch));
-    case 1:
-      return look.yaw - std::fabs(look.pitch);
-    case 2:
-      return -look.yaw - std::fabs(look.pitch);
-    case 3:
-      return look.pitch - std::fabs(look.yaw);
-    default:
-      return -look.pitch - std::fabs(look.yaw);
-  }
-}
-
-bool Better(std::size_t direction, const std::optional<Tile>& known, const YawPitch& look) {
-  return !known || Score(direction, look) > Score(direction, known->look) + kWorthwhile;
-}
 
 int Degrees(float radians) { return static_cast<int>(std::lround(radians * 180 / std::numbers::pi)); }
 
@@ -49,20 +25,6 @@ std::string Caption(const Tile& tile) {
 }
 
 }  // namespace
-
-bool ContactSheet::WantsDirection(const YawPitch& look) const {
-  for (std::size_t i = 0; i < kDirections; ++i) {
-    if (Better(i, directions_[i], look)) return true;
-  }
-  return false;
-}
-
-void ContactSheet::AddDirection(std::uint64_t frame, const YawPitch& look, const Image& picture) {
-  const Image small = Shrink(picture, kTileWidth);
-  for (std::size_t i = 0; i < kDirections; ++i) {
-    if (Better(i, directions_[i], look)) directions_[i] = Tile{kDirectionNames[i], frame, look, small};
-  }
-}
 
 void ContactSheet::AddNamed(const std::string& name, std::uint64_t frame, const YawPitch& look, const Image& picture) {
   named_.push_back({name, frame, look, Shrink(picture, kTileWidth)});
@@ -76,9 +38,6 @@ bool ContactSheet::Empty() const { return Tiles().empty(); }
 
 std::vector<const Tile*> ContactSheet::Tiles() const {
   std::vector<const Tile*> tiles;
-  for (const auto& tile : directions_) {
-    if (tile) tiles.push_back(&*tile);
-  }
   for (const Tile& tile : named_) tiles.push_back(&tile);
   for (const Tile& tile : samples_) tiles.push_back(&tile);
   return tiles;

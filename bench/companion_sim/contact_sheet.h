@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,14 +17,9 @@ struct Tile {
   Image picture;
 };
 
-// Gathers small pictures of a run: the ones that look straight ahead and farthest left, right, up and down,
-// those that were asked for by name, and a sample of the rest in order. For one thread.
+// Gathers small pictures of a run: those that were asked for by name, and a sample of the rest in order. For one thread.
 class ContactSheet {
  public:
-  // Whether a frame with that look would be a better example of a direction than what there is.
-  bool WantsDirection(const YawPitch& look) const;
-  // Takes the frame for every direction that it shows best.
-  void AddDirection(std::uint64_t frame, const YawPitch& look, const Image& picture);
   // Takes the frame under a name of its own.
   void AddNamed(const std::string& name, std::uint64_t frame, const YawPitch& look, const Image& picture);
   // Takes the frame as one of the sample, as long as there is room.
@@ -33,7 +27,7 @@ class ContactSheet {
 
   std::size_t Named() const { return named_.size(); }
   bool Empty() const;
-  // All tiles in a grid, directions first, each with its frame number, yaw and pitch in degrees.
+  // All tiles in a grid, named ones first, each with its frame number, yaw and pitch in degrees.
   Image Draw() const;
   // The same as lines of text.
   std::string Describe() const;
@@ -41,7 +35,6 @@ class ContactSheet {
  private:
   std::vector<const Tile*> Tiles() const;
 
-  std::optional<Tile> directions_[5];
   std::vector<Tile> named_;
   std::vector<Tile> samples_;
 };

@@ -40,8 +40,8 @@ bool FrameTaker::TakeOne() {
   Uses uses;
   const TurnResult result = reader_->Next(
       kWaitMs,
-      [&](const FrameInfo& held) {
-        uses = UsesOf(held);
+      [&](const FrameInfo&) {
+        uses = UsesOfNext();
         return uses.Any();
       },
       frame);
@@ -72,12 +72,11 @@ void FrameTaker::PrintFrame(const FrameInfo& frame) const {
   std::fflush(stdout);
 }
 
-FrameTaker::Uses FrameTaker::UsesOf(const FrameInfo& frame) const {
+FrameTaker::Uses FrameTaker::UsesOfNext() const {
   Uses uses;
   uses.expectation = expectations_.WantsPixels(connection_, inConnection_);
   uses.named = run_.WantedPicture().Open();
   if (options_.out.empty()) return uses;
-  uses.direction = sheet_.WantsDirection(LookOf(frame));
   uses.saved = options_.saveEvery != 0 && log_.Frames() % options_.saveEvery == 0;
   return uses;
 }
@@ -87,7 +86,6 @@ void FrameTaker::Use(const Uses& uses, const FrameInfo& frame, const Image* imag
   if (uses.Any() && image == nullptr) run_.Fail("a frame's pixels could not be read");
   if (image == nullptr) return;
   const std::uint64_t number = log_.Frames() - 1;
-  if (uses.direction) sheet_.AddDirection(number, LookOf(frame), *image);
   if (const auto name = run_.WantedPicture().Offer(*image)) sheet_.AddNamed(*name, number, LookOf(frame), *image);
   if (!uses.saved) return;
   sheet_.AddSample(number, LookOf(frame), *image);

@@ -36,13 +36,12 @@ class FrameTaker {
  private:
   struct Uses {
     bool expectation = false;
-    bool direction = false;
     bool named = false;
     bool saved = false;
-    bool Any() const { return expectation || direction || named || saved; }
+    bool Any() const { return expectation || named || saved; }
   };
   YawPitch LookOf(const FrameInfo& frame) const;
-  Uses UsesOf(const FrameInfo& frame) const;
+  Uses UsesOfNext() const;
   void Use(const Uses& uses, const FrameInfo& frame, const Image* image);
   void PrintFrame(const FrameInfo& frame) const;
   void SaveFrame(const Image& image);

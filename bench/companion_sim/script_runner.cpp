@@ -2,15 +2,19 @@
 
 #include <map>
 #include <numbers>
+#include <optional>
+#include <stdexcept>
+#include <string>
 
 #include "companion/controller_tour.h"
+#include "companion/head_motion.h"
 #include "controller_step.h"
 
 namespace bench {
 namespace {
 
-constexpr double kPollSeconds = 0.002;
 constexpr double kDefaultTimeoutSeconds = 30;
+constexpr double kTurnSeconds = 0.5;
 
 float Radians(double degrees) { return static_cast<float>(degrees * std::numbers::pi / 180); }
 
@@ -46,6 +50,7 @@ void ScriptRunner::Play(const Step& step) {
       {"sleep", &ScriptRunner::Sleep},
       {"wait", &ScriptRunner::Wait},
       {"motion", &ScriptRunner::Motion},
+      {"look", &ScriptRunner::Look},
       {"pose", &ScriptRunner::Pose},
       {"tracking-state", &ScriptRunner::TrackingState},
       {"recenter", &ScriptRunner::Recenter},
@@ -79,13 +84,28 @@ void ScriptRunner::AtRate(double rate, double seconds, Tick tick) {
 }
 
 template <typename Condition>
-bool ScriptRunner::WaitFor(double timeoutSeconds, Condition condition) {
+bool ScriptRunner::WaitFor(double timeoutSeconds, Condition condition, double pollSeconds) {
   const auto until = std::chrono::steady_clock::now() + std::chrono::duration<double>(timeoutSeconds);
   while (!condition()) {
     if (std::chrono::steady_clock::now() >= until) return false;
-    run_.Sleep(kPollSeconds);
+    run_.Sleep(pollSeconds);
   }
   return true;
+}
+
+template <typename Meanwhile>
+void ScriptRunner::AwaitPicture(const Step& step, Meanwhile meanwhile, double pollSeconds) {
+  Expectation wanted;
+  wanted.name = step.at("label").get<std::string>();
+  ParseRegion(step, wanted);
+  PictureRequest& request = run_.WantedPicture();
+  request.Ask(wanted);
+  const auto taken = [&] {
+    meanwhile();
+    return !request.Open();
+  };
+  if (WaitFor(step.value("timeout", kDefaultTimeoutSeconds), taken, pollSeconds)) return;
+  throw std::runtime_error("no picture \"" + wanted.name + "\": " + request.Withdraw());
 }
 
 void ScriptRunner::Sleep(const Step& step) { run_.Sleep(step.at("seconds").get<double>()); }
@@ -120,6 +140,17 @@ void ScriptRunner::Motion(const Step& step) {
   const HeadMotion motion = kind == "hold" ? HoldMotion(seconds, {yaw, pitch}) : SweepMotion(seconds, yaw, pitch);
   AtRate(step.value("rate", options_.poseRate), seconds,
          [&](double at) { link_.SendHead(format, motion.At(at), std::nullopt); });
+}
+
+void ScriptRunner::Look(const Step& step) {
+  const auto format = static_cast<PoseFormat>(step.value("format", options_.poseFormat));
+  const double rate = step.value("rate", options_.poseRate), seconds = step.value("seconds", kTurnSeconds);
+  const YawPitch direction{Radians(step.value("yaw", 0.0)), Radians(step.value("pitch", 0.0))};
+  const HeadMotion turn(LookDirection(link_.PublishedPose()), {{seconds, direction}});
+  AtRate(rate, seconds, [&](double at) { link_.SendHead(format, turn.At(at), std::nullopt); });
+  // A virtual display shows no frame without a new pose.
+  AwaitPicture(
+      step, [&] { link_.SendHead(format, direction, std::nullopt); }, 1 / rate);
 }
 
 void ScriptRunner::Pose(const Step& step) {
@@ -183,13 +214,7 @@ void ScriptRunner::ExpectHaptic(const Step& step) {
 }
 
 void ScriptRunner::Picture(const Step& step) {
-  Expectation wanted;
-  wanted.name = step.at("label").get<std::string>();
-  ParseRegion(step, wanted);
-  PictureRequest& request = run_.WantedPicture();
-  request.Ask(wanted);
-  if (WaitFor(step.value("timeout", kDefaultTimeoutSeconds), [&] { return !request.Open(); })) return;
-  throw std::runtime_error("no picture \"" + wanted.name + "\": " + request.Withdraw());
+  AwaitPicture(step, [] {});
 }
 
 void ScriptRunner::Together(const Step& step) {

@@ -29,6 +29,7 @@ class ScriptRunner {
   void Sleep(const Step& step);
   void Wait(const Step& step);
   void Motion(const Step& step);
+  void Look(const Step& step);
   void Pose(const Step& step);
   void TrackingState(const Step& step);
   void Recenter(const Step& step);
@@ -48,9 +49,13 @@ class ScriptRunner {
   // Calls `tick` with the seconds since the start at a fixed rate, from 0 to `seconds`.
   template <typename Tick>
   void AtRate(double rate, double seconds, Tick tick);
+  static constexpr double kPollSeconds = 0.002;
   // Looks at `condition` until it is true. False after `timeoutSeconds`.
   template <typename Condition>
-  bool WaitFor(double timeoutSeconds, Condition condition);
+  bool WaitFor(double timeoutSeconds, Condition condition, double pollSeconds = kPollSeconds);
+  // Waits for the picture that a step describes, with a call of `meanwhile` at each poll; throws when none comes.
+  template <typename Meanwhile>
+  void AwaitPicture(const Step& step, Meanwhile meanwhile, double pollSeconds = kPollSeconds);
 
   const Options& options_;
   DriverLink& link_;

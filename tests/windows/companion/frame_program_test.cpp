@@ -1,10 +1,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
 #include <fstream>
-#include <thread>
+#include <iterator>
+#include <numbers>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "companion/head_model.h"
+#include "companion/rotation.h"
 #include "companion/tracking_update.h"
 #include "frame_source.h"
 #include "nlohmann/json.hpp"
@@ -15,9 +23,11 @@ namespace bench {
 namespace {
 
 using testing::HasSubstr;
+using testing::IsEmpty;
 
 constexpr const char* kInName = R"(\\.\pipe\PellmorOmbrelTransmissionPipeV1In)";
 constexpr const char* kOutName = R"(\\.\pipe\PellmorOmbrelTransmissionPipeV1Out)";
+constexpr float kLeft = std::numbers::pi_v<float> / 3;
 constexpr Rgba kRed{200, 10, 20, 255}, kGreen{10, 200, 20, 255}, kBlue{10, 20, 200, 255};
 
 PoseSlot SlotOf(const PoseMatrix& pose) {
@@ -40,15 +50,26 @@ class FrameProgram : public testing::Test {
     ASSERT_TRUE(source_.emplace().Create(64, 32));
     ASSERT_TRUE(client_.WriteMessage(EncodeFrameSharingInfo(source_->Info())));
   }
+  void StartScript(const nlohmann::json& steps) {
+    const std::string script = folder_.Write("script.json", nlohmann::json{{"steps", steps}}.dump());
+    Start({"--script", script, "--out", (folder_ / "out").string(), "--require-named", "1"});
+  }
   // The newest pose that the companion sent, at least one newer than before, as the runtime would render with it.
-  PoseSlot NextPose() {
+  PoseSlot NextPose() { return SlotOf(NextMatrix()); }
+  PoseMatrix NextMatrix() {
     bool published = false;
     while (!published || client_.HasMore()) {
       const auto message = client_.Read();
       if (!message) break;
       published |= head_.Apply(EncodeMessage(message->type, message->payload));
     }
-    return SlotOf(head_.Published());
+    return head_.Published();
+  }
+  bool LooksLeftWithin(int poses) {
+    for (int i = 0; i < poses; ++i) {
+      if (std::fabs(LookDirection(NextMatrix()).yaw - kLeft) < 1e-3F) return true;
+    }
+    return false;
   }
   // Hands over a frame and waits until the companion has read it.
   void PresentSlowly(const Rgba& left, const Rgba& right, const PoseSlot& slot) {
@@ -62,6 +83,10 @@ class FrameProgram : public testing::Test {
     int count = 0;
     for (auto at = output.find(" texture "); at != std::string::npos; at = output.find(" texture ", at + 1)) ++count;
     return count;
+  }
+  std::string ContactSheet() const {
+    std::ifstream file(folder_ / "out" / "contact_sheet.txt");
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   }
   nlohmann::json Summary() const {
     std::ifstream file(folder_ / "summary.json");
@@ -162,6 +187,33 @@ TEST_F(FrameProgram, SavesPicturesAContactSheetAndItsLogs) {
   };
   EXPECT_EQ(lines(frames), 5);
   EXPECT_GT(lines(sent), 4);
+}
+
+nlohmann::json WaitFor(const std::string& what) { return {{"do", "wait"}, {"for", what}}; }
+
+// Until the left eye shows green.
+nlohmann::json LookLeft(int timeoutSeconds) {
+  return {{"do", "look"},   {"label", "left"},          {"yaw", 60}, {"x", 3}, {"y", 5},
+          {"rgba", kGreen}, {"timeout", timeoutSeconds}};
+}
+
+// As on a slow machine: the head has long been turned when the first frame comes, and that shows what was in front.
+TEST_F(FrameProgram, TakesALookWhenThePictureShowsItAndHoldsTheHeadUntilThen) {
+  StartScript({WaitFor("connection"), LookLeft(20)});
+  ASSERT_TRUE(LooksLeftWithin(1000));
+  PresentSlowly(kRed, kRed, PoseSlot{});
+  EXPECT_TRUE(LooksLeftWithin(1));
+  PresentSlowly(kGreen, kRed, PoseSlot{});
+  ExpectExit(0);
+  EXPECT_EQ(ContactSheet(), "left  frame 1  yaw +60  pitch +0\n");
+}
+
+TEST_F(FrameProgram, FailsWhenALookDoesNotCome) {
+  StartScript({WaitFor("connection"), WaitFor("frames"), LookLeft(1)});
+  PresentSlowly(kRed, kRed, PoseSlot{});
+  ExpectExit(1);
+  EXPECT_THAT(program_.Output(), HasSubstr("no picture \"left\": no frame came"));
+  EXPECT_THAT(ContactSheet(), IsEmpty());
 }
 
 TEST_F(FrameProgram, SaysWhenTheTexturesCannotBeOpened) {
