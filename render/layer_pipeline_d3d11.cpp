@@ -23,7 +23,7 @@ static_assert(sizeof(LayerParameters) == kBufferSize && sizeof(TextureBounds) ==
 template <typename Content>
 void Fill(ID3D11DeviceContext& context, ID3D11Buffer* buffer, const Content& content) {
   D3D11_MAPPED_SUBRESOURCE mapped{};
-  if (buffer == nullptr || FAILED(context.Map(buffer, 0, D3D11_MAP_WRITE_DISCARD, 0, &mapped))) return;
+  if (FAILED(context.Map(buffer, 0, D3D11_MAP_WRITE_DISCARD, 0, &mapped))) return;
   std::memcpy(mapped.pData, &content, sizeof(content));
   context.Unmap(buffer, 0);
 }

@@ -24,7 +24,8 @@ class LayerPipeline {
 
   // Layers overwrite one another.
   void BindOpaqueBlend(ID3D11DeviceContext& context);
-  // A view may be null: its eye is then drawn from no texture. Nothing is drawn without a target, or unless CanDraw.
+  // A view may be null: its eye is then drawn from no texture. Nothing is drawn without a target, or unless CanDraw: what
+  // a draw call without shaders does is up to the graphics driver.
   void Draw(ID3D11DeviceContext& context, ID3D11RenderTargetView* target,
             const std::array<ID3D11ShaderResourceView*, 2>& eyes, const EyeBounds& bounds, std::uint8_t invertY);
 

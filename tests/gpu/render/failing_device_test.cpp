@@ -1,9 +1,17 @@
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
 #include "renderer_fixture.h"
 
 namespace ombrel::test {
 namespace {
 
+using testing::AllOf;
 using testing::Each;
+using testing::Field;
+using testing::IsEmpty;
+using testing::IsNull;
 using testing::SizeIs;
 
 class FailingDeviceTest : public RendererTest {
@@ -98,7 +106,7 @@ TEST_F(FailingDeviceTest, AViewThatCannotBeMadeIsLeftOut) {
   calls.Fail(bench::DeviceCall::kCreateShaderResourceView, E_OUTOFMEMORY);
   const auto handle = MakeEyeTexture();
   Compose(handle, handle);
-  for (const Drawn& drawn : calls.Of<Drawn>()) EXPECT_EQ(drawn.view, nullptr);
+  EXPECT_THAT(calls.Of<Drawn>(), AllOf(SizeIs(2), Each(Field(&Drawn::view, IsNull()))));
 }
 
 TEST_F(FailingDeviceTest, WhatFailedBeforeCanSucceedLater) {
@@ -147,17 +155,63 @@ TEST_F(FailingDeviceTest, AnyCallMayFailLaterAndSucceedAgain) {
   EXPECT_TRUE(renderer->CreateOutputTextures());
 }
 
-TEST_F(FailingDeviceTest, NothingIsDrawnWithPartsThatCouldNotBeMade) {
-  for (const DeviceCall call :
-       {DeviceCall::kCreateVertexShader, DeviceCall::kCreatePixelShader, DeviceCall::kCreateBuffer,
-        DeviceCall::kCreateBlendState, DeviceCall::kCreateSamplerState, DeviceCall::kCreateRenderTargetView}) {
+// One object of the pipeline: the call that makes it, and how many such calls come before.
+struct Made {
+  DeviceCall call;
+  std::size_t nth;
+};
+
+// The mirror's shaders are made before the layers', the premultiplied blend state before the opaque one.
+constexpr std::array kNeeded{Made{DeviceCall::kCreateVertexShader, 1},    Made{DeviceCall::kCreatePixelShader, 1},
+                             Made{DeviceCall::kCreateBuffer, 0},          Made{DeviceCall::kCreateBuffer, 1},
+                             Made{DeviceCall::kCreateBlendState, 1},      Made{DeviceCall::kCreateSamplerState, 0},
+                             Made{DeviceCall::kCreateRenderTargetView, 0}};
+constexpr std::array kSpare{Made{DeviceCall::kCreateVertexShader, 0}, Made{DeviceCall::kCreatePixelShader, 0},
+                            Made{DeviceCall::kCreateBlendState, 0}};
+
+class MissingObjectTest : public FailingDeviceTest {
+ protected:
+  std::size_t DrawsWithout(const Made& object) {
+    renderer = MakeHeadsetRenderer();
+    calls.FailOne(object.call, E_OUTOFMEMORY, object.nth);
+    EXPECT_TRUE(Start());
+    calls.Allow(object.call);
+    calls.Clear();
+    const auto handle = MakeEyeTexture();
+    Compose(handle, handle);
+    return calls.Of<Drawn>().size();
+  }
+};
+
+TEST_F(MissingObjectTest, NothingIsDrawnWithoutAnObjectThatALayerNeeds) {
+  for (const Made& object : kNeeded) {
+    EXPECT_EQ(DrawsWithout(object), 0u) << static_cast<int>(object.call) << ", " << object.nth;
+  }
+}
+
+TEST_F(MissingObjectTest, WhatNoLayerNeedsIsNotMissed) {
+  for (const Made& object : kSpare) {
+    EXPECT_EQ(DrawsWithout(object), 2u) << static_cast<int>(object.call) << ", " << object.nth;
+  }
+}
+
+TEST_F(MissingObjectTest, LayersAreDrawnAgainOnceItCouldBeMade) {
+  EXPECT_EQ(DrawsWithout({DeviceCall::kCreateSamplerState, 0}), 0u);
+  EXPECT_TRUE(renderer->CreateOutputTextures());
+  const auto handle = MakeEyeTexture();
+  Compose(handle, handle);
+  EXPECT_THAT(calls.Of<Drawn>(), SizeIs(2));
+}
+
+TEST_F(FailingDeviceTest, WithoutShadersEveryCallIsHarmless) {
+  for (const DeviceCall call : {DeviceCall::kCreateVertexShader, DeviceCall::kCreatePixelShader}) {
     calls.Fail(call, E_OUTOFMEMORY);
     renderer = MakeHeadsetRenderer();
     renderer->CreateDevice();
     DoEverything();
-    EXPECT_THAT(calls.Of<Drawn>(), SizeIs(0)) << static_cast<int>(call);
     calls.Allow(call);
   }
+  EXPECT_THAT(calls.Of<Drawn>(), IsEmpty());
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+#include "copy_shaders.h"
 #include "side.h"
 
 #include "sharing/device_observer.h"
@@ -106,6 +107,7 @@ TEST_F(ObserverTest, SeesTheCallsOfADraw) {
   side.context->PSSetShaderResources(1, 2, noViews);
   side.context->PSSetSamplers(3, 1, &noSampler);
   side.context->Flush();
+  BindCopyShaders(side);
   side.context->Draw(3, 6);
 }
 

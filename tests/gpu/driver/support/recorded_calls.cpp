@@ -69,7 +69,12 @@ RecordedCalls::~RecordedCalls() { bench::SetObserver(group_, nullptr); }
 
 void RecordedCalls::Fail(bench::DeviceCall call, HRESULT result) {
   const std::lock_guard lock(mutex_);
-  failing_[call] = result;
+  failing_[call] = {result, std::nullopt};
+}
+
+void RecordedCalls::FailOne(bench::DeviceCall call, HRESULT result, std::size_t nth) {
+  const std::lock_guard lock(mutex_);
+  failing_[call] = {result, asked_[call] + nth};
 }
 
 void RecordedCalls::Allow(bench::DeviceCall call) {
@@ -102,9 +107,10 @@ void RecordedCalls::Add(RecordedCall call) {
 std::optional<HRESULT> RecordedCalls::Answer(bench::DeviceCall call) {
   if (ownCalls) return std::nullopt;
   const std::lock_guard lock(mutex_);
-  ++asked_[call];
+  const std::size_t number = asked_[call]++;
   const auto found = failing_.find(call);
-  return found != failing_.end() ? std::optional(found->second) : std::nullopt;
+  if (found == failing_.end() || number != found->second.only.value_or(number)) return std::nullopt;
+  return found->second.result;
 }
 
 void RecordedCalls::OnCreateShaderResourceView(ID3D11Resource* /*resource*/,

@@ -29,6 +29,8 @@ class RecordedCalls : public bench::DeviceObserver {
 
   // From now on, until Allow, such calls have that result and no effect.
   void Fail(bench::DeviceCall call, HRESULT result);
+  // Only the `nth` of such calls from now on, counted from 0.
+  void FailOne(bench::DeviceCall call, HRESULT result, std::size_t nth);
   void Allow(bench::DeviceCall call);
 
   [[nodiscard]] std::vector<RecordedCall> All() const;
@@ -75,7 +77,11 @@ class RecordedCalls : public bench::DeviceObserver {
   const bench::DeviceGroup group_;
   mutable std::mutex mutex_;
   std::vector<RecordedCall> calls_;
-  std::map<bench::DeviceCall, HRESULT> failing_;
+  struct Failure {
+    HRESULT result;
+    std::optional<std::size_t> only;  // the count in asked_ of the one call that fails
+  };
+  std::map<bench::DeviceCall, Failure> failing_;
   std::map<bench::DeviceCall, std::size_t> asked_;
   ID3D11RenderTargetView* target_ = nullptr;  // bound last: the context keeps it alive
   const void* view_ = nullptr;                // bound last at slot 0
