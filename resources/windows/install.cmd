@@ -108,7 +108,7 @@ set "wanted=key"
 for /f "tokens=2 delims=:." %%C in ('chcp') do set "codepage=%%C"
 chcp 65001 >nul 2>&1
 for /f "usebackq delims=" %%L in ("%registry%") do (
-  set "rest=%%L"
+  set "rest=%%L*"
   call :take_line
 )
 if defined codepage chcp %codepage% >nul 2>&1
@@ -125,12 +125,14 @@ set "runtime="
 set "unreadable=1"
 exit /b
 
-rem Takes one line of the file, in rest. No path holds a question mark, so these may stand for the quotes.
+rem Takes one line of the file, in rest. No path holds a question mark, so these may stand for the quotes, nor an asterisk,
+rem so one marks the end of the line. The variable is thus never empty: cmd.exe as Wine has it cannot take the first
+rem character off the last one.
 :take_line
 set "rest=%rest:"=?%"
 :take_rest
 if "%wanted%"=="nothing" exit /b
-if not defined rest exit /b
+if "%rest%"=="*" exit /b
 if not "%wanted%"=="key" goto take_next
 if "%rest:?runtime?=%"=="%rest%" exit /b
 set "rest=%rest:*?runtime?=%"
@@ -156,5 +158,6 @@ exit /b
 if "%wanted%"=="colon" set "wanted=key" & goto take_rest
 set "wanted=nothing"
 if "%rest:~0,2%"=="??" exit /b
-for /f "delims=?" %%S in ("%rest%") do set "runtime=%%S"
+rem A string that does not end in its line is none: behind one that does there is at least the mark.
+for /f "tokens=1,2 delims=?" %%S in ("%rest%") do if not "%%T"=="" set "runtime=%%S"
 exit /b

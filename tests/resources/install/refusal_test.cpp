@@ -47,7 +47,8 @@ TEST_F(RefusalTest, WithoutALocalApplicationFolder) {
 }
 
 TEST_F(RefusalTest, WhenTheListOfRuntimesIsEmpty) {
-  for (const char* list : {"[]", "[ ]", "[\n\t]", "null", "[ \"\" ]", "{}", "[ null, \"C:\\\\second\" ]"}) {
+  for (const char* list :
+       {"[]", "[ ]", "[\n\t]", "null", "[ \"\" ]", "{}", "[ null, \"C:\\\\second\" ]", "[ \"C:\\\\unfinished"}) {
     SCOPED_TRACE(list);
     WriteRegistryText("{\n\t\"external_drivers\" : null,\n\t\"runtime\" : " + std::string(list) +
                       ",\n\t\"zzz\" : [ \"C:\\\\runtime\" ]\n}\n");
