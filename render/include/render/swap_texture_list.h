@@ -5,12 +5,12 @@
 #include <memory>
 #include <vector>
 
-#include "platform/sync.h"
 #include "render/headset_renderer.h"
 
 namespace ombrel {
 
-// The runtime's swap textures, which belong together in sets of three and to a process each. Any thread.
+// The runtime's swap textures, which belong together in sets of three and to a process each. One thread at a
+// time.
 class SwapTextureList {
  public:
   static constexpr std::uint32_t kNoSet = 0xFFFFFFFF;
@@ -34,8 +34,7 @@ class SwapTextureList {
   };
   void RemoveIf(const std::function<bool(const Record&)>& matches, const OnRemoved& onRemoved);
 
-  mutable Mutex mutex_;
-  std::vector<Record> records_;  // guarded by mutex_
+  std::vector<Record> records_;
 };
 
 }  // namespace ombrel

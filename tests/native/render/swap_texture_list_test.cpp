@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <thread>
 #include <vector>
 
 namespace ombrel::test {
@@ -79,19 +78,6 @@ TEST_F(SwapTextureListTest, LetsEachTextureGoBeforeItTellsOfIt) {
   std::vector<long> holders;
   list_.RemoveSet(0, [&](std::uint64_t) { holders.push_back(texture_.use_count()); });
   EXPECT_EQ(holders, (std::vector<long>{2, 1}));
-}
-
-TEST_F(SwapTextureListTest, SetsMayComeAndGoOnSeveralThreads) {
-  const auto comeAndGo = [this](std::uint32_t process) {
-    for (std::uint32_t i = 0; i < 100; ++i) {
-      for (std::uint64_t handle = 0; handle < 3; ++handle) Add(process * 1000 + i * 3 + handle, process, process + i);
-      EXPECT_EQ(RemoveSet(process + i).size(), 3U);
-    }
-  };
-  std::thread one(comeAndGo, 1000), two(comeAndGo, 2000);
-  one.join();
-  two.join();
-  EXPECT_EQ(texture_.use_count(), 1);
 }
 
 }  // namespace
