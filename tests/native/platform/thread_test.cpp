@@ -10,7 +10,7 @@
 namespace ombrel::test {
 namespace {
 
-constexpr std::uint32_t kLong = static_cast<std::uint32_t>(kPatience.count());
+constexpr std::uint32_t kThreadPatienceMs = static_cast<std::uint32_t>(kPatience.count());
 
 TEST(Thread, RunsItsBodyAndIsForgottenWhenJoined) {
   Thread thread;
@@ -32,11 +32,11 @@ TEST(Thread, AJoinWithABoundGivesUpOnAThreadThatRuns) {
   WakeSignal end;
   const std::uint32_t seen = end.Generation();
   Thread thread;
-  ASSERT_TRUE(thread.Start([&] { static_cast<void>(end.WaitFor(seen, kLong)); }));
+  ASSERT_TRUE(thread.Start([&] { static_cast<void>(end.WaitFor(seen, kThreadPatienceMs)); }));
   EXPECT_FALSE(thread.JoinFor(2));
   EXPECT_TRUE(thread.IsStarted());
   end.WakeAll();
-  EXPECT_TRUE(thread.JoinFor(kLong));
+  EXPECT_TRUE(thread.JoinFor(kThreadPatienceMs));
   EXPECT_FALSE(thread.IsStarted());
 }
 
