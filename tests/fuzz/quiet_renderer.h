@@ -11,6 +11,8 @@ class QuietRenderer final : public IHeadsetRenderer {
   void Configure(const OutputConfiguration& /*output*/) override {}
   bool CreateOutputTextures() override { return ready_ = true; }
   [[nodiscard]] bool IsReady() const override { return ready_; }
+  bool RemakeDevice() override { return true; }
+  [[nodiscard]] bool IsDeviceLost() override { return false; }
   [[nodiscard]] OutputSharing Sharing() override { return {.handles = {0x40000002, 0x40000006}, .invertY = 0}; }
   bool AcquireOutput(std::int32_t index, std::uint32_t timeoutMs) override;
   bool ReleaseOutput(std::int32_t index) override;
