@@ -162,7 +162,12 @@ double LoseDevice(ScenarioRun& run, DriverLife& life, FailingCalls& calls, std::
     life.Present();
     return !companion->Pipes().Connected();
   };
-  run.Check(WaitUntil(hasEnded, std::chrono::milliseconds(kPatienceMs)), "the connection ends with its device");
+  {
+    const PoseStream poses(companion->Pipes());  // a finished texture waits for one
+    if (!run.Check(WaitUntil(hasEnded, std::chrono::milliseconds(kPatienceMs)), "a connection ends with its device")) {
+      return 0;
+    }
+  }
   companion = std::make_unique<FrameCompanion>();
   if (!run.Check(companion->Connect(), "the driver connects when it has a device")) return 0;
   if (life.HasLayers()) life.RenewSwapSet();

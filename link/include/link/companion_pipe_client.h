@@ -34,7 +34,7 @@ class CompanionPipeClient {
   void AskBeforeConnecting(std::function<bool()> mayConnect) { mayConnect_ = std::move(mayConnect); }
   void Start();
   // Ends the threads and waits for them, closes the pipes and empties the listener lists. Not to be called from a
-  // listener. Bounded by what the listeners do plus a few milliseconds.
+  // listener. Bounded by what the listeners and the question before connecting take, plus a few milliseconds.
   void Stop();
 
   // Before Start. Called in this order.

@@ -33,7 +33,8 @@ class OmbrelCore final : public IFramerateUpdatedListener,
   // Server thread, once, when all who are to hear of the companion have been added to the client's listeners.
   void StartLink();
   // Server thread. Ends the link's threads, releases threads that are blocked in a hand-off or a pacing wait and waits
-  // for them: when it returns, nobody is in here. At most about two seconds, when a keyed mutex is waited for.
+  // for them: when it returns, nobody is in here. At most about two seconds, when a keyed mutex is waited for, or for as
+  // long as a graphics device takes to be made.
   void StopLink();
 
   [[nodiscard]] CompanionPipeClient& Client() { return client_; }
