@@ -82,7 +82,9 @@ bool BareOutputs::Make() {
   if (!MakeOutput(outputs_[0]) || !MakeOutput(outputs_[1])) return false;
   context_->Flush();
   held_ = 0;
-  return MakeState() && outputs_[held_].mutex->AcquireSync(kKey, kTimeoutMs) == S_OK;
+  if (!MakeState() || outputs_[held_].mutex->AcquireSync(kKey, kTimeoutMs) != S_OK) return false;
+  Clear();
+  return true;
 }
 
 bool BareOutputs::MakeOutput(Output& output) {
