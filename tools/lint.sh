@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Looks at the sources without running them: format, clang-tidy, the shell scripts, the architecture's rules.
+# Looks at the sources without running them: format, clang-tidy, what each file includes, the shell scripts, the
+# architecture's rules.
 # tools/lint.sh [--fix]: --fix formats the sources in place. What is not installed is left out, and said so.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -28,6 +29,23 @@ if has clang-tidy; then
     grep "^$PWD/" | grep -vE "/(build|tests)/" | sort -u)
   printf '%s\n' "${native[@]}" | xargs -P "$(nproc)" -n 4 clang-tidy -p build/host-asan --quiet \
     --extra-arg=-Wno-unknown-warning-option || failed=1
+fi
+
+# compile_alone PRESET: every file of a preset by itself. In a unity build a file can live on what its neighbours include.
+compile_alone() {
+  local folder=build/alone/$1
+  cmake --preset "$1" -B "$folder" -DOMBREL_UNITY=OFF -Wno-dev --log-level=WARNING >/dev/null
+  ninja -C "$folder" -t commands | grep -E " -c $PWD/[^ ]+$" | grep -vF " -c $PWD/build/" |
+    awk '!seen[$NF]++' | sed -E 's/ -MD -MT .* -c / -fsyntax-only -c /' |
+    (cd "$folder" && xargs -d '\n' -P "$(nproc)" -I '{}' sh -c '{}')
+}
+
+echo "== includes (each file compiled by itself, natively and for Windows)"
+if has ninja && has c++; then
+  compile_alone host-asan || failed=1
+fi
+if has ninja && has x86_64-w64-mingw32-g++-posix; then
+  compile_alone mingw-release || failed=1
 fi
 
 echo "== shell scripts"
