@@ -123,7 +123,7 @@ TEST_F(SteadyStateTest, HapticPulsesAllocateNothing) {
   int pulses = 0;
   SendRecords();
   ASSERT_EQ(runtime.Host().Added().at(1).driver->Activate(1), vr::VRInitError_None);
-  EXPECT_EQ(AllocationsOf([this] {
+  EXPECT_EQ(AllocationsOf([&] {
               runtime.Host().PushHaptic(bench::FakeProperties::ContainerOf(1), 1, 0.01F, 100, 1);
               Provider().RunFrame();
               pulses += server.Next(2000).has_value() ? 1 : 0;
