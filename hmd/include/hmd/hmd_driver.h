@@ -31,7 +31,8 @@ class HMDDriver : public vr::ITrackedDeviceServerDriver,
   HMDDriver(const HMDDriver&) = delete;
   HMDDriver& operator=(const HMDDriver&) = delete;
 
-  // Makes the output textures. Waits for those who make or use others at the moment: two seconds at most.
+  // Makes the output textures. Waits for those who make or use others at the moment: two seconds at most, besides the time
+  // that Direct3D takes to make a lost device anew.
   vr::EVRInitError Activate(std::uint32_t unObjectId) override;
   void Deactivate() override;
   void EnterStandby() override {}
