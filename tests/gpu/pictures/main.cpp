@@ -3,12 +3,14 @@
 // Ends with 1 when a channel of a pixel differs by more than one level of 255, or a picture has no counterpart.
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <stdexcept>
 
 #include "CLI/CLI.hpp"
 #include "layer_pictures.h"

@@ -1,3 +1,5 @@
+#include <stdexcept>
+
 #include "expectations.h"
 
 #include <gmock/gmock.h>

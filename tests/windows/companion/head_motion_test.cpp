@@ -1,3 +1,5 @@
+#include <cmath>
+
 #include "companion/head_motion.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+#include <stdexcept>
+
 #include "script.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,7 @@
 // The pose of a controller: what GetPose answers and what the runtime is sent, field by field.
 #include <gmock/gmock.h>
 
+#include <cmath>
 #include <limits>
 
 #include "controller_fixture.h"

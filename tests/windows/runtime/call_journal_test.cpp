@@ -1,6 +1,7 @@
 #include "runtime/call_journal.h"
 
 #include <fstream>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <atomic>
+#include <memory>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+#include <stdexcept>
+
 #include "csv_log.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,7 @@
 #include "latency.h"
 
 #include <sstream>
+#include <stdexcept>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+#include <stdexcept>
+
 #include "runtime/msvc_calls.h"
 
 #include <gtest/gtest.h>

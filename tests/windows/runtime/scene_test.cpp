@@ -1,6 +1,7 @@
 #include "scene_renderer.h"
 
 #include <cmath>
+#include <memory>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,6 @@
 #include "output_reader.h"
 
+#include <cmath>
 #include <cstdlib>
 #include <stdexcept>
 
