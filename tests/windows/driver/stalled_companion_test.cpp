@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
-#include <optional>
+#include <memory>
 #include <span>
 #include <thread>
 #include <vector>
@@ -43,7 +43,7 @@ class StalledCompanionTest : public DriverTest {
   // The next companion, which does not read either.
   [[nodiscard]] bool Reconnect() {
     pipes_.reset();
-    pipes_.emplace(SilentPipes::Which::kBoth, 0);
+    pipes_ = std::make_unique<SilentPipes>(SilentPipes::Which::kBoth, 0U);
     return IsConnected();
   }
 
@@ -93,7 +93,7 @@ class StalledCompanionTest : public DriverTest {
   }
 
   static constexpr std::size_t kPulseBytes = 20;
-  std::optional<SilentPipes> pipes_{std::in_place, SilentPipes::Which::kBoth, 0};
+  std::unique_ptr<SilentPipes> pipes_ = std::make_unique<SilentPipes>(SilentPipes::Which::kBoth, 0U);
 };
 
 // Of several companions, so that a busy machine does not decide: one wait for any of them would take half a second.
