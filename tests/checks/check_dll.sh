@@ -44,7 +44,9 @@ check_flags() {
 check_version() {
   resources=$("$WINDRES" -J coff -i "$dll" -O rc 2>/dev/null) || fail "has no resources"
   echo "$resources" | grep -qF "FILEVERSION $(echo "$version" | sed 's/\./, /g'), 0" || fail "FILEVERSION is not $version"
-  echo "$resources" | grep -qF "VALUE \"ProductVersion\", \"$version\"" || fail "ProductVersion is not $version"
+  # A commit may stand behind it.
+  echo "$resources" | grep -qE "VALUE \"ProductVersion\", \"$version(\+[0-9a-f]{12}(\.dirty)?)?\"" ||
+    fail "ProductVersion is not $version"
   echo "$resources" | grep -qF 'VALUE "OriginalFilename", "driver_ombrel.dll"' || fail "OriginalFilename is wrong"
 }
 
