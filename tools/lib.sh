@@ -14,6 +14,11 @@ say() {
   printf '\n== %s\n' "$*"
 }
 
+# help_if_asked ARGUMENT...: with --help, prints the comment at the head of the script and ends.
+help_if_asked() {
+  case " $* " in *" --help "* | *" -h "*) sed -n '2,/^[^#]/s/^# \{0,1\}//p' "tools/$(basename "$0")" && exit ;; esac
+}
+
 as_root() {
   if [ "$(id -u)" -eq 0 ]; then
     "$@"
