@@ -13,12 +13,20 @@ else()
   target_compile_options(ombrel_warnings INTERFACE $<$<CXX_COMPILER_ID:Clang>:-Wno-unused-private-field>)
 endif()
 
+# Symbols name the sources by /ombrel, wherever they were built: equal sources give equal files.
+set(OMBREL_DEBUG_PATHS "")
+if(MINGW)
+  set(OMBREL_DEBUG_PATHS
+    "-fdebug-prefix-map=${PROJECT_SOURCE_DIR}=/ombrel" "-fdebug-prefix-map=${PROJECT_BINARY_DIR}=/ombrel/build")
+endif()
+
 # ombrel_add_library(NAME SOURCES file... [DEPENDS target...] [PRIVATE_DEPENDS target...])
 # A static library whose public headers lie in its folder's include/.
 function(ombrel_add_library name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;DEPENDS;PRIVATE_DEPENDS")
   add_library(${name} STATIC ${arg_SOURCES})
   target_include_directories(${name} PUBLIC "${CMAKE_CURRENT_SOURCE_DIR}/include")
+  target_compile_options(${name} PRIVATE ${OMBREL_DEBUG_PATHS})
   target_link_libraries(${name}
     PUBLIC ${arg_DEPENDS} Threads::Threads
     PRIVATE ombrel_warnings ${arg_PRIVATE_DEPENDS})

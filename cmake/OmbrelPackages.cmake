@@ -1,0 +1,63 @@
+# What is installed, and the zips. `cmake --install <build folder> --prefix dist` makes dist/ombrel, the folder that a
+# runtime loads the driver from, and dist/symbols; the target dist does so, and packs a zip of each component beside them.
+# The folder dist/ of the sources belongs to the build in the preset's folder; other build folders make their own.
+
+if(PROJECT_BINARY_DIR STREQUAL "${PROJECT_SOURCE_DIR}/build/mingw-release"
+   OR PROJECT_BINARY_DIR STREQUAL "${PROJECT_SOURCE_DIR}/build/msvc-release")
+  set(OMBREL_DIST_DIR "${PROJECT_SOURCE_DIR}/dist")
+else()
+  set(OMBREL_DIST_DIR "${PROJECT_BINARY_DIR}/dist")
+endif()
+
+set(CMAKE_INSTALL_MESSAGE NEVER)
+
+# For Windows' editors and for cmd.exe, which misses labels in files without carriage returns.
+set(with_carriage_returns "${PROJECT_BINARY_DIR}/installed")
+foreach(file resources/windows/install.cmd resources/windows/uninstall.cmd THIRD_PARTY_NOTICES.txt)
+  cmake_path(GET file FILENAME name)
+  configure_file("${PROJECT_SOURCE_DIR}/${file}" "${with_carriage_returns}/${name}" @ONLY NEWLINE_STYLE CRLF)
+endforeach()
+
+set(resources "${PROJECT_SOURCE_DIR}/resources")
+install(FILES "${resources}/driver.vrdrivermanifest" "${with_carriage_returns}/THIRD_PARTY_NOTICES.txt"
+  "${with_carriage_returns}/install.cmd" "${with_carriage_returns}/uninstall.cmd"
+  DESTINATION ombrel COMPONENT driver)
+install(FILES "${resources}/driver.vrresources" DESTINATION ombrel/resources COMPONENT driver)
+install(DIRECTORY "${resources}/icons" "${resources}/input" "${resources}/localization" "${resources}/settings"
+  DESTINATION ombrel/resources COMPONENT driver)
+
+# The native build lays out the driver's folder without the library.
+if(TARGET driver_ombrel)
+  get_target_property(symbols driver_ombrel OMBREL_SYMBOLS)
+  install(TARGETS driver_ombrel RUNTIME DESTINATION ombrel/bin/win64 COMPONENT driver)
+  install(FILES "${symbols}" "${with_carriage_returns}/THIRD_PARTY_NOTICES.txt" DESTINATION symbols COMPONENT symbols)
+endif()
+
+# By the lists of this version and of those before it, install.cmd knows the files that only an older version had.
+install(CODE "set(list_of_files \"resources/files-${PROJECT_VERSION}.txt\")" COMPONENT driver)
+install(SCRIPT "${PROJECT_SOURCE_DIR}/cmake/list_installed_files.cmake" COMPONENT driver)
+
+if(NOT TARGET driver_ombrel)
+  return()
+endif()
+
+# ombrel_zip(COMPONENT SUFFIX): what is installed as COMPONENT becomes ombrel-<version>-<SUFFIX>.zip.
+macro(ombrel_zip component suffix)
+  list(APPEND CPACK_COMPONENTS_ALL ${component})
+  string(TOUPPER ${component} upper)
+  set(CPACK_ARCHIVE_${upper}_FILE_NAME "ombrel-${PROJECT_VERSION}-${suffix}")
+endmacro()
+
+ombrel_zip(driver win64)
+ombrel_zip(symbols symbols-win64)
+set(CPACK_GENERATOR ZIP)
+set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_GROUPING IGNORE)
+include(CPack)
+
+add_custom_target(dist ALL
+  COMMAND "${CMAKE_COMMAND}" "-DBUILD=${PROJECT_BINARY_DIR}" "-DCONFIG=$<CONFIG>" "-DDIST=${OMBREL_DIST_DIR}"
+    -P "${PROJECT_SOURCE_DIR}/cmake/make_dist.cmake"
+  DEPENDS driver_ombrel VERBATIM COMMENT "Laying out ${OMBREL_DIST_DIR}")
+set_property(GLOBAL PROPERTY OMBREL_DIST_DLL "${OMBREL_DIST_DIR}/ombrel/bin/win64/driver_ombrel.dll")
+set_property(GLOBAL PROPERTY OMBREL_DIST_ARCHIVE "${OMBREL_DIST_DIR}/ombrel-${PROJECT_VERSION}-win64.zip")

@@ -1,0 +1,15 @@
+# Part of an installation: writes the names of the files that were installed below ombrel/, as Windows writes them, one a
+# line, into the file that list_of_files names.
+set(root "${CMAKE_INSTALL_PREFIX}/ombrel")
+set(files "")
+foreach(file IN LISTS CMAKE_INSTALL_MANIFEST_FILES)
+  cmake_path(IS_PREFIX root "${file}" is_below)
+  if(is_below)
+    cmake_path(RELATIVE_PATH file BASE_DIRECTORY "${root}")
+    list(APPEND files "${file}")
+  endif()
+endforeach()
+list(SORT files)
+list(JOIN files "\r\n" lines)
+string(REPLACE "/" "\\" lines "${lines}")
+file(WRITE "${root}/${list_of_files}" "${lines}\r\n")
