@@ -1,10 +1,11 @@
 @echo off
 rem Tells SteamVR of the driver in this folder:      install.cmd [/quiet]
 rem and makes it forget the driver again:            uninstall.cmd [/quiet]
-rem Both call SteamVR's own vrpathreg.exe for this folder and change nothing else. /quiet does not wait for a key.
+rem Both call SteamVR's own vrpathreg.exe for this folder. Installing also deletes what an older version left in it.
+rem /quiet does not wait for a key.
 rem
 rem Exit codes: 0 done, 1 this folder is incomplete, 2 SteamVR keeps no list of its folders here, 3 that list names no
-rem folder of SteamVR, 4 there is no vrpathreg.exe in it, 5 vrpathreg.exe failed.
+rem folder of SteamVR, 4 there is no vrpathreg.exe in it, 5 vrpathreg.exe failed, 6 the driver is in use.
 rem
 rem Paths never stand in a call's arguments, since call expands them a second time, nor outside quotes: they may hold
 rem blanks, ampersands, carets, percent signs and exclamation marks.
@@ -12,6 +13,7 @@ setlocal EnableExtensions DisableDelayedExpansion
 
 set "verb=adddriver"
 set "quiet="
+set "files=files-@PROJECT_VERSION@.txt"
 :next_argument
 if "%~1"=="" goto begin
 if /i "%~1"=="/uninstall" set "verb=removedriver"
@@ -26,6 +28,15 @@ set "registry=%LOCALAPPDATA%\openvr\openvrpaths.vrpath"
 if "%verb%"=="removedriver" goto find_runtime
 if not exist "%folder%\bin\win64\driver_ombrel.dll" goto incomplete
 if not exist "%folder%\driver.vrdrivermanifest" goto incomplete
+if not exist "%folder%\resources\%files%" goto incomplete
+rem Windows opens no library for writing while it is loaded. Where the manifest cannot be written either, this user may not
+rem write here, and that tells nothing.
+set "file=bin\win64\driver_ombrel.dll"
+call :open_for_writing
+if not errorlevel 1 goto find_runtime
+set "file=driver.vrdrivermanifest"
+call :open_for_writing
+if not errorlevel 1 goto in_use
 
 :find_runtime
 if not exist "%registry%" goto no_registry
@@ -38,6 +49,7 @@ if not exist "%vrpathreg%" goto no_vrpathreg
 set "code=%errorlevel%"
 if not "%code%"=="0" goto vrpathreg_failed
 if "%verb%"=="removedriver" goto removed
+call :delete_leftovers
 echo SteamVR now knows the Ombrel driver in
 echo   "%folder%"
 echo If SteamVR is running, restart it. Start Ombrel.exe first: without it the driver declines.
@@ -55,8 +67,16 @@ goto end
 :incomplete
 echo Nothing was changed: this folder is not complete.
 echo   "%folder%"
-echo It lacks bin\win64\driver_ombrel.dll or driver.vrdrivermanifest. Unpack the whole archive and run install.cmd there.
+echo It lacks bin\win64\driver_ombrel.dll, driver.vrdrivermanifest or resources\%files%.
+echo Unpack the whole archive and run install.cmd there.
 set "code=1"
+goto end
+
+:in_use
+echo Nothing was changed: SteamVR is running with the driver in this folder, so Windows could not replace it.
+echo   "%folder%\bin\win64\driver_ombrel.dll"
+echo Close SteamVR, unpack the archive to this place once more, and run this again.
+set "code=6"
 goto end
 
 :no_registry
@@ -96,6 +116,46 @@ exit /b %code%
 :say_by_hand
 echo By hand, this does the same, with the folder of SteamVR put in:
 echo   "<SteamVR>\bin\win64\vrpathreg.exe" %verb% "%folder%"
+exit /b
+
+rem Where a redirection fails, the command is not run, and errorlevel stays as it was.
+:open_for_writing
+call :fail
+call :succeed 2>nul >>"%folder%\%file%"
+exit /b %errorlevel%
+
+:fail
+exit /b 1
+
+:succeed
+exit /b 0
+
+rem A version lists its files in resources\files-<version>.txt. The list of an older one, over which this one was unpacked,
+rem is still there, and so are files that only that one had. What no list names is the user's and stays.
+:delete_leftovers
+pushd "%folder%"
+for %%L in (resources\files-*.txt) do (
+  set "list=%%~nxL"
+  call :delete_files_of_list
+)
+popd
+exit /b
+
+:delete_files_of_list
+if /i "%list%"=="%files%" exit /b
+for /f "usebackq delims=" %%F in ("resources\%list%") do (
+  set "file=%%F"
+  call :delete_unless_ours
+)
+del /q "resources\%list%"
+exit /b
+
+:delete_unless_ours
+for /f "usebackq delims=" %%F in ("resources\%files%") do if /i "%file%"=="%%F" set "file="
+if not defined file exit /b
+if not exist "%file%" exit /b
+del /q "%file%"
+echo Deleted "%file%", which an older version left.
 exit /b
 
 rem Sets runtime to the first entry of the list "runtime", or leaves it undefined, with unreadable set if there is one.

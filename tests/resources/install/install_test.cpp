@@ -15,6 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kRegistry = "AppData/openvr/openvrpaths.vrpath";
+constexpr const char* kListOfFiles = "/resources/files-" OMBREL_TEST_VERSION ".txt";
 constexpr DWORD kTimeoutMs = 60'000;
 
 fs::path FromUtf8(const std::string& text) { return fs::path(std::u8string(text.begin(), text.end())); }
@@ -91,6 +92,30 @@ void InstallTest::PutDriver(const std::string& folder) {
   for (const char* script : {"install.cmd", "uninstall.cmd"}) {
     fs::copy_file(shipped / script, At(folder) / script);
   }
+  Touch(At(folder + kListOfFiles));
+}
+
+void InstallTest::UnpackOver(const std::string& folder) {
+  driver = folder;
+  fs::create_directories(At(folder));
+  fs::copy(FromEnvironment("OMBREL_TEST_DRIVER_FOLDER"), At(folder),
+           fs::copy_options::recursive | fs::copy_options::overwrite_existing);
+}
+
+void InstallTest::Write(const std::string& file, const std::string& bytes) const {
+  fs::create_directories(At(file).parent_path());
+  std::ofstream(At(file), std::ios::binary) << bytes;
+}
+
+std::string InstallTest::Read(const std::string& file) const { return ReadAll(At(file)); }
+
+std::vector<std::string> InstallTest::Files() const {
+  std::vector<std::string> files;
+  for (const fs::directory_entry& entry : fs::recursive_directory_iterator(At(driver))) {
+    if (entry.is_regular_file()) files.push_back(ToUtf8(entry.path().lexically_relative(At(driver))));
+  }
+  std::ranges::sort(files);
+  return files;
 }
 
 void InstallTest::WriteRegistry(const std::string& runtimeFolder) const {

@@ -27,6 +27,12 @@ class InstallTest : public testing::Test {
   // Sets up a runtime with a stand-in vrpathreg.exe, and the driver's folder with what the scripts look for in it.
   void PutRuntime(const std::string& folder);
   void PutDriver(const std::string& folder);
+  // Unpacks what is shipped there, over whatever is there; it is the driver's folder from now on.
+  void UnpackOver(const std::string& folder);
+  void Write(const std::string& file, const std::string& bytes) const;
+  [[nodiscard]] std::string Read(const std::string& file) const;
+  // All files in the driver's folder, sorted.
+  [[nodiscard]] std::vector<std::string> Files() const;
   void Remove(const std::string& file) const { std::filesystem::remove(At(file)); }
   // The registry as the runtime writes it, naming that runtime and two other drivers.
   void WriteRegistry(const std::string& runtime) const;

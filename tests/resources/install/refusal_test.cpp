@@ -1,6 +1,8 @@
 // What the scripts say and return where something is missing. Nothing may change then.
 #include <windows.h>
 
+#include <algorithm>
+
 #include "install_test.h"
 
 namespace ombrel::test {
@@ -33,6 +35,14 @@ TEST_F(RefusalTest, WithoutTheLibrary) {
 
 TEST_F(RefusalTest, WithoutTheManifest) {
   Remove(driver + "/driver.vrdrivermanifest");
+  ExpectRefused("install.cmd", 1, "not complete");
+}
+
+TEST_F(RefusalTest, WithoutTheListOfFiles) {
+  const std::vector<std::string> files = Files();
+  const auto list = std::ranges::find_if(files, [](const std::string& file) { return file.ends_with(".txt"); });
+  ASSERT_NE(list, files.end());
+  Remove(driver + "/" + *list);
   ExpectRefused("install.cmd", 1, "not complete");
 }
 
