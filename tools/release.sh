@@ -1,0 +1,55 @@
+#!/usr/bin/env bash
+# Makes what is published of the commit that is checked out: tools/release.sh [--twice]
+# out/release/ then holds a zip of the driver, one of its symbols, and SHA256SUMS.
+# Refuses a tree with changes. The same commit gives the same bytes as long as the compiler is the same; --twice builds in
+# two folders and compares.
+set -euo pipefail
+# shellcheck source=tools/lib.sh
+. "$(dirname "$0")/lib.sh"
+help_if_asked "$@"
+
+out=out/release
+umask 022  # zips hold permissions
+
+if [ -n "$(git status --porcelain)" ]; then
+  echo "there are changes that are not committed; a release is of a commit" >&2
+  git status --short >&2
+  exit 1
+fi
+commit=$(git describe --always --exclude='*' --abbrev=12)
+
+# build_from_nothing FOLDER: the driver alone, with the commit's time instead of the clock's.
+build_from_nothing() {
+  rm -rf "$1"
+  SOURCE_DATE_EPOCH=$(git log -1 --format=%ct)
+  export SOURCE_DATE_EPOCH
+  say "building $commit in $1"
+  cmake --preset mingw-release -B "$1" -DOMBREL_BUILD_BENCH=OFF -DOMBREL_BUILD_TESTS=OFF -Wno-dev --log-level=WARNING
+  cmake --build "$1" --target dist
+  WINEPREFIX=$PWD/$1/wine /usr/lib/wine/wineserver -k || true
+}
+
+# check FOLDER: what the tests check of a library, for this one.
+check() {
+  local dll=$1/dist/ombrel/bin/win64/driver_ombrel.dll version what
+  version=$(sed -n 's/^project(ombrel VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
+  export OBJDUMP=x86_64-w64-mingw32-objdump WINDRES=x86_64-w64-mingw32-windres
+  for what in exports imports flags size version; do
+    sh tests/checks/check_dll.sh "$what" "$dll" "$version"
+  done
+  sh tests/release/check_commit.sh "$dll" "$version+$commit"
+}
+
+prepare "${build_packages[@]}"
+build_from_nothing build/release
+check build/release
+rm -rf "$out"
+mkdir -p "$out"
+cp build/release/dist/*.zip "$out"
+(cd "$out" && sha256sum -- *.zip >SHA256SUMS)
+if [ "${1:-}" = --twice ]; then
+  build_from_nothing build/release_again
+  (cd build/release_again/dist && sha256sum --check "$OLDPWD/$out/SHA256SUMS")
+fi
+say "the release of $commit is in $out"
+cat "$out/SHA256SUMS"
