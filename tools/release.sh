@@ -18,31 +18,38 @@ if [ -n "$(git status --porcelain)" ]; then
 fi
 commit=$(git describe --always --exclude='*' --abbrev=12)
 
-# build_from_nothing FOLDER: the driver alone, with the commit's time instead of the clock's.
+# build_from_nothing FOLDER: the driver alone, in a clone, so that nobody's edits and no file that git ignores go in; with the
+# commit's time instead of the clock's.
 build_from_nothing() {
+  local openvr=$PWD/third_party/openvr
   rm -rf "$1"
-  SOURCE_DATE_EPOCH=$(git log -1 --format=%ct)
+  git clone --quiet --shared . "$1"
+  SOURCE_DATE_EPOCH=$(git -C "$1" log -1 --format=%ct)
   export SOURCE_DATE_EPOCH
   say "building $commit in $1"
-  cmake --preset mingw-release -B "$1" -DOMBREL_BUILD_BENCH=OFF -DOMBREL_BUILD_TESTS=OFF -Wno-dev --log-level=WARNING
-  cmake --build "$1" --target dist
-  WINEPREFIX=$PWD/$1/wine /usr/lib/wine/wineserver -k || true
+  (
+    cd "$1"
+    cmake --preset mingw-release "-DOMBREL_OPENVR_DIR=$openvr" -DOMBREL_BUILD_BENCH=OFF -DOMBREL_BUILD_TESTS=OFF \
+      -Wno-dev --log-level=WARNING
+    cmake --build --preset mingw-release --target dist
+    WINEPREFIX=$PWD/build/mingw-release/wine /usr/lib/wine/wineserver -k || true
+  )
 }
 
-# check FOLDER: what the tests check of a library, for this one.
+# check DLL: what the tests check of the library that they build, for this one.
 check() {
-  local dll=$1/dist/ombrel/bin/win64/driver_ombrel.dll version what
+  local version what
   version=$(sed -n 's/^project(ombrel VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
   export OBJDUMP=x86_64-w64-mingw32-objdump WINDRES=x86_64-w64-mingw32-windres
   for what in exports imports flags size version; do
-    sh tests/checks/check_dll.sh "$what" "$dll" "$version"
+    sh tests/checks/check_dll.sh "$what" "$1" "$version"
   done
-  sh tests/release/check_commit.sh "$dll" "$version+$commit"
+  sh tests/release/check_commit.sh "$1" "$version+$commit"
 }
 
 prepare "${build_packages[@]}"
 build_from_nothing build/release
-check build/release
+check build/release/dist/ombrel/bin/win64/driver_ombrel.dll
 rm -rf "$out"
 mkdir -p "$out"
 cp build/release/dist/*.zip "$out"

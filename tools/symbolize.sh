@@ -40,7 +40,7 @@ time_stamp() {
 # symbolize MODULE OFFSET
 symbolize() {
   local file base
-  file=$(find "$symbols" -iname "$1.debug" | head -n 1)
+  file=$(find "$symbols" -iname "$1.debug" -o -iname "$1.dll.debug" | head -n 1)
   [ -n "$file" ] || refuse "there are no symbols of $1 in $symbols"
   base=$("$binutils-objdump" -p "$file" | sed -n 's/^ImageBase[[:space:]]*/0x/p')
   echo "$1+$2 (time stamp $(time_stamp "$file")):"

@@ -27,6 +27,7 @@ line=$(grep -n 'HmdDriverFactory(' "$sources/$source" | head -n 1 | cut -d: -f1)
 expect "a function's offset" "HmdDriverFactory at $source:$line" --symbols "$dist/symbols" "driver_ombrel.dll+0x$offset"
 expect "the same out of the zip, in other letters" "HmdDriverFactory at $source:$line" \
   --symbols "$dist/ombrel-$version-symbols-win64.zip" "Driver_Ombrel.DLL+$offset"
+expect "the name as Wine writes it" "HmdDriverFactory at $source:$line" --symbols "$dist/symbols" "driver_ombrel+0x$offset"
 expect "an offset outside" "??" --symbols "$dist/symbols" driver_ombrel.dll+0x7fffffff
 expect "another module" "there are no symbols of other.dll" --symbols "$dist/symbols" other.dll+0x10
 expect "no offset" "driver_ombrel.dll is not MODULE+OFFSET" driver_ombrel.dll
