@@ -50,7 +50,7 @@ fi
 
 echo "== shell scripts"
 if has shellcheck; then
-  shellcheck -x tools/*.sh .ci/run tests/checks/*.sh tests/checks/msvc/*.sh || failed=1
+  shellcheck -x tools/*.sh .ci/run tests/checks/*.sh tests/checks/msvc/*.sh tests/release/*.sh || failed=1
 fi
 
 echo "== architecture"
