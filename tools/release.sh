@@ -18,12 +18,13 @@ if [ -n "$(git status --porcelain)" ]; then
 fi
 commit=$(git describe --always --exclude='*' --abbrev=12)
 
-# build_from_nothing FOLDER: the driver alone, in a clone, so that nobody's edits and no file that git ignores go in; with the
+# build_from_nothing FOLDER: the driver alone, in a clone, so that no edit and no file that git ignores goes in; with the
 # commit's time instead of the clock's.
 build_from_nothing() {
   local openvr=$PWD/third_party/openvr
   rm -rf "$1"
-  git clone --quiet --shared . "$1"
+  git clone --quiet --shared --no-checkout . "$1"
+  git -C "$1" checkout --quiet --detach "$commit"
   SOURCE_DATE_EPOCH=$(git -C "$1" log -1 --format=%ct)
   export SOURCE_DATE_EPOCH
   say "building $commit in $1"
