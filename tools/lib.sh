@@ -16,7 +16,10 @@ say() {
 
 # help_if_asked ARGUMENT...: with --help, prints the comment at the head of the script and ends.
 help_if_asked() {
-  case " $* " in *" --help "* | *" -h "*) sed -n '2,/^[^#]/s/^# \{0,1\}//p' "tools/$(basename "$0")" && exit ;; esac
+  case " $* " in *" --help "* | *" -h "*) ;; *) return ;; esac
+  trap - EXIT
+  sed -n '2,/^[^#]/s/^# \{0,1\}//p' "tools/$(basename "$0")"
+  exit
 }
 
 as_root() {
