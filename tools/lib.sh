@@ -8,7 +8,8 @@ build_packages=(cmake ninja-build g++-mingw-w64-x86-64-posix wine64
 display_packages=(xvfb libgl1 libgl1-mesa-dri libglx-mesa0)
 fuzz_packages=(g++ clang libclang-rt-dev llvm)
 msvc_packages=(clang-19 libc++-19-dev libwine-dev)
-test_packages=(mesa-vulkan-drivers libvulkan1 "${fuzz_packages[@]}" "${msvc_packages[@]}" vkd3d-compiler spirv-tools)
+test_packages=(mesa-vulkan-drivers libvulkan1 "${fuzz_packages[@]}" "${msvc_packages[@]}" vkd3d-compiler spirv-tools
+  python3-jsonschema python3-pil python3-pytest)
 
 say() {
   printf '\n== %s\n' "$*"
