@@ -14,15 +14,16 @@ def without_hand(path):
 def bound(document):
     """Each output: its place, how the actions that may stand there begin, the one that does, and the inputs that it is
     made of, each as path, mode and name."""
-    for actions, bindings in document["bindings"].items():
+    for action_set, bindings in document["bindings"].items():
         for number, source in enumerate(bindings.get("sources", [])):
             for name, taken in source["inputs"].items():
-                place = ["bindings", actions, "sources", number, "inputs", name]
-                yield place, f"{actions}/in/", taken["output"], [(source["path"], source["mode"], name)]
+                place = ["bindings", action_set, "sources", number, "inputs", name]
+                yield place, f"{action_set}/in/", taken["output"], [(source["path"], source["mode"], name)]
         for kind, direction in ("chords", "in"), ("poses", "in"), ("haptics", "out"):
             for number, binding in enumerate(bindings.get(kind, [])):
-                inputs = [(path, "button", name) for path, name in binding.get("inputs", [])]
-                yield ["bindings", actions, kind, number], f"{actions}/{direction}/", binding["output"], inputs
+                place = ["bindings", action_set, kind, number]
+                taken = [(path, "button", name) for path, name in binding.get("inputs", [])]
+                yield place, f"{action_set}/{direction}/", binding["output"], taken
 
 
 def actions(folder):
@@ -40,7 +41,7 @@ def actions(folder):
 def inputs(folder):
     sources = folder.profile.content["input_source"]
     for file, document in folder.menus, folder.legacy:
-        for place, path, mode, name in [(place, *taken) for place, _, _, inputs in bound(document) for taken in inputs]:
+        for place, path, mode, name in [(place, *one) for place, _, _, taken in bound(document) for one in taken]:
             if name not in runtime.MODES.get(mode, {}):
                 yield fault(file, place, f"there is no {name} in mode {mode}")
                 continue
@@ -59,25 +60,24 @@ def paths(folder):
 
 def both_hands(folder):
     for file, document in folder.menus, folder.legacy:
-        for actions, bindings in document["bindings"].items():
+        for action_set, bindings in document["bindings"].items():
             texts = [text for _, text in texts_in(bindings)]
             left, right = (collections.Counter(text.removeprefix(hand) for text in texts if text.startswith(hand))
                            for hand in (LEFT, RIGHT))
             for path in sorted((left - right) + (right - left)):
-                yield fault(file, ["bindings", actions], f"{path} is bound for one hand only")
+                yield fault(file, ["bindings", action_set], f"{path} is bound for one hand only")
 
 
 def parameters(folder):
     for file, document in folder.menus, folder.legacy:
-        for actions, number, source in [(actions, *numbered) for actions, bindings in document["bindings"].items()
-                                        for numbered in enumerate(bindings.get("sources", []))]:
-            place = ["bindings", actions, "sources", number, "parameters"]
-            given = source.get("parameters", {})
-            if source["mode"] == "scroll" and actions != f"/actions/scroll_{given.get('scroll_mode')}":
-                yield fault(file, place, f"scroll_mode is not that of {actions}")
-            press, release = (float(given.get(f"click_{when}_threshold", 0)) for when in ("activate", "deactivate"))
-            if given.keys() - {"scroll_mode"} and not 0 < release < press:
-                yield fault(file, place, "is not pressed at a threshold and released at a lighter one")
+        for action_set, bindings in document["bindings"].items():
+            for number, source in enumerate(bindings.get("sources", [])):
+                place, given = ["bindings", action_set, "sources", number, "parameters"], source.get("parameters", {})
+                if source["mode"] == "scroll" and action_set != f"/actions/scroll_{given.get('scroll_mode')}":
+                    yield fault(file, place, f"scroll_mode is not that of {action_set}")
+                press, release = (given.get(f"click_{when}_threshold") for when in ("activate", "deactivate"))
+                if press and not 0 < float(release) < float(press):
+                    yield fault(file, place, "is not pressed at a threshold and released at a lighter one")
 
 
 def controller_types(folder):

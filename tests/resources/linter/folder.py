@@ -75,10 +75,11 @@ def texts_schema(profile):
     return {"type": "array", "items": exactly(language | dict.fromkeys(keys, {"type": "string", "minLength": 1}))}
 
 
-def reason_of(error):
+def schema_faults(file, content, schema):
     """A schema's description says its rule in words."""
-    rule = error.schema.get("description")
-    return f"{rule}: {error.message}" if rule else error.message
+    for error in Validator(schema).iter_errors(content):
+        rule = f"{error.schema['description']}: " if "description" in error.schema else ""
+        yield fault(file, error.absolute_path, rule + error.message)
 
 
 class Document(typing.NamedTuple):
@@ -110,8 +111,7 @@ class Folder:
     def _load(self, file, schema, named_by="the runtime"):
         try:
             content = parse(self.files[file])
-            errors = Validator(schema).iter_errors(content)
-            faults = [fault(file, error.absolute_path, reason_of(error)) for error in errors]
+            faults = [*schema_faults(file, content, schema)]
         except KeyError:
             faults = [f"{named_by}: {file} does not exist"]
         except ValueError as error:

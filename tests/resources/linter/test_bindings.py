@@ -115,7 +115,7 @@ def layout(name, priority):
         [f"{REMAPPING}: layouts: by priority from ['vive_controller', 'vive_controller', 'knuckles', "]),
     "layout from a type that is not built in": (
         add(f"{REMAPPING}: layouts", layout("gamepad", 1)),
-        ["by priority from ['vive_controller', 'knuckles', 'oculus_touch', 'khr_simple_controller', 'gamepad'], not ["]),
+        [f"{REMAPPING}: layouts: by priority from ['vive_controller', 'knuckles', 'oculus_touch', 'khr_simple_"]),
     "other controllers before the wand": (
         put(f"{WAND} > priority", 95),
         [f"{REMAPPING}: layouts: by priority from ['knuckles', 'vive_controller', 'oculus_touch', "]),
