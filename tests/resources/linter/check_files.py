@@ -5,7 +5,7 @@ import io
 from PIL import Image
 
 import runtime
-from folder import fault, in_resources, texts_in
+from folder import exactly, fault, in_resources, schema_faults, texts_in
 
 SCRIPTS = ("install.cmd", "uninstall.cmd")
 LANGUAGES = ("en_US", "de_DE")
@@ -85,11 +85,21 @@ def components(folder):
         yield fault(file, ["input_source"], f"has {component}, which no controller has")
 
 
+def texts_schema(profile):
+    """In each language the controller's type, its inputs and its outputs; poses are the render model's."""
+    keys = [profile["controller_type"], *(path for path in profile["input_source"] if not path.startswith("/pose/"))]
+    language = {"language_tag": {"type": "string", "pattern": "^[a-z]{2}_[A-Z]{2}$"}}
+    return {"type": "array", "items": exactly(language | dict.fromkeys(keys, {"type": "string", "minLength": 1}))}
+
+
 def languages(folder):
-    tags = [language["language_tag"] for language in folder.texts.content]
+    file, texts = folder.texts
+    faults = [*schema_faults(file, texts, texts_schema(folder.profile.content))]
+    yield from faults
+    tags = [language["language_tag"] for language in texts] if not faults else LANGUAGES
     for tag in sorted({*tags, *LANGUAGES}):
         if tags.count(tag) != 1:
-            yield fault(folder.texts.file, [], f"has {tag} {tags.count(tag)} times")
+            yield fault(file, [], f"has {tag} {tags.count(tag)} times")
 
 
 def scripts(folder):

@@ -68,13 +68,6 @@ def settings_schema(facts):
     return exactly({facts.settings_section: exactly({key: types[kind] for key, kind in facts.settings.items()})})
 
 
-def texts_schema(profile):
-    """In each language the controller's type, its inputs and its outputs; poses are the render model's."""
-    keys = [profile["controller_type"], *(path for path in profile["input_source"] if not path.startswith("/pose/"))]
-    language = {"language_tag": {"type": "string", "pattern": "^[a-z]{2}_[A-Z]{2}$"}}
-    return {"type": "array", "items": exactly(language | dict.fromkeys(keys, {"type": "string", "minLength": 1}))}
-
-
 def schema_faults(file, content, schema):
     """A schema's description says its rule in words."""
     for error in Validator(schema).iter_errors(content):
@@ -96,6 +89,7 @@ class Folder:
         self.manifest = self._load("driver.vrdrivermanifest", schema_of("manifest"))
         self.settings = self._load("resources/settings/default.vrsettings", settings_schema(facts))
         self.icons = self._load("resources/driver.vrresources", schema_of("icons"))
+        self.texts = self._load("resources/localization/localization.json", {})
         self.profile = self._load(in_resources(facts.input_profile), schema_of("input_profile"), "the driver")
         if self.profile.content:
             self._follow(*self.profile)
@@ -103,7 +97,6 @@ class Folder:
     def _follow(self, file, profile):
         menus = file.rpartition("/")[0] + "/" + profile["default_bindings"][0]["binding_url"]
         legacy, remapping = in_resources(profile["legacy_binding"]), in_resources(profile["remapping"])
-        self.texts = self._load("resources/localization/localization.json", texts_schema(profile))
         self.menus = self._load(menus, schema_of("bindings"), f"{file}: default_bindings")
         self.legacy = self._load(legacy, schema_of("bindings"), f"{file}: legacy_binding")
         self.remapping = self._load(remapping, schema_of("remapping"), f"{file}: remapping")

@@ -1,5 +1,7 @@
 """What takes the bindings and the input profile together, and what the runtime knows."""
-from broken import LEGACY, MENUS, REMAPPING, add, broken, check, drop, put, replace
+import pytest
+
+from broken import LEGACY, MENUS, PROFILE, REMAPPING, add, broken, check, drop, put, replace
 
 LASER, SYSTEM = (f"{MENUS}: bindings > /actions/{name} > " for name in ("lasermouse", "system"))
 DISCRETE, SMOOTH = (f"{MENUS}: bindings > /actions/scroll_{mode} > " for mode in ("discrete", "smooth"))
@@ -90,12 +92,15 @@ def test_refused(change, expected):
     check(change, expected)
 
 
-@broken({
-    "menus": (replace(MENUS, "/actions/lasermouse/in/leftclick", "/actions/lasermouse/in/LeftClick", -1), []),
-    "legacy": (replace(LEGACY, "/actions/legacy/in/left_axis1_touch", "/actions/legacy/in/Left_Axis1_Touch"), []),
-})
-def test_actions_in_any_case_are_no_fault(change, expected):
-    check(change, expected)
+@pytest.mark.parametrize("change", [
+    replace(MENUS, "/actions/lasermouse/in/leftclick", "/actions/lasermouse/in/LeftClick", -1),
+    replace(LEGACY, "/actions/legacy/in/left_axis1_touch", "/actions/legacy/in/Left_Axis1_Touch"),
+    put(f"{PROFILE}: input_bindingui_mode", "single_device"),
+    put(f"{PROFILE}: input_bindingui_mode", "hmd"),
+    put(f"{REMAPPING}: layouts > 0 > remappings", []),
+])
+def test_what_the_runtime_takes_as_well_is_no_fault(change):
+    check(change, [])
 
 
 # The layouts, in the order of the file.

@@ -1,5 +1,5 @@
 """Files that cannot be read, and what takes several files, pictures or the driver's sources."""
-from broken import FILES, ICONS, MANIFEST, PROFILE, REMAPPING, SETTINGS, TEXTS
+from broken import FILES, ICONS, LEGACY, MANIFEST, MENUS, PROFILE, REMAPPING, SETTINGS, TEXTS
 from broken import broken, check, driver, drop, put, remove, replace, write
 
 OFF, READY, DENSE_READY, LOW, DIAGRAM, SPARE = (f"resources/icons/{name}.png" for name in (
@@ -104,7 +104,14 @@ def test_refused_picture(change, expected):
     "controller type that the others do not name": (
         put(f"{PROFILE}: controller_type", "wand"),
         [f"{TEXTS}: 0: 'wand' is a required property", f"{TEXTS}: 0: Additional properties are not allowed ('ombrel_",
-         f"{TEXTS}: 1: 'wand' is a required property", f"{TEXTS}: 1: Additional properties are not allowed ('ombrel_"]),
+         f"{TEXTS}: 1: 'wand' is a required property", f"{TEXTS}: 1: Additional properties are not allowed ('ombrel_",
+         *[f"{file}: controller_type: is not wand" for file in (MENUS, LEGACY)],
+         f"{REMAPPING}: to_controller_type: is not wand, as in the profile"]),
+    "no haptic output": (
+        drop(f"{PROFILE}: input_source > /output/haptic"),
+        [f"{PROFILE}: input_source: lacks /output/haptic, which a controller has",
+         *[f"{TEXTS}: {at}: Additional properties are not allowed ('/output/haptic' was unexpected)" for at in (0, 1)],
+         *["/output/haptic is not in the profile"] * 4]),
     "component of the controller missing": (
         put(f"{PROFILE}: input_source > /input/grip > click", False),
         [f"{PROFILE}: input_source: lacks /input/grip/click, which a controller has", *["click needs click, "] * 4]),

@@ -3,7 +3,8 @@ import pytest
 
 from broken import FACTS, FILES, ICONS, LEGACY, MANIFEST, MENUS, PROFILE, REMAPPING, SETTINGS, TEXTS
 from broken import drop, put
-from folder import parse, schema_faults, schema_of, settings_schema, texts_schema
+from check_files import texts_schema
+from folder import parse, schema_faults, schema_of, settings_schema
 
 SCHEMAS = {
     MANIFEST: schema_of("manifest"), SETTINGS: settings_schema(FACTS), ICONS: schema_of("icons"),
@@ -11,6 +12,7 @@ SCHEMAS = {
     MENUS: schema_of("bindings"), LEGACY: schema_of("bindings"), REMAPPING: schema_of("remapping")}
 LASER, SYSTEM = (f"{MENUS}: bindings > /actions/{name} > " for name in ("lasermouse", "system"))
 GRIP, HAPTIC, POSE = (f"{PROFILE}: input_source > {path}" for path in ("/input/grip", "/output/haptic", "/pose/front"))
+MENUS_ENTRY = {"app_key": "openvr.component.vrcompositor", "binding_url": "bindings_menus.json"}
 STEP = f"{REMAPPING}: layouts > 1 > autoremappings > 0"
 
 
@@ -42,6 +44,7 @@ def is_refused(where, value, beginning):
 def test_null_is_refused_everywhere(file):
     everywhere = [where for where, _ in places(file, parse(FILES[file])) if where != file]
     assert [where for where in everywhere if not is_refused(where, None, f"{where}: ")] == []
+    assert [*schema_faults(file, None, SCHEMAS[file])] != []
 
 
 @pytest.mark.parametrize("file", SCHEMAS)
@@ -98,6 +101,7 @@ def test_what_is_missing_is_named(above, key):
     (f"{PROFILE}: compatibility_mode_controller_type", "vive_controller", 'ignored beside "remapping": '),
     (f"{PROFILE}: input_bindingui_mode", "both_hands", "'both_hands' is not one of"),
     (f"{PROFILE}: default_bindings", [], "for the runtime's menus: []"),
+    (f"{PROFILE}: default_bindings", [MENUS_ENTRY, MENUS_ENTRY], "for the runtime's menus: [{"),
     (f"{PROFILE}: default_bindings > 0 > app_key", "menus", "'openvr.component.vrcompositor' was expected"),
     (f"{PROFILE}: default_bindings > 0 > binding_url", "{ombrel}/input/menus.json", "a file beside the profile: "),
     (f"{GRIP} > type", "squeeze", "'squeeze' is not one of"),
@@ -116,6 +120,7 @@ def test_what_is_missing_is_named(above, key):
     (f"{LASER}sources > 0 > parameters", {"click_activate_threshold": "0.6"}, "'click_deactivate_threshold' is a"),
     (f"{SYSTEM}chords > 0 > inputs", [["/user/hand/left/input/system", "held"]], "several inputs at once: [["),
     (f"{SYSTEM}chords > 0 > inputs > 0", ["/user/hand/left/input/system"], "a path and one of its inputs: ['/"),
+    (f"{STEP} > mirror", 0, "0 is not of type 'boolean'"),
     (f"{STEP} > to", "/input/trigger", "a hand's input: '/input/trigger' does not match"),
     (f"{STEP} > to", "/user/hand/right/output/haptic", "a hand's input: '/user/hand/right/output/haptic' does not"),
 ])
