@@ -1,4 +1,5 @@
 """Rules for all files but bindings. Each yields its faults."""
+import fnmatch
 import functools
 import io
 
@@ -34,7 +35,7 @@ def references(folder):
             yield fault(file, place, f"{text} does not exist")
     for file in sorted(folder.files):
         # "a@2x.png" is the dense form of "a.png" and goes with it.
-        if file.startswith("resources/") and file.replace("@2x.", ".") not in named:
+        if fnmatch.fnmatch(file, "resources/*/*") and file.replace("@2x.", ".") not in named:
             yield fault(file, [], "nothing names it")
 
 

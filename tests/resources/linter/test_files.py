@@ -44,7 +44,7 @@ SIDES = ("left", "right")
         driver(lambda facts: facts.references.add("{other}/icons/headset_off.png")),
         ["the driver: {other}/icons/headset_off.png is of another driver"]),
     "file that nothing names": (
-        write("resources/input/forgotten.txt", b"?"), ["resources/input/forgotten.txt: nothing names it"]),
+        write("resources/settings/forgotten.json", b"{"), ["resources/settings/forgotten.json: nothing names it"]),
     "language missing": (drop(f"{TEXTS}: 1"), [f"{TEXTS}: has de_DE 0 times"]),
     "language twice": (
         put(f"{TEXTS}: 1 > language_tag", "en_US"), [f"{TEXTS}: has de_DE 0 times", f"{TEXTS}: has en_US 2 times"]),
