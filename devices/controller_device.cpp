@@ -1,10 +1,10 @@
 #include "devices/controller_device.h"
 
+#include "context/component_name.h"
+#include "context/device_properties.h"
 #include "context/driver_context.h"
 #include "context/driver_log.h"
-#include "devices/component_name.h"
 #include "devices/controller_pose.h"
-#include "devices/device_properties.h"
 #include "platform/guarded.h"
 
 namespace ombrel {
@@ -46,7 +46,7 @@ ControllerDevice::ControllerDevice(OmbrelCore* link, vr::IVRServerDriverHost* ho
                          {kTrigger, "/input/trigger/click"}}},
       touchComponents_{{{kTrackpad, "/input/trackpad/touch"}}},
       axisComponents_{{{0, "/input/trackpad/x"}, {1, "/input/trackpad/y"}, {10, "/input/trigger/value"}}},
-      lastPose_(InitialPose()),
+      pose_(InitialPose()),
       host_(host),
       controllerId_(controllerId),
       link_(link),
@@ -91,19 +91,12 @@ void* ControllerDevice::GetComponent(const char* pchComponentNameAndVersion) {
   return isDevice ? static_cast<vr::ITrackedDeviceServerDriver*>(this) : nullptr;
 }
 
-vr::DriverPose_t ControllerDevice::CurrentPose() const {
-  vr::DriverPose_t pose = InitialPose();
-  if (hasRecord_.load(std::memory_order_acquire)) ApplyControllerPose(lastRecord_.Load(), pose);
-  return pose;
-}
-
 void ControllerDevice::UpdateFromRecord(const ControllerUpdate& record) {
   const std::uint32_t index = deviceIndex_;
   if (index == vr::k_unTrackedDeviceIndexInvalid) return;
-  ApplyControllerPose(record, lastPose_);
-  lastRecord_.StoreAlone(record);
-  hasRecord_.store(true, std::memory_order_release);
-  host_->TrackedDevicePoseUpdated(index, lastPose_, sizeof(lastPose_));
+  const vr::DriverPose_t pose = BuildControllerPose(record);
+  pose_.Store(pose);
+  host_->TrackedDevicePoseUpdated(index, pose, sizeof(pose));
   SendButtons(record.state);
   SendAxes(record.state);
   lastState_ = record.state;

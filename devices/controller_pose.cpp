@@ -1,10 +1,9 @@
 #include "devices/controller_pose.h"
 
-#include <array>
+#include <bit>
 #include <cstddef>
-#include <cstring>
-#include <span>
 
+#include "context/tracking_state.h"
 #include "link/quaternion.h"
 
 namespace ombrel {
@@ -12,43 +11,23 @@ namespace {
 
 constexpr double kPoseTimeOffsetSeconds = 0.04;
 
-// The last eight bytes of a pose, which are written at once: what is written byte by byte cannot be read as a word, to be
-// published, until it has gone all the way to memory.
-struct Status {
-  vr::ETrackingResult result;
-  bool poseIsValid;
-  bool willDriftInYaw = false;
-  bool shouldApplyHeadModel = false;
-  bool deviceIsConnected;
-};
-static_assert(sizeof(Status) == 8 && offsetof(vr::DriverPose_t, result) + sizeof(Status) == sizeof(vr::DriverPose_t));
-static_assert(offsetof(vr::DriverPose_t, deviceIsConnected) ==
-              offsetof(vr::DriverPose_t, result) + offsetof(Status, deviceIsConnected));
-
-// By tracking state.
-constexpr std::array<Status, 3> kStatus{{
-    {.result = vr::TrackingResult_Running_OK, .poseIsValid = true, .deviceIsConnected = true},
-    {.result = vr::TrackingResult_Running_OutOfRange, .poseIsValid = false, .deviceIsConnected = true},
-    {.result = vr::TrackingResult_Uninitialized, .poseIsValid = false, .deviceIsConnected = false},
-}};
-
-const Status& StatusOf(std::uint32_t trackingState) {
-  return kStatus[trackingState < kStatus.size() ? trackingState : 0];
-}
-
 }  // namespace
 
-void ApplyControllerPose(const ControllerUpdate& record, vr::DriverPose_t& pose) {
-  const MatrixBytes matrix(std::as_bytes(std::span(record.pose)));
-  const Quaternion rotation = FromMatrixBySquareRoots(matrix);
+vr::DriverPose_t BuildControllerPose(const ControllerUpdate& record) {
+  vr::DriverPose_t pose{};
   pose.poseTimeOffset = kPoseTimeOffsetSeconds;
   pose.qWorldFromDriverRotation = {1.0, 0.0, 0.0, 0.0};
   pose.qDriverFromHeadRotation = {1.0, 0.0, 0.0, 0.0};
-  for (std::size_t axis = 0; axis < 3; ++axis) pose.vecPosition[axis] = matrix[axis][3];
-  for (std::size_t axis = 0; axis < 3; ++axis) pose.vecVelocity[axis] = record.velocity[axis];
-  for (std::size_t axis = 0; axis < 3; ++axis) pose.vecAcceleration[axis] = record.acceleration[axis];
+  const auto matrix = std::bit_cast<Matrix3x4>(record.pose);
+  const Quaternion rotation = FromMatrixBySquareRoots(matrix);
   pose.qRotation = {rotation.w, rotation.x, rotation.y, rotation.z};
-  std::memcpy(&pose.result, &StatusOf(record.trackingState), sizeof(Status));
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    pose.vecPosition[axis] = matrix[axis][3];
+    pose.vecVelocity[axis] = record.velocity[axis];
+    pose.vecAcceleration[axis] = record.acceleration[axis];
+  }
+  ApplyTrackingState(record.trackingState, pose);
+  return pose;
 }
 
 }  // namespace ombrel

@@ -2,9 +2,9 @@
 
 #include <array>
 
+#include "context/component_name.h"
+#include "context/device_properties.h"
 #include "context/driver_log.h"
-#include "devices/component_name.h"
-#include "devices/device_properties.h"
 #include "platform/guarded.h"
 
 namespace ombrel {

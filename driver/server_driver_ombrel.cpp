@@ -147,7 +147,7 @@ void CServerDriver_Ombrel::SendHapticPulse(vr::PropertyContainerHandle_t contain
   if (link == nullptr || !link->Client().IsConnected()) return;
   const std::int64_t now = PerformanceCounter();
   link->Client().Send(LinkMessageType::kHapticPulse,
-                      MakeHapticPulse(controller->ControllerId(), now, link->CounterFrequency(), durationSeconds), now);
+                      MakeHapticPulse(controller->ControllerId(), now, PerformanceFrequency(), durationSeconds), now);
 }
 
 bool CServerDriver_Ombrel::ShouldBlockStandbyMode() {

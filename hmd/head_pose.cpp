@@ -1,27 +1,15 @@
 #include "hmd/head_pose.h"
 
+#include <cstddef>
+
+#include "context/tracking_state.h"
+
 namespace ombrel {
 namespace {
 
 constexpr float kRadiansPerDegree = 0.017453292F;
 
 vr::HmdQuaternion_t Widened(const Quaternion& q) { return {q.w, q.x, q.y, q.z}; }
-
-void ApplyTrackingState(std::uint32_t trackingState, vr::DriverPose_t& pose) {
-  switch (trackingState) {
-    case 1:
-      pose.result = vr::TrackingResult_Running_OutOfRange;
-      pose.poseIsValid = false;
-      break;
-    case 2:
-      pose.result = vr::TrackingResult_Uninitialized;
-      pose.poseIsValid = false;
-      pose.deviceIsConnected = false;
-      break;
-    default:
-      break;
-  }
-}
 
 }  // namespace
 
@@ -36,16 +24,13 @@ vr::DriverPose_t BuildHeadPose(const LinkPoseRecord& head, bool hasTrackingData,
   vr::DriverPose_t pose{};
   pose.qWorldFromDriverRotation.w = 1.0;
   pose.qDriverFromHeadRotation.w = 1.0;
-  pose.result = vr::TrackingResult_Running_OK;
-  pose.poseIsValid = true;
   pose.willDriftInYaw = true;
-  pose.deviceIsConnected = true;
+  ApplyTrackingState(hasTrackingData ? head.trackingState : 0, pose);
   if (hasTrackingData) {
     pose.qRotation = Widened(offsets.rotationOffsetY * (head.orientation * offsets.rotationOffsetXZ));
     pose.vecPosition[0] = head.position.x;
     pose.vecPosition[1] = head.position.y;
     pose.vecPosition[2] = head.position.z;
-    ApplyTrackingState(head.trackingState, pose);
   } else {
     pose.qRotation.w = 1.0;
     pose.vecPosition[1] = kDefaultHeadHeightMeters;

@@ -4,11 +4,11 @@
 #include <mutex>
 #include <utility>
 
+#include "context/component_name.h"
+#include "context/device_properties.h"
 #include "context/driver_context.h"
 #include "context/driver_log.h"
 #include "context/settings.h"
-#include "devices/component_name.h"
-#include "devices/device_properties.h"
 #include "platform/clock.h"
 #include "platform/guarded.h"
 
@@ -52,7 +52,8 @@ void HMDDriver::ApplySettings() {
 void HMDDriver::LogConfiguration() const {
   Log("driver_ombrel: Serial Number: %s\n", serialNumber_.c_str());
   Log("driver_ombrel: Model Number: %s\n", modelNumber_.c_str());
-  Log("driver_ombrel: Window: %d %d %d %d\n", windowX_, windowY_, geometry_.windowWidth, geometry_.windowHeight);
+  Log("driver_ombrel: Window: %d %d %d %d\n", geometry_.windowX, geometry_.windowY, geometry_.windowWidth,
+      geometry_.windowHeight);
   Log("driver_ombrel: Render Target: %d %d\n", geometry_.renderTargetWidth, geometry_.renderTargetHeight);
   Log("driver_ombrel: Seconds from Vsync to Photons: %f\n", static_cast<double>(secondsFromVsyncToPhotons_));
   Log("driver_ombrel: Display Frequency: %f\n", static_cast<double>(displayFrequency_));

@@ -1,6 +1,6 @@
 #include "hmd/hmd_driver_virtual.h"
 
-#include "devices/component_name.h"
+#include "context/component_name.h"
 
 namespace ombrel {
 

@@ -44,6 +44,6 @@ vr::IVRProperties* DriverContext::Properties() { return Fetch(properties_, vr::I
 vr::IVRDriverLog* DriverContext::DriverLog() { return Fetch(driverLog_, vr::IVRDriverLog_Version); }
 vr::IVRDriverManager* DriverContext::DriverManager() { return Fetch(driverManager_, vr::IVRDriverManager_Version); }
 vr::IVRResources* DriverContext::Resources() { return Fetch(resources_, vr::IVRResources_Version); }
-vr::IVRDriverInput* DriverContext::FetchDriverInput() { return Fetch(driverInput_, vr::IVRDriverInput_Version); }
+vr::IVRDriverInput* DriverContext::DriverInput() { return Fetch(driverInput_, vr::IVRDriverInput_Version); }
 
 }  // namespace ombrel

@@ -28,7 +28,7 @@ class ControllerDevice final : public vr::ITrackedDeviceServerDriver {
   void EnterStandby() override {}
   void* GetComponent(const char* pchComponentNameAndVersion) override;
   void DebugRequest(const char* /*request*/, char* /*response*/, std::uint32_t /*size*/) override {}
-  OMBREL_RETURNS_STRUCT(vr::DriverPose_t, GetPose, CurrentPose())
+  OMBREL_RETURNS_STRUCT(vr::DriverPose_t, GetPose, pose_.Load())
 
   // Reader thread: moves the device and sends what changed of its inputs. Changes nothing before Activate.
   void UpdateFromRecord(const ControllerUpdate& record);
@@ -42,7 +42,6 @@ class ControllerDevice final : public vr::ITrackedDeviceServerDriver {
   void ForgetLink() { link_ = nullptr; }
 
  private:
-  [[nodiscard]] vr::DriverPose_t CurrentPose() const;
   void CreateInputs();
   void SendButtons(const ControllerState& state) const;
   void SendAxes(const ControllerState& state) const;
@@ -51,11 +50,7 @@ class ControllerDevice final : public vr::ITrackedDeviceServerDriver {
   std::array<InputComponent, 5> buttonComponents_;
   std::array<InputComponent, 1> touchComponents_;
   std::array<InputComponent, 3> axisComponents_;
-  vr::DriverPose_t lastPose_;  // reader thread
-  // What GetPose makes its answer of. A third less to publish than the pose, which is asked for far more seldom than
-  // records come.
-  SeqLock<ControllerUpdate> lastRecord_;
-  std::atomic<bool> hasRecord_{false};
+  SeqLock<vr::DriverPose_t> pose_;
   ControllerState lastState_{};  // reader thread
   vr::IVRServerDriverHost* const host_;
   const std::int32_t controllerId_;

@@ -6,8 +6,7 @@
 
 namespace ombrel {
 
-// Puts a record's pose into `pose`: position, rotation (a half-turn about an axis gives the zero quaternion), velocity,
-// acceleration and status. Fields that records say nothing about are left alone.
-void ApplyControllerPose(const ControllerUpdate& record, vr::DriverPose_t& pose);
+// The controller's pose as the runtime takes it. What a record says nothing about is zero.
+[[nodiscard]] vr::DriverPose_t BuildControllerPose(const ControllerUpdate& record);
 
 }  // namespace ombrel

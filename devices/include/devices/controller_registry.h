@@ -2,9 +2,9 @@
 
 #include <openvr_driver.h>
 
-#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 #include "devices/controller_device.h"
@@ -30,19 +30,9 @@ class ControllerRegistry {
   void Retire();
 
  private:
-  struct Slot {
-    std::uint32_t controllerId = 0;
-    ControllerDevice* device = nullptr;  // null: free
-  };
-  // Where the id stands, or the free slot where it would.
-  [[nodiscard]] std::size_t SlotOf(std::uint32_t controllerId) const;
-  void Grow();
-
-  // The reader thread's, both: all that were ever made, and where those that are known stand.
+  // The reader thread's, both: all that were ever made, and those that are known.
   std::vector<std::unique_ptr<ControllerDevice>> controllers_;
-  // Looked up for each record, so without the division and the detour of a standard map. A power of two of slots, at
-  // most half of them taken: an id is at its own place or at one of the next.
-  std::vector<Slot> slots_;
+  std::unordered_map<std::uint32_t, ControllerDevice*> known_;
   AppendOnlyList<ControllerDevice*> walk_;
 };
 

@@ -4,8 +4,10 @@
 
 namespace ombrel {
 
-// Sizes of the headset's picture, in pixels: one eye's, and the whole window with both eyes side by side.
+// The headset's picture, in pixels: one eye's, and the whole window with both eyes side by side.
 struct DisplayGeometry {
+  std::int32_t windowX = -1;  // compatibility.md, C19
+  std::int32_t windowY = -1;
   std::int32_t renderTargetWidth = 1280;
   std::int32_t renderTargetHeight = 1440;
   float renderScale = 1.0F;

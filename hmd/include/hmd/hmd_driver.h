@@ -9,6 +9,7 @@
 
 #include "hmd/display_geometry.h"
 #include "hmd/head_pose.h"
+#include "hmd/hmd_display.h"
 #include "link/listeners.h"
 #include "link/ombrel_core.h"
 #include "platform/runtime_abi.h"
@@ -23,7 +24,7 @@ namespace ombrel {
 // The runtime's server thread constructs, activates and asks; the link's reader thread calls the listeners. No call
 // waits for anything but a frame under way (destruction), the making of textures (Activate), or the runtime.
 class HMDDriver : public vr::ITrackedDeviceServerDriver,
-                  public vr::IVRDisplayComponent,
+                  public HMDDisplay,
                   public ITrackingUpdatedListener,
                   public IFramerateUpdatedListener {
  public:
@@ -40,16 +41,6 @@ class HMDDriver : public vr::ITrackedDeviceServerDriver,
   void* GetComponent(const char* pchComponentNameAndVersion) override;
   void DebugRequest(const char* pchRequest, char* pchResponseBuffer, std::uint32_t unResponseBufferSize) override;
   OMBREL_RETURNS_STRUCT(vr::DriverPose_t, GetPose, pose_.Load())
-
-  void GetWindowBounds(std::int32_t* pnX, std::int32_t* pnY, std::uint32_t* pnWidth, std::uint32_t* pnHeight) override;
-  bool IsDisplayOnDesktop() override { return false; }
-  bool IsDisplayRealDisplay() override { return false; }
-  void GetRecommendedRenderTargetSize(std::uint32_t* pnWidth, std::uint32_t* pnHeight) override;
-  void GetEyeOutputViewport(vr::EVREye eEye, std::uint32_t* pnX, std::uint32_t* pnY, std::uint32_t* pnWidth,
-                            std::uint32_t* pnHeight) override;
-  void GetProjectionRaw(vr::EVREye eEye, float* pfLeft, float* pfRight, float* pfTop, float* pfBottom) override;
-  OMBREL_RETURNS_STRUCT(vr::DistortionCoordinates_t, ComputeDistortion, Undistorted(fU, fV), vr::EVREye /*eEye*/,
-                        float fU, float fV)
 
   void OnTrackingUpdated() override;
   void OnFramerateUpdated(std::uint32_t framesPerSecond) override;
@@ -69,12 +60,10 @@ class HMDDriver : public vr::ITrackedDeviceServerDriver,
   void CreateProximityInput();
   void PublishPose();
   [[nodiscard]] bool IsActivated() const { return deviceIndex_ != vr::k_unTrackedDeviceIndexInvalid; }
-  [[nodiscard]] static vr::DistortionCoordinates_t Undistorted(float u, float v);
+  [[nodiscard]] const DisplayGeometry& Geometry() const override { return geometry_; }
 
   const std::string serialNumber_ = "0.8";
   const std::string modelNumber_ = "Ombrel";
-  const std::int32_t windowX_ = -1;
-  const std::int32_t windowY_ = -1;
   DisplayGeometry geometry_;
   const float secondsFromVsyncToPhotons_ = 0.005F;
   Mutex frequencyMutex_;  // held while the frequency is changed and written as a property, so that the last one stands

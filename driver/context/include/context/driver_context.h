@@ -22,14 +22,9 @@ class DriverContext {
   vr::IVRDriverLog* DriverLog();
   vr::IVRDriverManager* DriverManager();
   vr::IVRResources* Resources();
-  // Asked for with each input that changes.
-  vr::IVRDriverInput* DriverInput() {
-    vr::IVRDriverInput* known = driverInput_.load(std::memory_order_acquire);
-    return known != nullptr ? known : FetchDriverInput();
-  }
+  vr::IVRDriverInput* DriverInput();
 
  private:
-  vr::IVRDriverInput* FetchDriverInput();
   template <typename Interface>
   Interface* Fetch(std::atomic<Interface*>& slot, const char* version);
 
