@@ -1,4 +1,4 @@
-#include "devices/component_name.h"
+#include "context/component_name.h"
 
 #include <gtest/gtest.h>
 

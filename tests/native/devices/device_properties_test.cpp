@@ -1,4 +1,4 @@
-#include "devices/device_properties.h"
+#include "context/device_properties.h"
 
 #include <gtest/gtest.h>
 
