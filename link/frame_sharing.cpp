@@ -22,8 +22,8 @@ void FrameSharing::CreateBlock() {
 }
 
 void FrameSharing::CreateMutexes() {
-  frameMutex0_.Create(frameSharingName_ + "0");
-  frameMutex1_.Create(frameSharingName_ + "1");
+  frameMutex0_ = CreateNamedMutex(frameSharingName_ + "0");
+  frameMutex1_ = CreateNamedMutex(frameSharingName_ + "1");
 }
 
 void FrameSharing::WriteSlot(std::int32_t slot, const FramePose& pose) {

@@ -6,17 +6,12 @@ namespace ombrel {
 
 // Natively the block is private memory: nobody else is there to share it with.
 bool NamedMemory::Create(const std::string& /*name*/, std::size_t size) {
-  Close();
-  view_ = std::calloc(1, size);
+  view_.reset(static_cast<std::byte*>(std::calloc(1, size)));
   return view_ != nullptr;
 }
 
-void NamedMemory::Close() {
-  std::free(view_);
-  view_ = nullptr;
-}
+void NamedMemory::Unmap::operator()(std::byte* view) const { std::free(view); }
 
-bool NamedMutex::Create(const std::string& /*name*/) { return true; }
-void NamedMutex::Close() {}
+OwnedHandle CreateNamedMutex(const std::string& /*name*/) { return {}; }
 
 }  // namespace ombrel

@@ -1,11 +1,11 @@
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include "platform/pipe.h"
 
@@ -20,8 +20,6 @@ std::string SocketPath(const char* name) {
   return std::string(folder != nullptr ? folder : ".") + "/" + (last != nullptr ? last + 1 : name);
 }
 
-int AsSocket(std::intptr_t native) { return static_cast<int>(native); }
-
 }  // namespace
 
 bool PipeClient::Open(const char* name, Direction /*direction*/) {
@@ -31,23 +29,19 @@ bool PipeClient::Open(const char* name, Direction /*direction*/) {
   const std::string path = SocketPath(name);
   if (path.size() >= sizeof(address.sun_path)) return false;
   std::memcpy(address.sun_path, path.c_str(), path.size());
-  const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  if (socket < 0) return false;
-  if (connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
-    close(socket);
-    return false;
-  }
-  native_.store(socket, std::memory_order_release);
+  OwnedHandle socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  if (connect(socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) return false;
+  handle_ = std::move(socket);
   return true;
 }
 
 bool PipeClient::IsPeerGone() const {
-  pollfd state{AsSocket(native_.load(std::memory_order_acquire)), POLLIN | POLLOUT, 0};
+  pollfd state{handle_.Get(), POLLIN | POLLOUT, 0};
   return poll(&state, 1, 0) > 0 && (state.revents & (POLLHUP | POLLERR)) != 0;
 }
 
 bool PipeClient::ReadSome(void* buffer, std::size_t capacity, std::size_t& got) {
-  const ssize_t count = recv(AsSocket(native_.load(std::memory_order_acquire)), buffer, capacity, 0);
+  const ssize_t count = recv(handle_.Get(), buffer, capacity, 0);
   got = count > 0 ? static_cast<std::size_t>(count) : 0;
   return count > 0;
 }
@@ -55,7 +49,7 @@ bool PipeClient::ReadSome(void* buffer, std::size_t capacity, std::size_t& got) 
 bool PipeClient::WriteAll(const void* bytes, std::size_t size) {
   const auto* next = static_cast<const char*>(bytes);
   while (size > 0) {
-    const ssize_t written = send(AsSocket(native_.load(std::memory_order_acquire)), next, size, MSG_NOSIGNAL);
+    const ssize_t written = send(handle_.Get(), next, size, MSG_NOSIGNAL);
     if (written <= 0) return false;
     next += written;
     size -= static_cast<std::size_t>(written);
@@ -64,13 +58,7 @@ bool PipeClient::WriteAll(const void* bytes, std::size_t size) {
 }
 
 void PipeClient::CancelIo() {
-  const std::intptr_t native = native_.load(std::memory_order_acquire);
-  if (native != kClosed) shutdown(AsSocket(native), SHUT_RDWR);
-}
-
-void PipeClient::Close() {
-  const std::intptr_t native = native_.exchange(kClosed, std::memory_order_acq_rel);
-  if (native != kClosed) close(AsSocket(native));
+  if (handle_) shutdown(handle_.Get(), SHUT_RDWR);
 }
 
 }  // namespace ombrel

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <array>
 
-#include "platform/handle_win32.h"
+#include "platform/owned_handle.h"
 #include "platform/process.h"
 
 namespace ombrel {
@@ -14,7 +14,7 @@ std::uint32_t CurrentProcessId() { return GetCurrentProcessId(); }
 
 std::vector<ProcessEntry> ListProcesses() {
   std::vector<ProcessEntry> processes;
-  const UniqueHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+  const OwnedHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
   if (!snapshot) return processes;
   PROCESSENTRY32 entry{};
   static_assert(sizeof(entry) == 304);
@@ -33,7 +33,7 @@ std::string OwnExecutablePath() {
 }
 
 void TerminateProcessById(std::uint32_t id) {
-  const UniqueHandle process(OpenProcess(PROCESS_ALL_ACCESS, FALSE, id));
+  const OwnedHandle process(OpenProcess(PROCESS_ALL_ACCESS, FALSE, id));
   if (process) TerminateProcess(process.Get(), 0);
 }
 

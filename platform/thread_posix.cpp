@@ -1,6 +1,5 @@
 #include <chrono>
 #include <future>
-#include <memory>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -8,19 +7,19 @@
 #include "platform/thread.h"
 
 namespace ombrel {
-namespace {
 
-struct NativeThread {
+struct Thread::Native {
   std::promise<void> promise;
   std::future<void> ended = promise.get_future();
   std::thread thread;
 };
 
-}  // namespace
+Thread::Thread() = default;
+Thread::~Thread() { Join(); }
 
 bool Thread::Start(std::function<void()> body) {
   Join();
-  auto native = std::make_unique<NativeThread>();
+  auto native = std::make_unique<Native>();
   try {
     native->thread = std::thread([body = std::move(body), promise = &native->promise] {
       body();
@@ -29,23 +28,21 @@ bool Thread::Start(std::function<void()> body) {
   } catch (const std::system_error&) {
     return false;
   }
-  native_ = native.release();
+  native_ = std::move(native);
   return true;
 }
 
 bool Thread::JoinFor(std::uint32_t timeoutMs) {
-  if (native_ == nullptr) return true;
-  auto* native = static_cast<NativeThread*>(native_);
-  if (native->ended.wait_for(std::chrono::milliseconds(timeoutMs)) != std::future_status::ready) return false;
+  if (!native_) return true;
+  if (native_->ended.wait_for(std::chrono::milliseconds(timeoutMs)) != std::future_status::ready) return false;
   Join();
   return true;
 }
 
 void Thread::Join() {
-  if (native_ == nullptr) return;
-  const std::unique_ptr<NativeThread> native(static_cast<NativeThread*>(native_));
-  native->thread.join();
-  native_ = nullptr;
+  if (!native_) return;
+  native_->thread.join();
+  native_.reset();
 }
 
 }  // namespace ombrel

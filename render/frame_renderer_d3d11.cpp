@@ -125,7 +125,7 @@ SwapTexture FrameRenderer::CreateSwapTexture(const SwapTextureDesc& swap) {
     return {};
   }
   return {.handle = reinterpret_cast<std::uintptr_t>(handle),
-          .texture = {texture.Detach(), [](void* held) { static_cast<ID3D11Texture2D*>(held)->Release(); }}};
+          .texture = std::make_shared<ComPtr<ID3D11Texture2D>>(texture)};
 }
 
 void FrameRenderer::RegisterTexture(std::uint64_t handle) {

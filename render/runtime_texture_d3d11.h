@@ -18,6 +18,9 @@ namespace ombrel {
 // needs no hold.
 class RuntimeTextureHold {
  public:
+  RuntimeTextureHold() = default;
+  RuntimeTextureHold(const RuntimeTextureHold&) = delete;
+  RuntimeTextureHold& operator=(const RuntimeTextureHold&) = delete;
   ~RuntimeTextureHold() { Release(); }
 
   // False when the texture has a keyed mutex that could not be had in time.

@@ -8,6 +8,7 @@
 #include "link/frame_renderer.h"
 #include "link/wire.h"
 #include "platform/named_objects.h"
+#include "platform/owned_handle.h"
 
 namespace ombrel {
 
@@ -37,8 +38,8 @@ class FrameSharing {
  private:
   std::string frameSharingName_;
   NamedMemory block_;
-  NamedMutex frameMutex0_;
-  NamedMutex frameMutex1_;
+  OwnedHandle frameMutex0_;
+  OwnedHandle frameMutex1_;
 };
 
 // The announcement of the output textures.

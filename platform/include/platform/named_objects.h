@@ -1,42 +1,32 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
+
+#include "platform/owned_handle.h"
 
 namespace ombrel {
 
-// A page-file backed memory block that other processes open by its name. One that exists already under that name is
-// taken as our own, unless there is no memory behind it. Gone with its last user.
+// A page-file backed file mapping that other processes open by its name. The system hands out one that exists already
+// under that name (see docs/compatibility.md, C13); it is refused when it is a SEC_RESERVE mapping, whose pages fault
+// when they are touched before somebody commits them. Gone with its last user.
 class NamedMemory {
  public:
-  NamedMemory() = default;
-  ~NamedMemory() { Close(); }
-  NamedMemory(const NamedMemory&) = delete;
-  NamedMemory& operator=(const NamedMemory&) = delete;
-
   bool Create(const std::string& name, std::size_t size);
   // Null when there is no block.
-  [[nodiscard]] std::byte* Data() const { return static_cast<std::byte*>(view_); }
-  void Close();
+  [[nodiscard]] std::byte* Data() const { return view_.get(); }
 
  private:
-  void* mapping_ = nullptr;
-  void* view_ = nullptr;
+  struct Unmap {
+    void operator()(std::byte* view) const;
+  };
+
+  OwnedHandle mapping_;
+  std::unique_ptr<std::byte, Unmap> view_;
 };
 
-// Keeps a named mutex in being, without ever waiting on it.
-class NamedMutex {
- public:
-  NamedMutex() = default;
-  ~NamedMutex() { Close(); }
-  NamedMutex(const NamedMutex&) = delete;
-  NamedMutex& operator=(const NamedMutex&) = delete;
-
-  bool Create(const std::string& name);
-  void Close();
-
- private:
-  void* handle_ = nullptr;
-};
+// A mutex that other processes may open by its name for as long as the handle is kept.
+[[nodiscard]] OwnedHandle CreateNamedMutex(const std::string& name);
 
 }  // namespace ombrel

@@ -1,25 +1,20 @@
 #pragma once
 
-#include <atomic>
 #include <cstddef>
-#include <cstdint>
+
+#include "platform/owned_handle.h"
 
 namespace ombrel {
 
-// The client end of a named pipe, opened for one direction, blocking. For one thread at a time, but for CancelIo, which
-// any thread may call meanwhile.
+// The client end of a named pipe, opened for one direction, with synchronous (blocking) I/O. One thread opens and closes
+// it; another may read or write in between, which the first one ends with CancelIo.
 class PipeClient {
  public:
   enum class Direction { kRead, kWrite };
 
-  PipeClient() = default;
-  ~PipeClient() { Close(); }
-  PipeClient(const PipeClient&) = delete;
-  PipeClient& operator=(const PipeClient&) = delete;
-
   // Opens the pipe's other end if somebody offers it; closes what was open before. Never waits.
   bool Open(const char* name, Direction direction);
-  [[nodiscard]] bool IsOpen() const { return native_.load(std::memory_order_acquire) != kClosed; }
+  [[nodiscard]] bool IsOpen() const { return static_cast<bool>(handle_); }
   // True when the far end has gone: such a pipe never comes back to life and is best closed.
   [[nodiscard]] bool IsPeerGone() const;
 
@@ -32,11 +27,10 @@ class PipeClient {
 
   // Ends a read or write that another thread is blocked in. Does nothing to one that has not begun yet.
   void CancelIo();
-  void Close();
+  void Close() { handle_.Reset(); }
 
  private:
-  static constexpr std::intptr_t kClosed = -1;
-  std::atomic<std::intptr_t> native_{kClosed};
+  OwnedHandle handle_;
 };
 
 }  // namespace ombrel

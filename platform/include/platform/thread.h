@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 
 namespace ombrel {
 
@@ -9,20 +10,20 @@ namespace ombrel {
 // from one thread at a time. On Windows a thread keeps the library that holds its code loaded until it ends.
 class Thread {
  public:
-  Thread() = default;
-  ~Thread() { Join(); }
+  Thread();
+  ~Thread();
   Thread(const Thread&) = delete;
   Thread& operator=(const Thread&) = delete;
 
   // False when the system has no thread to give. `body` must not throw.
   [[nodiscard]] bool Start(std::function<void()> body);
-  [[nodiscard]] bool IsStarted() const { return native_ != nullptr; }
   // True once the thread has ended (and is forgotten), or was never started.
   bool JoinFor(std::uint32_t timeoutMs);
   void Join();
 
  private:
-  void* native_ = nullptr;
+  struct Native;
+  std::unique_ptr<Native> native_;  // null when there is nothing to join
 };
 
 }  // namespace ombrel
