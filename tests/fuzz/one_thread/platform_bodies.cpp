@@ -2,6 +2,7 @@
 // real ones, they are the ones that the driver gets.
 #include "one_thread/world.h"
 #include "platform/clock.h"
+#include "platform/owned_handle.h"
 #include "platform/pipe.h"
 #include "platform/process.h"
 #include "platform/sync.h"
@@ -61,10 +62,13 @@ bool WakeSignal::WaitFor(std::uint32_t seen, std::uint32_t timeoutMs) const {
   return Generation() != seen;
 }
 
+struct Thread::Native {};
+Thread::Thread() = default;
+Thread::~Thread() { Join(); }
 bool Thread::Start(std::function<void()> body) {
   Join();
   TheWorld().Start(this, std::move(body));
-  native_ = this;
+  native_ = std::make_unique<Native>();
   return true;
 }
 bool Thread::JoinFor(std::uint32_t /*timeoutMs*/) {
@@ -72,8 +76,8 @@ bool Thread::JoinFor(std::uint32_t /*timeoutMs*/) {
   return true;
 }
 void Thread::Join() {
-  if (native_ == nullptr) return;
-  native_ = nullptr;
+  if (!native_) return;
+  native_.reset();
   TheWorld().Join(this);
 }
 
@@ -92,29 +96,32 @@ bool Worker::StopFor(std::uint32_t /*timeoutMs*/) {
 
 namespace {
 
-constexpr std::intptr_t kReading = 1, kWriting = 2;
+// In place of descriptors.
+constexpr NativeHandle kReading = 1, kWriting = 2;
 
 }  // namespace
+
+OwnedHandle::OwnedHandle(NativeHandle native) : native_(native) {}
+void OwnedHandle::Reset() {
+  if (std::exchange(native_, kNoHandle) == kReading) TheWorld().EndConnection();
+}
 
 bool PipeClient::Open(const char* /*name*/, Direction direction) {
   Close();
   if (direction == Direction::kWrite && !TheWorld().OpenNext()) return false;
-  native_ = direction == Direction::kWrite ? kWriting : kReading;
+  handle_ = OwnedHandle(direction == Direction::kWrite ? kWriting : kReading);
   return true;
 }
 bool PipeClient::IsPeerGone() const { return TheWorld().IsOver(); }
 bool PipeClient::ReadSome(void* buffer, std::size_t capacity, std::size_t& got) {
-  if (native_ != kReading) GiveUp("a read from no pipe");
+  if (handle_.Get() != kReading) GiveUp("a read from no pipe");
   return TheWorld().Read({static_cast<std::byte*>(buffer), capacity}, got);
 }
 bool PipeClient::WriteAll(const void* bytes, std::size_t size) {
-  if (native_ != kWriting) GiveUp("a write to no pipe");
+  if (handle_.Get() != kWriting) GiveUp("a write to no pipe");
   TheWorld().Write({static_cast<const std::byte*>(bytes), size});
   return true;
 }
 void PipeClient::CancelIo() {}
-void PipeClient::Close() {
-  if (native_.exchange(kClosed) == kReading) TheWorld().EndConnection();
-}
 
 }  // namespace ombrel
