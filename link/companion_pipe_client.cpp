@@ -1,6 +1,5 @@
 #include "link/companion_pipe_client.h"
 
-#include "platform/clock.h"
 #include "platform/guarded.h"
 
 namespace ombrel {
@@ -11,15 +10,7 @@ constexpr std::uint32_t kRetryMs = 100;
 constexpr std::uint32_t kSecondPipeDelayMs = 150;
 constexpr std::uint32_t kCancelAgainMs = 2;
 
-LinkPoseRecord InitialPose() {
-  LinkPoseRecord pose;
-  pose.timestamp = TickMilliseconds();
-  return pose;
-}
-
 }  // namespace
-
-CompanionPipeClient::CompanionPipeClient() : headPose_(TickMilliseconds()), publishedPose_(InitialPose()) {}
 
 void CompanionPipeClient::Start() {
   running_.store(true, std::memory_order_release);
@@ -30,9 +21,7 @@ void CompanionPipeClient::Stop() {
   running_.store(false, std::memory_order_release);
   wake_.WakeAll();
   connectThread_.Join();
-  trackingListeners_.clear();
-  framerateListeners_.clear();
-  controllerListeners_.clear();
+  reader_.RemoveListeners();
   connectionListeners_.clear();
 }
 
@@ -68,7 +57,7 @@ bool CompanionPipeClient::TryConnect() try {
   // Marked up before the reader starts: one that ends at once must find it so, to mark it down again.
   newConnection_.store(true, std::memory_order_release);
   connected_.store(true, std::memory_order_release);
-  framer_.Reset();
+  reader_.BeginConnection();
   if (readerThread_.Start([this] { RunReaderThread(); })) return true;
   EndConnection();
   return false;
@@ -115,7 +104,7 @@ void CompanionPipeClient::ReportConnectionState() {
 }
 
 void CompanionPipeClient::RunReaderThread() {
-  while (IsRunning() && IsConnected() && ReadAndDispatch()) {
+  while (IsRunning() && IsConnected() && reader_.ReadAndDispatch(readPipe_, running_)) {
   }
   DropConnection();
 }

@@ -1,6 +1,5 @@
 #include "link/head_pose_tracker.h"
 
-#include "link/matrix.h"
 #include "link/wire.h"
 
 namespace ombrel {
@@ -83,7 +82,7 @@ void HeadPoseTracker::Decode(std::uint32_t format, std::span<const std::byte> po
 
 void HeadPoseTracker::DecodeMatrix(std::span<const std::byte> pose) {
   ClearMotion();
-  record_.rawOrientation = FromMatrixByTrace(MatrixBytes(pose));
+  record_.rawOrientation = FromMatrixByTrace(ReadRecord<Matrix3x4>(pose));
 }
 
 void HeadPoseTracker::DecodeSensors(std::span<const std::byte> pose) {
@@ -108,7 +107,7 @@ void HeadPoseTracker::DecodeQuaternion(std::span<const std::byte> pose) {
 
 void HeadPoseTracker::DecodePoseMatrix(std::span<const std::byte> pose) {
   ClearMotion();
-  const MatrixBytes matrix(pose);
+  const auto matrix = ReadRecord<Matrix3x4>(pose);
   record_.rawOrientation = FromMatrixBySquareRoots(matrix);
   record_.position = {matrix[0][3], matrix[1][3], matrix[2][3]};
 }

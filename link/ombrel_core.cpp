@@ -3,16 +3,12 @@
 #include <mutex>
 #include <utility>
 
-#include "link/frame_pacing.h"
 #include "platform/clock.h"
 
 namespace ombrel {
 
 OmbrelCore::OmbrelCore(std::unique_ptr<IFrameRenderer> renderer)
-    : counterFrequency_(PerformanceFrequency()),
-      renderer_(std::move(renderer)),
-      framePeriodMs_(FramePeriodMs(framesPerSecond_.load())) {
-  pacing_.Open();
+    : renderer_(std::move(renderer)), frames_(*renderer_, pacer_, sharing_, client_) {
   calls_.Open();
 }
 
@@ -29,14 +25,13 @@ void OmbrelCore::SetUp() {
 void OmbrelCore::StartLink() { client_.Start(); }
 
 void OmbrelCore::StopLink() {
-  pacing_.Close();
-  linkDropped_.WakeAll();
+  pacer_.Close();
   client_.Stop();
   {
     const std::lock_guard setUp(setUpMutex_);
     EndStreaming();
   }
-  pacing_.Drain();
+  pacer_.Drain();
   calls_.Close();
   calls_.Drain();
 }
@@ -57,7 +52,7 @@ bool OmbrelCore::MayConnect() {
   if (!renderer_->IsDeviceLost()) return true;
   const std::int64_t now = PerformanceCounter();
   if (now < nextRemake_) return false;
-  nextRemake_ = now + counterFrequency_;  // a second
+  nextRemake_ = now + PerformanceFrequency();  // a second
   return renderer_->RemakeDevice();
 }
 
@@ -71,57 +66,29 @@ void OmbrelCore::OnConnectionStateChanged() {
   SetUpConnection();
 }
 
-// On the connect thread, or, when the companion was there before the output, on the server thread. setUpMutex_ is held,
-// stateMutex_ is not: poses go on while textures are made.
+// On the connect thread, or, when the companion was there before the output, on the server thread. setUpMutex_ is held;
+// poses go on while textures are made.
 void OmbrelCore::SetUpConnection() {
   if (!setUpPending_ || !outputConfigured_) return;
-  {
-    // Ahead of the textures: poses that come while they are made count for this connection.
-    const std::lock_guard lock(stateMutex_);
-    submittedFrames_ = -1;
-    trackingUpdates_ = 0;
-  }
+  frames_.ResetCounters();
   // Not whether the renderer is ready: textures that could not be made for one connection may be for the next.
   if (!CreateOutputs()) return;
   setUpPending_ = false;
-  isUndefined_.fill(true);
-  currentTexture_ = 1;
-  AcquireNextTexture();
-  ClearIfUndefined();
-  const std::lock_guard lock(stateMutex_);
-  // A link that dropped meanwhile is reported next, and its frames are not to be taken for those of another.
-  if (client_.IsConnected()) streamingActive_.Open();
-  stateChanged_.NotifyAll();
+  frames_.StartStreaming();
 }
 
 // Without outputs no hand-off comes that would see a loss. setUpMutex_ is held.
 bool OmbrelCore::CreateOutputs() {
   if (renderer_->CreateOutputTextures()) return true;
-  static_cast<void>(EndIfDeviceLost());
+  static_cast<void>(frames_.EndIfDeviceLost());
   return false;
 }
 
-// Waits for the hand-offs under way, so that none of them ever meets the next connection. setUpMutex_ is held.
+// setUpMutex_ is held.
 void OmbrelCore::EndStreaming() {
   setUpPending_ = false;
-  {
-    const std::lock_guard lock(stateMutex_);
-    streamingActive_.Close();
-    stateChanged_.NotifyAll();
-  }
-  linkDropped_.WakeAll();
-  streamingActive_.Drain();
-}
-
-void OmbrelCore::OnFramerateUpdated(std::uint32_t framesPerSecond) {
-  framesPerSecond_ = framesPerSecond;
-  framePeriodMs_ = FramePeriodMs(framesPerSecond);
-}
-
-void OmbrelCore::OnTrackingUpdated() {
-  const std::lock_guard lock(stateMutex_);
-  ++trackingUpdates_;
-  stateChanged_.NotifyAll();
+  pacer_.EndWaits();
+  frames_.EndStreaming();
 }
 
 }  // namespace ombrel

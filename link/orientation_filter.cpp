@@ -11,21 +11,21 @@ constexpr float kTwoKp = 1.0F;
 constexpr float kSampleRateHz = 76.0F;
 
 // Fast inverse square root with one Newton step.
-inline float InverseSqrt(float x) {
+float InverseSqrt(float x) {
   const float half = 0.5F * x;
   const float guess = std::bit_cast<float>(0x5F3759DFU - (std::bit_cast<std::uint32_t>(x) >> 1));
   return guess * (1.5F - half * guess * guess);
 }
 
-inline bool IsZero(const Vector3& v) { return v.x == 0.0F && v.y == 0.0F && v.z == 0.0F; }
+bool IsZero(const Vector3& v) { return v.x == 0.0F && v.y == 0.0F && v.z == 0.0F; }
 
-inline Vector3 Scaled(const Vector3& v, float scale) { return {v.x * scale, v.y * scale, v.z * scale}; }
+Vector3 Scaled(const Vector3& v, float scale) { return {v.x * scale, v.y * scale, v.z * scale}; }
 
-inline Vector3 Sum(const Vector3& a, const Vector3& b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
+Vector3 Sum(const Vector3& a, const Vector3& b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
 
-inline Vector3 FastNormalised(const Vector3& v) { return Scaled(v, InverseSqrt(v.x * v.x + v.y * v.y + v.z * v.z)); }
+Vector3 FastNormalised(const Vector3& v) { return Scaled(v, InverseSqrt(v.x * v.x + v.y * v.y + v.z * v.z)); }
 
-inline Vector3 Cross(const Vector3& a, const Vector3& b) {
+Vector3 Cross(const Vector3& a, const Vector3& b) {
   return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
 
@@ -71,7 +71,8 @@ void OrientationFilter::Update(const SensorSample& sample) {
   const Quaternion next = Integrated(attitude_, rate);
   if (!IsFinite(next)) return;
   attitude_ = next;
-  // The fast root leaves it up to 0.2 % short, which a matrix near a half-turn would make many degrees of.
+  // The fast inverse square root leaves it up to 0.2 % short, which the trace method near a half-turn would enlarge to
+  // many degrees.
   orientation_ = FromMatrixByTrace(ToMatrix(Normalised(next)));
 }
 

@@ -105,7 +105,7 @@ void DirectModeComponent::Present(vr::SharedTextureHandle_t syncTexture) {
   if (!pass) return;
   const std::lock_guard present(presentMutex_);
   const FramePose pose = TakeFrame();
-  Guarded([&] { core_.HandOffLayers(syncTexture, presented_->layers, pose); });
+  Guarded([&] { core_.Frames().HandOffLayers(syncTexture, presented_->layers, pose); });
   FinishFrame(pose);
 }
 
@@ -133,7 +133,7 @@ void DirectModeComponent::FinishFrame(const FramePose& pose) {
 void DirectModeComponent::PostPresent() {
   const SubmissionGate::Pass pass(core_.Calls());
   if (!pass) return;
-  Guarded([&] { core_.WaitForNextFrame(); });
+  Guarded([&] { core_.Pacer().WaitForNextFrame(); });
 }
 
 void DirectModeComponent::GetFrameTiming(vr::DriverDirectMode_FrameTiming* pFrameTiming) {

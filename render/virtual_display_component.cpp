@@ -6,12 +6,12 @@
 namespace ombrel {
 
 VirtualDisplayComponent::VirtualDisplayComponent(OmbrelCore& core, vr::IVRServerDriverHost* host)
-    : core_(core), host_(host), counterFrequency_(PerformanceFrequency()) {}
+    : core_(core), host_(host) {}
 
 void VirtualDisplayComponent::Present(const vr::PresentInfo_t* pPresentInfo, std::uint32_t /*unPresentInfoSize*/) {
   const SubmissionGate::Pass pass(core_.Calls());
   if (!pass) return;
-  Guarded([&] { core_.HandOffTexture(pPresentInfo->backbufferTextureHandle); });
+  Guarded([&] { core_.Frames().HandOffTexture(pPresentInfo->backbufferTextureHandle); });
   ++presents_;
 }
 
@@ -20,7 +20,7 @@ void VirtualDisplayComponent::WaitForPresent() {
   {
     const SubmissionGate::Pass pass(core_.Calls());
     if (!pass) return;
-    Guarded([&] { core_.WaitForNextFrame(); });
+    Guarded([&] { core_.Pacer().WaitForNextFrame(); });
     lastVsync_ = PerformanceCounter();
     host = host_;
   }
@@ -34,7 +34,7 @@ bool VirtualDisplayComponent::GetTimeSinceLastVsync(float* pfSecondsSinceLastVsy
   const SubmissionGate::Pass pass(core_.Calls());
   if (!pass) return true;
   const auto elapsed = static_cast<double>(PerformanceCounter() - lastVsync_);
-  *pfSecondsSinceLastVsync = static_cast<float>(elapsed / static_cast<double>(counterFrequency_));
+  *pfSecondsSinceLastVsync = static_cast<float>(elapsed / static_cast<double>(PerformanceFrequency()));
   *pulFrameCounter = presents_;
   return true;
 }

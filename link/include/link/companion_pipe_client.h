@@ -1,20 +1,17 @@
 #pragma once
 
 #include <atomic>
-#include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <span>
 #include <utility>
 #include <vector>
 
+#include "link/companion_pipe_reader.h"
 #include "link/head_pose_tracker.h"
 #include "link/listeners.h"
-#include "link/message_framer.h"
 #include "link/outgoing_pipe.h"
 #include "link/wire.h"
 #include "platform/pipe.h"
-#include "platform/seqlock.h"
 #include "platform/sync.h"
 #include "platform/thread.h"
 
@@ -25,7 +22,7 @@ namespace ombrel {
 // and a thread that writes what is sent. Failures are silent and retried.
 class CompanionPipeClient {
  public:
-  CompanionPipeClient();
+  CompanionPipeClient() = default;
   ~CompanionPipeClient() { Stop(); }
   CompanionPipeClient(const CompanionPipeClient&) = delete;
   CompanionPipeClient& operator=(const CompanionPipeClient&) = delete;
@@ -38,9 +35,9 @@ class CompanionPipeClient {
   void Stop();
 
   // Before Start. Called in this order.
-  void AddListener(ITrackingUpdatedListener* listener) { trackingListeners_.push_back(listener); }
-  void AddListener(IFramerateUpdatedListener* listener) { framerateListeners_.push_back(listener); }
-  void AddListener(IControllerUpdatedListener* listener) { controllerListeners_.push_back(listener); }
+  void AddListener(ITrackingUpdatedListener* listener) { reader_.AddListener(listener); }
+  void AddListener(IFramerateUpdatedListener* listener) { reader_.AddListener(listener); }
+  void AddListener(IControllerUpdatedListener* listener) { reader_.AddListener(listener); }
   void AddListener(IConnectionStateChangedListener* listener) { connectionListeners_.push_back(listener); }
 
   // Any thread.
@@ -54,8 +51,8 @@ class CompanionPipeClient {
   void Send(LinkMessageType type, const Record& record, std::int64_t madeAt = OutgoingPipe::kKept) {
     if (IsConnected()) writePipe_.Send(type, record, madeAt);
   }
-  [[nodiscard]] LinkPoseRecord PublishedPose() const { return publishedPose_.Load(); }
-  [[nodiscard]] bool HasTrackingData() const { return hasTrackingData_.load(std::memory_order_acquire); }
+  [[nodiscard]] LinkPoseRecord PublishedPose() const { return reader_.PublishedPose(); }
+  [[nodiscard]] bool HasTrackingData() const { return reader_.HasTrackingData(); }
 
  private:
   // Connect thread.
@@ -68,29 +65,17 @@ class CompanionPipeClient {
 
   // Reader thread.
   void RunReaderThread();
-  [[nodiscard]] bool ReadAndDispatch();
-  void Dispatch(const MessageFramer::Message& message);
-  void OnTrackingUpdate(std::span<const std::byte> payload);
-  void OnFramerateUpdate(std::span<const std::byte> payload);
-  void OnControllerUpdate(std::span<const std::byte> payload);
 
   std::function<bool()> mayConnect_ = [] { return true; };
   std::atomic<bool> running_{false};
   std::atomic<bool> connected_{false};
   std::atomic<bool> newConnection_{false};
-  std::atomic<bool> hasTrackingData_{false};
 
-  // None is added or taken out while the threads run.
-  std::vector<ITrackingUpdatedListener*> trackingListeners_;
-  std::vector<IFramerateUpdatedListener*> framerateListeners_;
-  std::vector<IControllerUpdatedListener*> controllerListeners_;
   std::vector<IConnectionStateChangedListener*> connectionListeners_;
 
   OutgoingPipe writePipe_;
   PipeClient readPipe_;
-  MessageFramer framer_;
-  HeadPoseTracker headPose_;
-  SeqLock<LinkPoseRecord> publishedPose_;
+  CompanionPipeReader reader_;
 
   WakeSignal wake_;  // ends the connect thread's sleeps
   Thread readerThread_;

@@ -32,7 +32,6 @@ class VirtualDisplayComponent : public vr::IVRVirtualDisplay {
  private:
   OmbrelCore& core_;
   vr::IVRServerDriverHost* const host_;
-  const std::int64_t counterFrequency_;
   std::atomic<std::uint32_t> presents_{0};
   std::atomic<std::int64_t> lastVsync_{0};  // performance counter
 };

@@ -48,7 +48,7 @@ class OmbrelCoreTest : public testing::Test {
     const bool streams = WaitUntil([this] {
       renderer_->journal.Clear();
       std::vector<LayerRecord> layer{{1, 1, &bounds_}};
-      core_->HandOffLayers(0, layer, pose_);
+      core_->Frames().HandOffLayers(0, layer, pose_);
       return layer.empty();
     });
     renderer_->journal.Clear();
@@ -77,7 +77,7 @@ class OmbrelCoreTest : public testing::Test {
     const std::size_t heard = listener_.journal.Count("tracking");
     return companion_.SendPose(0, 0, 0, 1) && listener_.journal.WaitForLine("tracking", heard + 1);
   }
-  void HandOff(std::uint64_t syncTexture = 0) { core_->HandOffLayers(syncTexture, layers_, pose_); }
+  void HandOff(std::uint64_t syncTexture = 0) { core_->Frames().HandOffLayers(syncTexture, layers_, pose_); }
   [[nodiscard]] Lines Calls() const { return renderer_->journal.All(); }
   [[nodiscard]] bool WaitForCall(const std::string& line, std::size_t times = 1) const {
     return renderer_->journal.WaitForLine(line, times);

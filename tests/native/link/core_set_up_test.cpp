@@ -73,7 +73,7 @@ TEST_F(OmbrelCoreTest, GoesWithoutFramesWhenTheOutputsCannotBeMade) {
   ASSERT_TRUE(WaitForCall("CreateOutputTextures", 2));
   ASSERT_TRUE(SendPose());
   HandOff(77);
-  core_->HandOffTexture(5);
+  core_->Frames().HandOffTexture(5);
   EXPECT_EQ(Calls(), (Lines{"Configure 28 2560 1440 1", "CreateOutputTextures", "CreateOutputTextures"}));
 }
 
@@ -116,7 +116,7 @@ TEST_F(OmbrelCoreTest, APoseThatComesWhileTheOutputsAreMadeLetsAFrameGo) {
   ASSERT_TRUE(SendPose());
   making.Open();
   Background frame([this] {
-    while (renderer_->journal.Count("CopyToOutput 5 0 16") == 0) core_->HandOffTexture(5);
+    while (renderer_->journal.Count("CopyToOutput 5 0 16") == 0) core_->Frames().HandOffTexture(5);
   });
   EXPECT_TRUE(frame.Finishes()) << "no further pose comes";
 }

@@ -72,10 +72,10 @@ TEST_F(CoreStopTest, InTheMiddleOfEverything) {
     while (!done) HandOff(77);
   });
   Background textures([&] {
-    while (!done) core_->HandOffTexture(5);
+    while (!done) core_->Frames().HandOffTexture(5);
   });
   Background pacing([&] {
-    while (!done) core_->WaitForNextFrame();
+    while (!done) core_->Pacer().WaitForNextFrame();
   });
   Background companion([&] {
     for (int life = 0; life < 3; ++life) {

@@ -33,7 +33,7 @@ TEST_F(DeviceLossTest, EndsTheConnectionAndTheNextOneHasANewDevice) {
 TEST_F(DeviceLossTest, EndsTheConnectionOfAVirtualDisplay) {
   ASSERT_TRUE(Stream() && Receive());
   renderer_->deviceLost = true;
-  core_->HandOffTexture(5);
+  core_->Frames().HandOffTexture(5);
   EXPECT_TRUE(listener_.journal.WaitForLine("down"));
   EXPECT_EQ(renderer_->journal.Count("CopyToOutput 5 1 16"), 0U);
 }

@@ -21,12 +21,12 @@ class DropInHandOffTest : public OmbrelCoreTest {
     Barrier copying;
     copying_ = &copying;
     secondCopied_ = false;
-    Background first([this] { core_->HandOffTexture(5); });
+    Background first([this] { core_->Frames().HandOffTexture(5); });
     EXPECT_TRUE(copying.WaitForVisitor());
     companion_.Disconnect();
     EXPECT_TRUE(WaitUntil([this] { return !core_->Client().IsConnected(); }));
     EXPECT_TRUE(first.StaysBlocked());
-    Background second([this] { core_->HandOffTexture(6); });
+    Background second([this] { core_->Frames().HandOffTexture(6); });
     EXPECT_TRUE(second.StaysBlocked()) << "behind the gate, which cannot be closed yet";
     copying.Open();
     EXPECT_TRUE(first.Finishes() && second.Finishes());
@@ -40,7 +40,7 @@ class DropInHandOffTest : public OmbrelCoreTest {
     secondCopied_ = true;
     // Layers that nobody takes: the gate is closed.
     std::vector<LayerRecord> probe{{1, 1, &bounds_}};
-    core_->HandOffLayers(0, probe, pose_);
+    core_->Frames().HandOffLayers(0, probe, pose_);
     if (!probe.empty()) copiedWhileClosed_ = true;
   }
 

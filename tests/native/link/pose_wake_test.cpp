@@ -21,7 +21,7 @@ class PoseWakeTest : public OmbrelCoreTest {
   }
   void HandOffAll() {
     for (int frame = 0; frame < kFrames && !isOver_; ++frame) {
-      core_->HandOffTexture(5);
+      core_->Frames().HandOffTexture(5);
       ++done_;
       renderer_->journal.Clear();
     }

@@ -17,7 +17,7 @@ class VirtualHandOffTest : public OmbrelCoreTest {
   }
   // Hands frames off until one is taken. It waits in there.
   void HandOffTaken() {
-    while (renderer_->journal.Count("Sharing") == 0) core_->HandOffTexture(5);
+    while (renderer_->journal.Count("Sharing") == 0) core_->Frames().HandOffTexture(5);
   }
 };
 
@@ -38,9 +38,9 @@ TEST_F(VirtualHandOffTest, AnswersEachPoseWithOneFrameAtMost) {
   for (int i = 0; i < 3; ++i) ASSERT_TRUE(SendPose());
   ASSERT_TRUE(frame.Finishes());
   // Two poses are left.
-  core_->HandOffTexture(6);
-  core_->HandOffTexture(7);
-  Background last([this] { core_->HandOffTexture(8); });
+  core_->Frames().HandOffTexture(6);
+  core_->Frames().HandOffTexture(7);
+  Background last([this] { core_->Frames().HandOffTexture(8); });
   ASSERT_TRUE(WaitForCall("CopyToOutput 8 1 16"));
   EXPECT_TRUE(last.StaysBlocked());
   ASSERT_TRUE(SendPose());
@@ -86,7 +86,7 @@ TEST_F(VirtualHandOffTest, ATextureThatIsHeldDropsTheFrameAndCountsNothing) {
   HandOffTaken();
   EXPECT_EQ(renderer_->journal.From(4 + 1), (Lines{"Sharing", "CopyToOutput 5 0 16"}));
   renderer_->canCopy = true;
-  Background frame([this] { core_->HandOffTexture(6); });
+  Background frame([this] { core_->Frames().HandOffTexture(6); });
   ASSERT_TRUE(WaitForCall("CopyToOutput 6 0 16"));
   EXPECT_TRUE(frame.StaysBlocked());
   ASSERT_TRUE(SendPose());
@@ -100,7 +100,7 @@ TEST_F(VirtualHandOffTest, CopiesNothingIntoAnOutputThatCouldNotBeHad) {
   for (int i = 0; i < 2; ++i) ASSERT_TRUE(SendPose());
   ASSERT_TRUE(frame.Finishes());
   renderer_->journal.Clear();
-  core_->HandOffTexture(6);
+  core_->Frames().HandOffTexture(6);
   EXPECT_EQ(Calls(), (Lines{"SkipCopy 6 1 16", "ReleaseOutput 1", "AcquireOutput 0 16"}));
 }
 
@@ -112,7 +112,7 @@ TEST_F(VirtualHandOffTest, ClearsEachOutputWhenItIsFirstHadInAConnectionAndNever
   ASSERT_TRUE(frame.Finishes());
   renderer_->canAcquireOutput = true;
   renderer_->journal.Clear();
-  for (int i = 0; i < 4; ++i) core_->HandOffTexture(6);
+  for (int i = 0; i < 4; ++i) core_->Frames().HandOffTexture(6);
   Lines calls = Calls();
   std::erase_if(calls, [](const std::string& line) { return line.starts_with("Release"); });
   // Output 0 was cleared at set-up.
@@ -125,7 +125,7 @@ TEST_F(VirtualHandOffTest, DoesNothingWhileTheLinkIsDown) {
   companion_.Disconnect();
   ASSERT_TRUE(listener_.journal.WaitForLine("down"));
   renderer_->journal.Clear();
-  core_->HandOffTexture(5);
+  core_->Frames().HandOffTexture(5);
   EXPECT_TRUE(Calls().empty());
 }
 

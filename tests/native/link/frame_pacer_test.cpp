@@ -9,25 +9,81 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
+Milliseconds TimeOf(const std::function<void()>& call) {
+  const auto begin = Clock::now();
+  call();
+  return Clock::now() - begin;
+}
+
+Milliseconds TimeOfWait(FramePacer& pacer) {
+  return TimeOf([&] { pacer.WaitForNextFrame(); });
+}
+
+class FramePacerTest : public testing::Test {
+ protected:
+  FramePacer pacer_;
+};
+
+TEST_F(FramePacerTest, FillsThePeriodThatBeganWithTheLastWait) {
+  pacer_.SetFramesPerSecond(20);
+  pacer_.WaitForNextFrame();
+  EXPECT_GE(TimeOfWait(pacer_), Milliseconds(49.9));
+}
+
+TEST_F(FramePacerTest, WaitsOnlyForWhatIsLeftOfThePeriod) {
+  pacer_.SetFramesPerSecond(10);
+  // The period over again would take 140 each time; on a busy machine an attempt or two may.
+  Milliseconds shortest(1000);
+  for (int attempt = 0; attempt < 5; ++attempt) {
+    pacer_.WaitForNextFrame();
+    const Milliseconds both = TimeOf([this] {
+      std::this_thread::sleep_for(std::chrono::milliseconds(40));
+      pacer_.WaitForNextFrame();
+    });
+    EXPECT_GE(both, Milliseconds(99.9));
+    shortest = std::min(shortest, both);
+  }
+  EXPECT_LT(shortest, Milliseconds(139));
+}
+
+TEST_F(FramePacerTest, SpinsToTheEndOfAVeryShortPeriod) {
+  pacer_.SetFramesPerSecond(2000);
+  pacer_.WaitForNextFrame();
+  EXPECT_GE(TimeOfWait(pacer_), Milliseconds(0.4));
+}
+
+TEST_F(FramePacerTest, DoesNotWaitWhenThePeriodIsOver) {
+  // Nothing was paced yet: the last wait ended at the beginning of time.
+  pacer_.SetFramesPerSecond(1);
+  EXPECT_LT(TimeOfWait(pacer_), Milliseconds(900));
+}
+
+TEST_F(FramePacerTest, LastsASecondAtMost) {
+  pacer_.SetFramesPerSecond(0);
+  pacer_.WaitForNextFrame();
+  const Milliseconds waited = TimeOfWait(pacer_);
+  EXPECT_GE(waited, Milliseconds(998));
+  EXPECT_LT(waited, Milliseconds(3000));
+}
+
+TEST_F(FramePacerTest, DoesNotWaitOnceItIsClosed) {
+  pacer_.SetFramesPerSecond(0);
+  pacer_.WaitForNextFrame();
+  pacer_.Close();
+  EXPECT_LT(TimeOfWait(pacer_), Milliseconds(900));
+}
+
 class PacingWaitTest : public OmbrelCoreTest {
  protected:
-  Milliseconds TimeOf(const std::function<void()>& call) const {
-    const auto begin = Clock::now();
-    call();
-    return Clock::now() - begin;
-  }
-  Milliseconds TimeOfWait() const {
-    return TimeOf([this] { core_->WaitForNextFrame(); });
-  }
   // Whether a wait of a second ends early when `release` is called. A machine that is busy just then may make it miss
   // the moment, but not five times.
   [[nodiscard]] bool EndsEarly(const std::function<void()>& prepare, const std::function<void()>& release) {
     for (int attempt = 0; attempt < 5; ++attempt) {
       prepare();
       core_->OnFramerateUpdated(0);
-      core_->WaitForNextFrame();
+      core_->Pacer().WaitForNextFrame();
       Milliseconds waited{};
-      Background wait([&] { waited = TimeOfWait(); });
+      Background wait([&] { waited = TimeOfWait(core_->Pacer()); });
       static_cast<void>(wait.StaysBlocked());
       release();
       if (!wait.Finishes()) return false;
@@ -36,48 +92,6 @@ class PacingWaitTest : public OmbrelCoreTest {
     return false;
   }
 };
-
-TEST_F(PacingWaitTest, FillsThePeriodThatBeganWithTheLastWait) {
-  core_->OnFramerateUpdated(20);
-  core_->WaitForNextFrame();
-  EXPECT_GE(TimeOfWait(), Milliseconds(49.9));
-}
-
-TEST_F(PacingWaitTest, WaitsOnlyForWhatIsLeftOfThePeriod) {
-  core_->OnFramerateUpdated(10);
-  // The period over again would take 140 each time; on a busy machine an attempt or two may.
-  Milliseconds shortest(1000);
-  for (int attempt = 0; attempt < 5; ++attempt) {
-    core_->WaitForNextFrame();
-    const Milliseconds both = TimeOf([this] {
-      std::this_thread::sleep_for(std::chrono::milliseconds(40));
-      core_->WaitForNextFrame();
-    });
-    EXPECT_GE(both, Milliseconds(99.9));
-    shortest = std::min(shortest, both);
-  }
-  EXPECT_LT(shortest, Milliseconds(139));
-}
-
-TEST_F(PacingWaitTest, SpinsToTheEndOfAVeryShortPeriod) {
-  core_->OnFramerateUpdated(2000);
-  core_->WaitForNextFrame();
-  EXPECT_GE(TimeOfWait(), Milliseconds(0.4));
-}
-
-TEST_F(PacingWaitTest, DoesNotWaitWhenThePeriodIsOver) {
-  // Nothing was paced yet: the last wait ended at the beginning of time.
-  core_->OnFramerateUpdated(1);
-  EXPECT_LT(TimeOfWait(), Milliseconds(900));
-}
-
-TEST_F(PacingWaitTest, LastsASecondAtMost) {
-  core_->OnFramerateUpdated(0);
-  core_->WaitForNextFrame();
-  const Milliseconds waited = TimeOfWait();
-  EXPECT_GE(waited, Milliseconds(998));
-  EXPECT_LT(waited, Milliseconds(3000));
-}
 
 TEST_F(PacingWaitTest, EndsWhenTheLinkGoesDown) {
   PrepareOutput();
@@ -122,13 +136,6 @@ TEST_F(PacingWaitTest, EndsAtTheBeginningOfAStopThatTakesItsTime) {
   };
   EXPECT_TRUE(EndsEarly(renew, [&] { stop = std::make_unique<Background>([this] { core_->StopLink(); }); }));
   letGo();
-}
-
-TEST_F(PacingWaitTest, DoesNotWaitOnceTheLinkHasStopped) {
-  core_->OnFramerateUpdated(0);
-  core_->WaitForNextFrame();
-  core_->StopLink();
-  EXPECT_LT(TimeOfWait(), Milliseconds(900));
 }
 
 }  // namespace
