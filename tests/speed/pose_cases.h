@@ -46,8 +46,7 @@ class PosePublisher {
     if (!format.before.empty()) Publish(format.before);
   }
   void Publish(std::span<const std::byte> payload) {
-    if (tracker_.Apply(payload, ++time_) == HeadPoseTracker::Outcome::kPublished)
-      published_.StoreAlone(tracker_.Record());
+    if (tracker_.Apply(payload, ++time_) == HeadPoseTracker::Outcome::kPublished) published_.Store(tracker_.Record());
   }
   [[nodiscard]] LinkPoseRecord Published() const { return published_.Load(); }
 

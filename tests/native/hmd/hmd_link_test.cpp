@@ -140,7 +140,7 @@ TEST_F(HeadsetLinkTest, TellsTheCoreOfAFrameRateBeforeTheRuntime) {
   ASSERT_TRUE(MakeConnected());
   std::uint32_t cores = 0;
   runtime_.properties.onLine = [&](const std::string& line) {
-    if (line == "1003: 2002 1 4 72.000000") cores = headset_->Core().FramesPerSecond();
+    if (line == "1003: 2002 1 4 72.000000") cores = headset_->Core().Pacer().FramesPerSecond();
   };
   ASSERT_TRUE(companion_.Send(9, Bytes().U32(72)));
   ASSERT_TRUE(runtime_.log.lines.WaitForLine("Updating headset fps, new value: 72.000000 \n"));
@@ -162,7 +162,7 @@ TEST_F(HeadsetLinkTest, TellsTheRuntimeOfAPoseBeforeItLetsAFrameGo) {
   ASSERT_TRUE(MakeConnected<HMDDriverVirtual>());
   ASSERT_TRUE(renderer_->journal.WaitForLine("AcquireOutput 0 16"));
   Background frame([this] {
-    while (renderer_->journal.Count("Sharing") == 0) headset_->Core().HandOffTexture(5);
+    while (renderer_->journal.Count("Sharing") == 0) headset_->Core().Frames().HandOffTexture(5);
   });
   ASSERT_TRUE(renderer_->journal.WaitForLine("AcquireOutput 1 16"));
   Barrier runtime;
@@ -183,7 +183,7 @@ TEST_F(HeadsetLinkTest, ACompanionThatIsThereLongBeforeActivationGetsFramesAfter
   ASSERT_TRUE(renderer_->journal.WaitForLine("AcquireOutput 0 16"));
   std::vector<LayerRecord> layers;
   Background frames([&] {
-    while (renderer_->journal.Count("Sharing") == 0) headset_->Core().HandOffLayers(0, layers, {});
+    while (renderer_->journal.Count("Sharing") == 0) headset_->Core().Frames().HandOffLayers(0, layers, {});
   });
   EXPECT_TRUE(frames.Finishes());
   EXPECT_TRUE(companion_.Receive().has_value());
