@@ -4,9 +4,7 @@
 set -eu
 cd "$1"
 
-# A folder of the driver may include its own public headers and those of the folders before it.
 driver_folders="platform driver/context link shaders render devices hmd driver"
-bench_folders="sharing runtime companion"
 breaches=$(mktemp)
 trap 'rm -f "$breaches"' EXIT
 
@@ -34,18 +32,6 @@ forbid() {
 
 includes_of() {
   echo "^[[:space:]]*#[[:space:]]*include[[:space:]]*[<\"]($1)"
-}
-
-check_order() {
-  later=" $driver_folders "
-  for folder in $driver_folders; do
-    later=${later#*" $folder "}
-    forbidden=$(for name in $later $bench_folders; do printf '%s/|' "$(basename "$name")"; done)
-    for file in $(files_of "$folder"); do
-      forbid "$file" "includes what it does not build on" "$(includes_of "${forbidden%|}")"
-    done
-    later=" $later"
-  done
 }
 
 # Bench programs read the protocol document, so that two ends cannot share one mistake.
@@ -122,7 +108,6 @@ check_size() {
   done
 }
 
-check_order
 check_bench
 check_adapters
 check_loading

@@ -45,15 +45,6 @@ lines() {
 start_over
 expect "a sound tree" "the sources keep the rules"
 
-echo '#include "render/renderer.h"' >>"$tree/link/core.cpp"
-expect "a folder that includes a later one" "link/core.cpp:3: includes what it does not build on"
-
-echo '#  include "driver/provider.h"' >"$tree/driver/context/log.cpp"
-expect "the context that includes the driver" "driver/context/log.cpp:1: includes what it does not build on"
-
-echo '#include "companion/wire.h"' >>"$tree/driver/provider.cpp"
-expect "a driver that includes the bench" "driver/provider.cpp:2: includes what it does not build on"
-
 echo '#include "link/wire.h"' >>"$tree/bench/companion/main.cpp"
 expect "a bench that includes the driver" "bench/companion/main.cpp:2: bench includes the driver"
 
