@@ -17,9 +17,8 @@ function(ombrel_driver_dll target)
       -Wl,--dynamicbase,--high-entropy-va,--nxcompat "-Wl,-Map=$<TARGET_FILE:${target}>.map")
     set(symbols "$<TARGET_FILE:${target}>.debug")
     add_custom_command(TARGET ${target} POST_BUILD
-      COMMAND "${CMAKE_OBJCOPY}" --only-keep-debug "$<TARGET_FILE:${target}>" "${symbols}"
-      COMMAND "${CMAKE_OBJCOPY}" --strip-all "$<TARGET_FILE:${target}>"
-      COMMAND "${CMAKE_OBJCOPY}" "--add-gnu-debuglink=${symbols}" "$<TARGET_FILE:${target}>"
+      COMMAND "${CMAKE_COMMAND}" "-DOBJCOPY=${CMAKE_OBJCOPY}" "-DLIBRARY=$<TARGET_FILE:${target}>" "-DSYMBOLS=${symbols}"
+        -P "${PROJECT_SOURCE_DIR}/cmake/split_symbols.cmake"
       VERBATIM)
   endif()
   set_property(TARGET ${target} PROPERTY OMBREL_SYMBOLS "${symbols}")
