@@ -45,12 +45,17 @@ class HeadPoseTracker {
   [[nodiscard]] const LinkPoseRecord& Record() const { return record_; }
 
  private:
-  void Decode(std::uint32_t format, std::span<const std::byte> pose);
+  struct Format;
+  [[nodiscard]] static const Format& FormatOf(std::uint32_t code);
+  void DecodeNothing(std::span<const std::byte> /*pose*/) {}
   void DecodeMatrix(std::span<const std::byte> pose);
   void DecodeSensors(std::span<const std::byte> pose);
   void DecodeEulerAngles(std::span<const std::byte> pose);
   void DecodeQuaternion(std::span<const std::byte> pose);
+  void DecodePosition(std::span<const std::byte> pose);
   void DecodePoseMatrix(std::span<const std::byte> pose);
+  void DecodeRecenter(std::span<const std::byte> /*pose*/) { Recenter(); }
+  void DecodeTrackingState(std::span<const std::byte> pose);
   void ClearMotion();
 
   LinkPoseRecord record_;
