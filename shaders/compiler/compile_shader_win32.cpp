@@ -4,6 +4,7 @@
 
 #include <windows.h>
 #include <d3dcompiler.h>
+#include <wrl/client.h>
 
 #include <cstdio>
 #include <fstream>
@@ -12,17 +13,15 @@
 
 namespace {
 
-using Blob = ID3DBlob*;
+using Blob = Microsoft::WRL::ComPtr<ID3DBlob>;
 
-std::string TextOf(Blob blob) {
-  if (blob == nullptr) {
-    return {};
-  }
+std::string TextOf(const Blob& blob) {
+  if (!blob) return {};
   std::string text(static_cast<const char*>(blob->GetBufferPointer()), blob->GetBufferSize());
   return text.substr(0, text.find('\0'));
 }
 
-bool Write(const char* path, Blob bytecode) {
+bool Write(const char* path, const Blob& bytecode) {
   std::ofstream file(path, std::ios::binary | std::ios::trunc);
   file.write(static_cast<const char*>(bytecode->GetBufferPointer()),
              static_cast<std::streamsize>(bytecode->GetBufferSize()));
@@ -37,12 +36,12 @@ int Compile(const char* sourcePath, const char* profile, const char* outputPath)
   }
   const std::string source{std::istreambuf_iterator<char>(file), {}};
 
-  Blob bytecode = nullptr;
-  Blob messages = nullptr;
-  const HRESULT result = D3DCompile(source.data(), source.size(), sourcePath, nullptr, nullptr, "main", profile,
-                                    D3DCOMPILE_OPTIMIZATION_LEVEL3, 0, &bytecode, &messages);
+  Blob bytecode, messages;
+  const HRESULT result =
+      D3DCompile(source.data(), source.size(), sourcePath, nullptr, nullptr, "main", profile,
+                 D3DCOMPILE_OPTIMIZATION_LEVEL3, 0, bytecode.GetAddressOf(), messages.GetAddressOf());
   const std::string text = TextOf(messages);
-  if (FAILED(result) || !text.empty() || bytecode == nullptr) {
+  if (FAILED(result) || !text.empty() || !bytecode) {
     std::fprintf(stderr, "%s (%s): error 0x%08lx\n%s\n", sourcePath, profile, static_cast<unsigned long>(result),
                  text.c_str());
     return 1;
