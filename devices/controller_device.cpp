@@ -18,7 +18,7 @@ constexpr std::uint64_t kTrigger = 1ULL << vr::k_EButton_SteamVR_Trigger;
 
 constexpr std::size_t kTrackpadX = 0, kTrackpadY = 1, kTriggerValue = 2;  // in axisComponents_
 constexpr float kInitialTrackpadX = 0.8F;
-constexpr std::uint64_t kUniverseId = 18;
+constexpr std::uint64_t kUniverseId = 18;  // compatibility.md, C29
 
 void SendPass(std::span<const InputComponent> components, std::uint64_t mask, bool value) {
   if (mask == 0) return;
@@ -30,6 +30,7 @@ void SendPass(std::span<const InputComponent> components, std::uint64_t mask, bo
 // An axis that is not a number differs from everything, itself included.
 bool Differs(const ControllerState::Axis& a, const ControllerState::Axis& b) { return a.x != b.x || a.y != b.y; }
 
+// All else is zero: compatibility.md, C37.
 vr::DriverPose_t InitialPose() {
   vr::DriverPose_t pose{};
   pose.qRotation.w = 1.0;
@@ -68,7 +69,7 @@ vr::EVRInitError ControllerDevice::Activate(std::uint32_t unObjectId) {
     CreateInputs();
   });
   deviceIndex_ = unObjectId;  // from here on records take effect
-  // The trackpad rests at 0.8 until it moves: lastState_ does not know of it.
+  // lastState_ does not know of it: compatibility.md, C35.
   Guarded([&] { UpdateScalarInput(axisComponents_[kTrackpadX], kInitialTrackpadX); });
   return vr::VRInitError_None;
 }
@@ -112,7 +113,7 @@ void ControllerDevice::SendButtons(const ControllerState& state) const {
   SendPass(touchComponents_, ~touched & changedTouched, false);
 }
 
-// Both of the trackpad's values go out when one has changed; a change of the trigger's unused y sends its x again.
+// When what goes out: compatibility.md, C36.
 void ControllerDevice::SendAxes(const ControllerState& state) const {
   const ControllerState::Axis& trackpad = state.axes[0];
   const ControllerState::Axis& trigger = state.axes[1];

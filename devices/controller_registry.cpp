@@ -15,7 +15,7 @@ ControllerDevice& ControllerRegistry::Add(std::uint32_t controllerId, std::uniqu
     known_.emplace(controllerId, &added);
     walk_.Add(&added);
   } catch (...) {
-    // Known, but never announced: so it would stay. Its next record is to find it unknown.
+    // Or it would stay known and never be announced: its next record is to find it unknown.
     known_.erase(controllerId);
     controllers_.pop_back();
     throw;

@@ -12,7 +12,7 @@ namespace {
 
 static_assert(sizeof(vr::DriverPose_t) == 280);
 
-// qDriverFromHeadRotation stays the zero quaternion, on purpose.
+// qDriverFromHeadRotation stays the zero quaternion: compatibility.md, C30.
 vr::DriverPose_t FixedPose() {
   vr::DriverPose_t pose{};
   pose.qWorldFromDriverRotation.w = 1.0;
@@ -33,7 +33,6 @@ vr::EVRInitError FakeSensorDevice::Activate(std::uint32_t unObjectId) {
   Guarded([&] {
     Log("Activate fake sensor %d \n", static_cast<int>(unObjectId));
     propertyContainer_ = ContainerOf(unObjectId);
-    // Universe 1, not the headset's 18: that is on purpose.
     const std::array<DeviceProperty, 11> properties{{
         {vr::Prop_FieldOfViewLeftDegrees_Float, 80.0F},
         {vr::Prop_FieldOfViewRightDegrees_Float, 80.0F},
@@ -42,7 +41,7 @@ vr::EVRInitError FakeSensorDevice::Activate(std::uint32_t unObjectId) {
         {vr::Prop_TrackingRangeMinimumMeters_Float, 0.0F},
         {vr::Prop_TrackingRangeMaximumMeters_Float, 12.0F},
         {vr::Prop_DeviceClass_Int32, std::int32_t{vr::TrackedDeviceClass_TrackingReference}},
-        {vr::Prop_CurrentUniverseId_Uint64, std::uint64_t{1}},
+        {vr::Prop_CurrentUniverseId_Uint64, std::uint64_t{1}},  // compatibility.md, C29
         {vr::Prop_ModelNumber_String, modelNumber_.c_str()},
         {vr::Prop_SerialNumber_String, serialNumber_.c_str()},
         {vr::Prop_RenderModelName_String, "lh_basestation_vive"},

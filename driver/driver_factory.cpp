@@ -13,8 +13,8 @@ namespace {
 
 ombrel::EmergencyMemory emergencyMemory;
 
-// Made when the library is loaded. Were it made at the first call, under a guard, the compiler's runtime would note the
-// calling thread, and its two handles would stay open when the library is unloaded.
+// Made when the library is loaded. A function-local static would be initialized under a guard, for which winpthreads
+// registers the calling thread and leaks its two handles when the library is unloaded.
 ombrel::CServerDriver_Ombrel provider;
 
 }  // namespace

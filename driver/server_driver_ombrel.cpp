@@ -15,14 +15,13 @@
 namespace ombrel {
 namespace {
 
-constexpr std::uint32_t kLinkStopMs = 100;
-constexpr std::uint32_t kBeforeReleaseMs = 300;
+constexpr std::uint32_t kBeforeReleaseMs = 400;
 
 std::unique_ptr<HMDDriver> MakeHeadset(std::int32_t mode) {
   switch (mode) {
     case 1:
       return std::make_unique<HMDDriverVirtual>(MakeHeadsetRenderer());
-    case 2:  // a mode of its own, which so far is the direct one; NOLINT(bugprone-branch-clone)
+    case 2:  // compatibility.md, C24; NOLINT(bugprone-branch-clone)
       return std::make_unique<HMDDriverDirect>(MakeHeadsetRenderer());
     default:
       return std::make_unique<HMDDriverDirect>(MakeHeadsetRenderer());
@@ -32,7 +31,7 @@ std::unique_ptr<HMDDriver> MakeHeadset(std::int32_t mode) {
 }  // namespace
 
 CServerDriver_Ombrel::~CServerDriver_Ombrel() {
-  // A library that is unloaded without Cleanup may not wait for its threads: the loader's lock is held.
+  // A library that is unloaded without Cleanup may not join its threads: the loader lock is held.
   static_cast<void>(headset_.release());
 }
 
@@ -53,7 +52,7 @@ vr::EVRInitError CServerDriver_Ombrel::InitDevices() {
   RetireDevices();
   fakeSensorEnabled_ = ReadBoolSetting("fakeSensorEnabled", true);
   if (!IsCompanionRunning(ListProcesses())) {
-    Log("Pellmor not active\n");
+    Log("Pellmor not active\n");  // compatibility.md, C28
     return vr::VRInitError_Init_HmdNotFound;
   }
   Log("Ombrel process is running\n");
@@ -76,8 +75,8 @@ void CServerDriver_Ombrel::AddHeadset() {
   headset_->Core().Client().AddListener(static_cast<IControllerUpdatedListener*>(this));
   headset_->Core().StartLink();
   devices_.push_back(headset_.get());
-  // Announced under this very text, not under the serial number that it has as a property. Whatever comes of it, the
-  // runtime may know the headset from here on, which is no longer ours to take back then.
+  // Under this very text: compatibility.md, C23. Whatever comes of it, the runtime may know the headset from here on,
+  // which is no longer ours to take back then.
   Guarded([&] {
     Context().ServerDriverHost()->TrackedDeviceAdded("serialNumber", vr::TrackedDeviceClass_HMD, headset_.get());
   });
@@ -100,8 +99,7 @@ void CServerDriver_Ombrel::Cleanup() {
     ClearLogSink();
     if (headset_ == nullptr) return;
     headset_->Core().StopLink();
-    // Nobody is in here any more; the runtime's own threads get the time to take in what they were told last.
-    SleepMs(kLinkStopMs);
+    // The runtime's own threads get the time to take in what they were told last: compatibility.md, C33.
     SleepMs(kBeforeReleaseMs);
     ReleaseHeadset();
   });
@@ -159,7 +157,8 @@ void CServerDriver_Ombrel::EnterStandby() { Log("Enter standby Server tracked de
 
 void CServerDriver_Ombrel::LeaveStandby() { Log("Leave standby Server tracked device \n"); }
 
-// The record that makes a controller known is not applied to it: its state begins with the next one.
+// The record that makes a controller known is not applied to it (compatibility.md, C34): its state begins with the
+// next.
 void CServerDriver_Ombrel::OnControllerUpdated(const ControllerUpdate* record) {
   if (ControllerDevice* known = controllers_.Find(record->controllerId)) {
     known->UpdateFromRecord(*record);

@@ -18,7 +18,7 @@ namespace {
 static_assert(sizeof(vr::DriverPose_t) == 280);
 
 constexpr std::uint32_t kFormatR8G8B8A8Unorm = 28;
-constexpr std::uint64_t kUniverseId = 18;
+constexpr std::uint64_t kUniverseId = 18;  // compatibility.md, C29
 
 }  // namespace
 
@@ -61,7 +61,7 @@ void HMDDriver::LogConfiguration() const {
 }
 
 vr::EVRInitError HMDDriver::Activate(std::uint32_t unObjectId) {
-  // One by one: what fails does not keep the headset from the rest.
+  // Guarded apart: what throws does not keep the headset from the rest.
   Guarded([&] { propertyContainer_ = ContainerOf(unObjectId); });
   Guarded([&] { Log("HMD activated with id %d \n", static_cast<int>(unObjectId)); });
   deviceIndex_ = unObjectId;
@@ -136,7 +136,7 @@ void HMDDriver::OnTrackingUpdated() {
 }
 
 void HMDDriver::OnFramerateUpdated(std::uint32_t framesPerSecond) {
-  const auto frequency = static_cast<float>(static_cast<std::int32_t>(framesPerSecond));
+  const auto frequency = static_cast<float>(static_cast<std::int32_t>(framesPerSecond));  // compatibility.md, C11
   {
     const std::lock_guard lock(frequencyMutex_);
     displayFrequency_ = frequency;

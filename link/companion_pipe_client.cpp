@@ -67,8 +67,9 @@ bool CompanionPipeClient::TryConnect() try {
   return false;
 }
 
-// A companion may make its second pipe late and offer each of them once: the first is kept while the second is missing,
-// but not when the companion has gone meanwhile, since that would keep the next one from offering it again.
+// A companion may make its second pipe late, and its pipes may be single-instance: the first is kept while the second
+// is missing, but not when the companion has gone meanwhile, since our handle would keep the next one from making it
+// again.
 bool CompanionPipeClient::OpenPipes() {
   if (writePipe_.IsOpen() && writePipe_.IsPeerGone()) writePipe_.Close();
   if (!writePipe_.IsOpen()) {

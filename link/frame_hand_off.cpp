@@ -45,6 +45,7 @@ void FrameHandOff::HandOffLayers(std::uint64_t syncTexture, std::vector<LayerRec
     layers.clear();
     return;
   }
+  // Whether or not the output could be had: compatibility.md, C42.
   renderer_.BeginLayers();
   for (const LayerRecord& layer : layers) renderer_.ComposeLayer(currentTexture_, layer);
   layers.clear();

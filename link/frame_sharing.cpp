@@ -11,7 +11,7 @@ std::string MakeFrameSharingName() {
   constexpr std::string_view kAlphabet = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
   static_assert(kAlphabet.size() == 62);
   std::string name(kFrameSharingNameLength, '\0');
-  // The name only has to be told apart, not to be secret.
+  // Unseeded (compatibility.md, C14): the name is no secret.
   for (char& c : name) c = kAlphabet[static_cast<std::size_t>(std::rand()) % kAlphabet.size()];
   return name;
 }

@@ -8,7 +8,7 @@ namespace ombrel {
 namespace {
 
 constexpr float kTwoKp = 1.0F;
-constexpr float kSampleRateHz = 76.0F;
+constexpr float kSampleRateHz = 76.0F;  // compatibility.md, C6
 
 // Fast inverse square root with one Newton step.
 float InverseSqrt(float x) {

@@ -69,9 +69,9 @@ bool OutgoingPipe::TakeNext(Message& message) {
   return true;
 }
 
-// False when the companion cannot go on with this connection: a part of the message is out and the rest could not
-// follow, or one that may not be dropped found no way into a pipe that is whole. Otherwise a message of which nothing
-// could be written is lost without notice: a companion that closes this pipe alone keeps its connection.
+// In three pieces (compatibility.md, C16). False when the companion cannot go on with this connection: a part of the
+// message is out and the rest could not follow, or one that may not be dropped found no way into a pipe that is whole.
+// Otherwise a message of which nothing could be written is lost without notice (compatibility.md, C17).
 bool OutgoingPipe::Write(const Message& message) {
   const LinkMessageHeader& header = message.header;
   if (!pipe_.WriteAll(&header.length, sizeof(header.length))) return message.madeAt != kKept || pipe_.IsPeerGone();

@@ -19,8 +19,8 @@ struct Unload {
 };
 using LibraryReference = std::unique_ptr<std::remove_pointer_t<HMODULE>, Unload>;
 
-// What a thread runs, and the library that this code is in. The thread keeps the library loaded: one that is unloaded
-// without having been stopped goes when its last thread ends, not from under it.
+// What a thread runs, and a reference to the DLL that this code is in: a DLL that is unloaded without having been
+// stopped goes when its last thread has ended (FreeLibraryAndExitThread), not from under it.
 struct Work {
   std::function<void()> body;
   LibraryReference library;

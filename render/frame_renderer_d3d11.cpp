@@ -78,7 +78,7 @@ void FrameRenderer::BeginLayers() {
 
 void FrameRenderer::ComposeLayer(std::int32_t outputIndex, const LayerRecord& layer) {
   if (!device_.context) return;
-  // Kept for as long as they are drawn from, so that nobody who takes them away has to wait.
+  // References of our own, so that UnregisterTexture need not wait for the draw calls.
   const View left = FindView(layer.leftTexture), right = FindView(layer.rightTexture);
   pipeline_.Draw(*device_.context.Get(), outputs_.View(outputIndex), {left.Get(), right.Get()}, *layer.bounds,
                  output_.invertY);

@@ -13,7 +13,8 @@ class LayerPipeline {
  public:
   // Once, when the device is made.
   void CreateShaders(ID3D11Device& device);
-  // Whenever the output is made anew: viewports, buffers, blend states (the premultiplied one is bound once) and sampler.
+  // Whenever the output is made anew: viewports, buffers, blend states (the premultiplied one is bound once) and
+  // sampler.
   void CreateState(ID3D11Device& device, ID3D11DeviceContext& context, std::uint32_t width, std::uint32_t height);
 
   [[nodiscard]] bool HasShaders() const { return layerVertexShader_ && layerPixelShader_; }
@@ -22,10 +23,10 @@ class LayerPipeline {
     return HasShaders() && boundsBuffer_ && parametersBuffer_ && opaqueBlend_ && sampler_;
   }
 
-  // Layers overwrite one another.
+  // Layers overwrite one another: compatibility.md, C43.
   void BindOpaqueBlend(ID3D11DeviceContext& context);
-  // A view may be null: its eye is then drawn from no texture. Nothing is drawn without a target, or unless CanDraw: what
-  // a draw call without shaders does is up to the graphics driver.
+  // A view may be null: its eye is then drawn from no texture. Nothing is drawn without a target, or unless CanDraw:
+  // what a draw call without shaders does is up to the graphics driver.
   void Draw(ID3D11DeviceContext& context, ID3D11RenderTargetView* target,
             const std::array<ID3D11ShaderResourceView*, 2>& eyes, const EyeBounds& bounds, std::uint8_t invertY);
 
@@ -38,7 +39,7 @@ class LayerPipeline {
 
   ComPtr<ID3D11VertexShader> layerVertexShader_;
   ComPtr<ID3D11PixelShader> layerPixelShader_;
-  // For a mirror of the picture on the desktop; no frame path binds them.
+  // For a mirror of the picture on the desktop, and never bound: compatibility.md, C46.
   ComPtr<ID3D11VertexShader> mirrorVertexShader_;
   ComPtr<ID3D11PixelShader> mirrorPixelShader_;
   std::array<D3D11_VIEWPORT, 2> viewports_{};

@@ -7,8 +7,8 @@
 
 namespace ombrel {
 
-// The two textures that carry finished frames to the companion, each with its keyed mutex and render-target view. Made
-// and released by set-up, used by one hand-off at a time, never both at once.
+// The two textures that carry finished frames to the companion (double buffering), each with its keyed mutex and
+// render-target view. Made and released by set-up, used by one hand-off at a time, never both at once.
 class OutputPair {
  public:
   void Release();

@@ -23,7 +23,7 @@ class ControllerDevice final : public vr::ITrackedDeviceServerDriver {
   ControllerDevice(OmbrelCore* link, vr::IVRServerDriverHost* host, std::int32_t controllerId);
 
   vr::EVRInitError Activate(std::uint32_t unObjectId) override;
-  // Leaves the index as it is: records go on taking effect.
+  // Leaves the index as it is, and records go on taking effect: compatibility.md, C31.
   void Deactivate() override {}
   void EnterStandby() override {}
   void* GetComponent(const char* pchComponentNameAndVersion) override;

@@ -17,7 +17,7 @@ class FakeSensorDevice final : public vr::ITrackedDeviceServerDriver {
   FakeSensorDevice(vr::IVRServerDriverHost* host, const char* modelNumber, const char* serialNumber);
 
   vr::EVRInitError Activate(std::uint32_t unObjectId) override;
-  // Leaves the index as it is: the pose is sent on.
+  // Leaves the index as it is, and the pose is sent on: compatibility.md, C31.
   void Deactivate() override;
   void EnterStandby() override {}
   void* GetComponent(const char* pchComponentNameAndVersion) override;

@@ -12,7 +12,7 @@ namespace ombrel {
 // The user's fixed turns of the headset.
 struct RotationOffsets {
   Quaternion rotationOffsetXZ;  // pitch and roll, applied on the right
-  Quaternion rotationOffsetY;   // yaw, applied on the left
+  Quaternion rotationOffsetY;   // yaw, applied on the left: see compatibility.md, C9
 };
 
 // From whole degrees about each axis.

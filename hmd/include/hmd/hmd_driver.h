@@ -32,8 +32,8 @@ class HMDDriver : public vr::ITrackedDeviceServerDriver,
   HMDDriver(const HMDDriver&) = delete;
   HMDDriver& operator=(const HMDDriver&) = delete;
 
-  // Makes the output textures. Waits for those who make or use others at the moment: two seconds at most, besides the time
-  // that Direct3D takes to make a lost device anew.
+  // Makes the output textures. Waits for those who make or use others at the moment: two seconds at most, besides the
+  // time that Direct3D takes to make a lost device anew.
   vr::EVRInitError Activate(std::uint32_t unObjectId) override;
   void Deactivate() override;
   void EnterStandby() override {}
@@ -45,7 +45,7 @@ class HMDDriver : public vr::ITrackedDeviceServerDriver,
   void OnTrackingUpdated() override;
   void OnFramerateUpdated(std::uint32_t framesPerSecond) override;
 
-  // Once per frame, on the server thread: an active headset reports itself worn.
+  // Once per frame, on the server thread: an active headset reports itself worn (compatibility.md, C27).
   void ReportWorn();
   [[nodiscard]] OmbrelCore& Core() { return core_; }
 
@@ -71,7 +71,8 @@ class HMDDriver : public vr::ITrackedDeviceServerDriver,
   const float ipdMeters_ = 0.065F;
   SeqLock<vr::DriverPose_t> pose_;
   RotationOffsets rotationOffsets_;
-  // Invalid unless the runtime made the input. Handle and success in one, so that nobody sees the one without the other.
+  // Invalid unless the runtime made the input. Handle and success in one, so that nobody sees the one without the
+  // other.
   std::atomic<vr::VRInputComponentHandle_t> proximityComponent_{vr::k_ulInvalidInputComponentHandle};
   std::atomic<vr::PropertyContainerHandle_t> propertyContainer_{vr::k_ulInvalidPropertyContainer};
   vr::IVRServerDriverHost* const host_;

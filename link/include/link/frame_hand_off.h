@@ -14,9 +14,9 @@
 
 namespace ombrel {
 
-// Hands the runtime's frames to the companion. Double buffering: of the two output textures the driver draws into the one
-// whose keyed mutex it holds, while the companion may read the other. Frames come on the runtime's threads, which the
-// submission gate lets in only while streaming is active.
+// Hands the runtime's frames to the companion. Double buffering: of the two output textures the driver draws into the
+// one whose keyed mutex it holds, while the companion may read the other. Frames come on the runtime's threads, which
+// the submission gate lets in only while streaming is active.
 class FrameHandOff {
  public:
   // All of them must outlive it.
@@ -31,7 +31,7 @@ class FrameHandOff {
   void EndStreaming();
 
   // Direct mode: composes the layers into the current output and passes it to the companion. Empties the list, unless
-  // the link is down. Waits two frame periods at most, two seconds in any case.
+  // the link is down (compatibility.md, C39). Waits two frame periods at most, two seconds in any case.
   void HandOffLayers(std::uint64_t syncTexture, std::vector<LayerRecord>& layers, const FramePose& pose);
   // Virtual display: copies one finished texture and passes it on likewise, then waits until a pose has come that no
   // frame answers yet, or the link goes down.
@@ -63,7 +63,8 @@ class FrameHandOff {
   SubmissionGate streamingActive_;
   Mutex stateMutex_;
   Condition stateChanged_;
-  // Compared signed: a connection's first frame answers no pose.
+  // Compared signed: a connection's first frame, which takes the count from -1 to 0, answers no pose (compatibility.md,
+  // C49).
   std::atomic<std::int32_t> submittedFrames_{0};
   std::atomic<std::int32_t> trackingUpdates_{0};
 };

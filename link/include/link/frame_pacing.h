@@ -10,7 +10,7 @@ namespace ombrel {
 // No wait and no time-out is longer, whatever frame rate the companion asks for.
 inline constexpr double kLongestWaitMs = 1000.0;
 
-// 1000 / rate in single precision; infinite for a rate of 0.
+// 1000 / rate in single precision (compatibility.md, C12); infinite for a rate of 0.
 [[nodiscard]] double FramePeriodMs(std::uint32_t framesPerSecond);
 
 // The period as a keyed mutex's time-out: whole milliseconds, truncated.
@@ -26,7 +26,7 @@ inline constexpr double kLongestWaitMs = 1000.0;
 // once a millisecond, and so rounds up, still ends before the deadline. 0 when there is nothing to sleep.
 [[nodiscard]] double SleepRestMs(double leftMs);
 
-// Whether `elapsed` counts of polling make up `leftMs`. Compared in single precision.
+// Whether `elapsed` counts of polling make up `leftMs`, in single precision likewise.
 [[nodiscard]] bool IsSpinOver(std::int64_t elapsed, std::int64_t frequency, double leftMs);
 
 }  // namespace ombrel

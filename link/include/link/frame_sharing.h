@@ -23,7 +23,7 @@ inline constexpr std::int32_t kFrameSharingBlockSize = 128;
 }
 
 // The named objects in which the companion finds each frame's pose: a block with one slot per output texture, and two
-// mutexes, which the driver only keeps in being. A block that could not be made is silently done without.
+// mutexes that nobody waits on (compatibility.md, C15). A block that could not be made is silently done without.
 class FrameSharing {
  public:
   // Server thread, once.
@@ -42,7 +42,7 @@ class FrameSharing {
   OwnedHandle frameMutex1_;
 };
 
-// The announcement of the output textures.
+// The announcement of the output textures, with the low halves of their handles (compatibility.md, C22).
 [[nodiscard]] FrameSharingInfo MakeFrameSharingInfo(std::uint32_t processId, const OutputSharing& outputs,
                                                     const std::string& name);
 

@@ -14,8 +14,9 @@
 
 namespace ombrel {
 
-// The pipe to the companion. Any thread may send: messages wait in a queue, and a thread of the connection writes them,
-// whole and in order, however long the companion takes to read. Nobody else waits for it, and sending allocates nothing.
+// The pipe to the companion. Any thread may send: messages wait in a ring buffer, and a thread of the connection writes
+// them, whole and in order, however long the companion takes to read. Nobody else waits for it, and sending allocates
+// nothing.
 class OutgoingPipe {
  public:
   // At most this many messages that may be dropped wait; one more place is kept for one that may not.

@@ -15,10 +15,11 @@ void EndRuntimeSession();
 
 // The decisions behind it.
 
-// A begins-with test on purpose: a full path begins with its drive, so that the monitor process is ended instead.
+// A full path begins with its drive, so that the monitor process is ended instead: compatibility.md, C18.
 [[nodiscard]] bool IsRuntimeServerPath(std::string_view path);
 
-// The last process named "vrmonitor.exe", letter case included; the first of the list is never looked at.
+// The last process named "vrmonitor.exe", letter case included, but for the first of the list: compatibility.md, C19
+// and C20.
 [[nodiscard]] std::optional<std::uint32_t> FindMonitorProcess(const std::vector<ProcessEntry>& processes);
 
 }  // namespace ombrel

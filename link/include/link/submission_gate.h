@@ -5,8 +5,9 @@
 
 namespace ombrel {
 
-// Lets the runtime's threads in while it is open, without a lock, and lets the one who closes it wait until the last of
-// them is out: what they use may go away then. Any thread may enter; opening and closing is for one thread at a time.
+// Rundown protection: lets the runtime's threads in while it is open, without a lock, and lets the one who closes it
+// wait until the last of them is out: what they use may go away then. Any thread may enter; opening and closing is for
+// one thread at a time.
 class SubmissionGate {
  public:
   // Held while inside. Empty when the gate was closed.

@@ -4,9 +4,9 @@
 
 namespace ombrel {
 
-// A list that grows while other threads walk it, without a lock: an entry is complete before it can be seen, and none
-// goes away while walkers may be about. Add and ForEach may be called from any thread at any time; Clear only when no
-// other thread uses the list. Entries are visited in the order in which they were added.
+// A lock-free singly linked list that grows while other threads walk it: an entry is published by a release store, and
+// none goes away while walkers may be about. Add and ForEach may be called from any thread at any time; Clear only when
+// no other thread uses the list. Entries are visited in the order in which they were added.
 template <typename T>
 class AppendOnlyList {
  public:

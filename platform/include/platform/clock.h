@@ -16,7 +16,8 @@ void SleepMs(std::uint32_t milliseconds);
 // Sleeps for part of a millisecond, rounded up to the system's timer; not at all for 0.
 void SleepBelowMs(double milliseconds);
 
-// Asks for the finest timer period the system offers, but no finer than 1 ms, for the rest of the process's life.
+// Asks for the finest timer period the system offers, but no finer than 1 ms, for the rest of the process's life
+// (compatibility.md, C32).
 void RaiseTimerResolution();
 
 }  // namespace ombrel

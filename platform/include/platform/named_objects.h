@@ -9,7 +9,7 @@
 namespace ombrel {
 
 // A page-file backed file mapping that other processes open by its name. The system hands out one that exists already
-// under that name (see docs/compatibility.md, C13); it is refused when it is a SEC_RESERVE mapping, whose pages fault
+// under that name (see compatibility.md, C13); it is refused when it is a SEC_RESERVE mapping, whose pages fault
 // when they are touched before somebody commits them. Gone with its last user.
 class NamedMemory {
  public:

@@ -6,8 +6,9 @@
 
 namespace ombrel {
 
-// Mutex, condition variable and wake-up signal over the operating system's own primitives. The standard library's would
-// do, but MinGW's keep per-thread state of threads they did not start, which outlives the DLL when it is unloaded.
+// Mutex, condition variable and eventcount over the operating system's own primitives. The standard library's would do,
+// but MinGW's (winpthreads) keep thread-local state of threads that they did not start, which outlives the DLL when it
+// is unloaded.
 
 // Satisfies BasicLockable: use it with std::lock_guard and std::unique_lock.
 class Mutex {
@@ -48,8 +49,9 @@ class Condition {
   void* native_ = nullptr;
 };
 
-// Lets threads wait for the next call of WakeAll, or for a time, without a lock. A waiter notes the Generation first
-// and then looks at what it waits for; a WakeAll in between makes the wait return at once.
+// An eventcount: lets threads wait for the next call of WakeAll, or for a time, without a lock. A waiter notes the
+// Generation first and then looks at what it waits for; a WakeAll in between makes the wait return at once, so that no
+// wake-up is lost.
 class WakeSignal {
  public:
   [[nodiscard]] std::uint32_t Generation() const { return generation_.load(std::memory_order_acquire); }

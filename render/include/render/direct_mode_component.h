@@ -20,8 +20,8 @@ namespace ombrel {
 // that may wait say so.
 class DirectModeComponent : public vr::IVRDriverDirectModeComponent {
  public:
-  // An hour of frames that nobody took would take longer to draw than a graphics driver waits for anything. Layers are
-  // opaque and each covers those before it, so that nobody misses the oldest.
+  // Drawing the layers of an hour without a link would exceed the graphics driver's time-out (TDR). Layers are opaque
+  // and each covers those before it, so that nobody misses the oldest.
   static constexpr std::size_t kMostLayers = 256;
 
   // Both must outlive the component.

@@ -7,7 +7,7 @@
 namespace ombrel {
 
 // Whether an adapter's description (a NUL-terminated text of 16-bit units, at least seven of them) names the adapter
-// that is preferred to the system's default. The terminator counts: a longer description is another adapter's.
+// that is preferred to the system's default. The terminator counts: compatibility.md, C44.
 template <typename Unit>
 [[nodiscard]] constexpr bool IsPreferredAdapter(const Unit* description) {
   static_assert(sizeof(Unit) == 2);
@@ -23,7 +23,7 @@ struct EyeViewport {
   float x, width, height;  // y is 0
 };
 
-// Left and right half. Of an odd width the last column stays undrawn.
+// Left and right half. Of an odd width the last column stays undrawn (compatibility.md, C47).
 [[nodiscard]] constexpr std::array<EyeViewport, 2> EyeViewports(std::uint32_t width, std::uint32_t height) {
   const auto half = static_cast<float>(width / 2);
   const auto tall = static_cast<float>(height);

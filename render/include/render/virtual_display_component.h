@@ -16,14 +16,14 @@ class VirtualDisplayComponent : public vr::IVRVirtualDisplay {
   // Both must outlive the component.
   VirtualDisplayComponent(OmbrelCore& core, vr::IVRServerDriverHost* host);
 
-  // Waits for the texture and for the next output, at most a frame period (and never over a second) each, and then until
-  // a pose has come that no frame answers yet, or the link goes down, or Cleanup begins: only a companion that stays
-  // connected and sends no poses makes that long.
+  // Waits for the texture and for the next output, at most a frame period (and never over a second) each, and then
+  // until a pose has come that no frame answers yet, or the link goes down, or Cleanup begins: only a companion that
+  // stays connected and sends no poses makes that long.
   void Present(const vr::PresentInfo_t* pPresentInfo, std::uint32_t unPresentInfoSize) override;
   // Waits for the end of the frame period, at most a second; that is the vsync.
   void WaitForPresent() override;
-  // Seconds since the last vsync (or the counter's origin, before the first) and the number of presents; zeros once the
-  // link has stopped. Always true.
+  // Seconds since the last vsync (or the counter's origin, before the first: compatibility.md, C48) and the number of
+  // presents; zeros once the link has stopped. Always true.
   bool GetTimeSinceLastVsync(float* pfSecondsSinceLastVsync, std::uint64_t* pulFrameCounter) override;
 
  protected:
