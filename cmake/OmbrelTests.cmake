@@ -1,4 +1,4 @@
-# GoogleTest, and the function that test folders declare their tests with.
+# GoogleTest, and the functions that test folders declare their tests with.
 
 set(OMBREL_GOOGLETEST_DIR "/usr/src/googletest" CACHE PATH "Folder of GoogleTest's sources")
 
@@ -8,7 +8,23 @@ if(OMBREL_BUILD_TESTS)
   set(INSTALL_GTEST OFF)
   set(gtest_force_shared_crt OFF)
   add_subdirectory("${OMBREL_GOOGLETEST_DIR}" "${PROJECT_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL SYSTEM)
+  # Debian's own, for which the packages that tests need are installed.
+  find_program(OMBREL_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH REQUIRED)
 endif()
+
+# What an earlier run found goes whenever the build is configured, which tools/test.sh does before each run.
+set(OMBREL_TEST_RESULTS "${PROJECT_BINARY_DIR}/test-results")
+file(REMOVE_RECURSE "${OMBREL_TEST_RESULTS}")
+file(MAKE_DIRECTORY "${OMBREL_TEST_RESULTS}")
+
+# ombrel_count_cases(NAME): tools/test_results.py counts the cases of the test NAME one by one, from the JUnit file
+# NAME.xml that it writes to OMBREL_TEST_RESULTS. GoogleTest is told to; others name that file in their arguments. The
+# file is there, and empty, before the test runs: one that stays empty tells of a crash, even one with exit code 0.
+function(ombrel_count_cases name)
+  file(TOUCH "${OMBREL_TEST_RESULTS}/${name}.xml")
+  set_property(TEST ${name} APPEND PROPERTY
+    ENVIRONMENT "GTEST_OUTPUT=xml:${OMBREL_PATH_PREFIX}${OMBREL_TEST_RESULTS}/${name}.xml")
+endfunction()
 
 # ombrel_add_test(NAME LABEL native|windows|gpu SOURCES file... [DEPENDS target...]
 #                 [ARGS argument...] [ENVIRONMENT name=value...] [TIMEOUT seconds])
@@ -26,6 +42,7 @@ function(ombrel_add_test name)
   add_test(NAME ${name} COMMAND ${name} ${arg_ARGS})
   set_tests_properties(${name} PROPERTIES
     LABELS "${arg_LABEL}" TIMEOUT ${arg_TIMEOUT} ENVIRONMENT "${arg_ENVIRONMENT}")
+  ombrel_count_cases(${name})
   if(NOT arg_LABEL STREQUAL "native")
     set_tests_properties(${name} PROPERTIES RESOURCE_LOCK ${arg_LABEL})
   endif()

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds everything and runs all tests: natively under sanitizers and a fuzzer, and under Wine what needs Windows.
-# Outputs of all tests are kept in build/<preset>/tests.log. The last line counts passed and failed tests.
+# build/PRESET/test-results/ keeps what each test found, as JUnit files, and build/PRESET/Testing/Temporary/LastTest.log
+# all that it printed. The last line counts passed, failed and skipped tests.
 set -euo pipefail
 # shellcheck source=tools/lib.sh
 . "$(dirname "$0")/lib.sh"
@@ -9,35 +10,28 @@ set -euo pipefail
 threaded=(context_test platform_test link_test link_threads_test render_test devices_test hmd_test
   stress_test)
 
-passed=0 failed=0 skipped=0
+results=()
 
 # run_tests PRESET [ctest option...]: shows results as they come, and the output of what failed.
 run_tests() {
-  local preset=$1 code counts=()
-  shift
-  say "testing $preset"
-  {
-    ctest --preset "$preset" --verbose "$@" 2>&1 && code=0 || code=$?
-    echo "ctest ended with $code"
-  } | tee "build/$preset/tests.log" |
-    awk -f tools/test_results.awk -v counts="build/$preset/tests.counts"
-  read -r -a counts <"build/$preset/tests.counts"
-  passed=$((passed + counts[0]))
-  failed=$((failed + counts[1]))
-  skipped=$((skipped + counts[2]))
+  local folder=$PWD/build/$1/test-results
+  say "testing $1"
+  results+=("$folder")
+  ctest --preset "$1" --no-tests=error --output-junit "$folder/ctest.xml" --test-output-size-passed 1000000 "${@:2}" || true
 }
 
-prepare "${build_packages[@]}" "${display_packages[@]}" "${test_packages[@]}"
+prepare "${build_packages[@]}" "${display_packages[@]}" "${test_packages[@]}" python3-pytest
+skipped=0
 if ! tools/fetch_dxvk.sh; then
   say "SKIPPED: the pixel tests on a second Direct3D, which could not be fetched"
-  skipped=$((skipped + 1))
+  skipped=1
 fi
 start_display
 
 build host-asan
 run_tests host-asan -j "$(nproc)"
 build host-tsan "${threaded[@]}"
-run_tests host-tsan -R "^($(IFS='|' && echo "${threaded[*]}"))\$"
+run_tests host-tsan -j "$(nproc)" -R "^($(IFS='|' && echo "${threaded[*]}"))\$"
 build host-fuzz fuzz_companion
 run_tests host-fuzz -R '^fuzz_companion_briefly$'
 build mingw-release
@@ -45,5 +39,4 @@ build mingw-release
 run_tests mingw-release -j "$(($(nproc) + 1))"
 
 say "all tests have run"
-echo "$passed passed, $failed failed, $skipped skipped"
-[ "$failed" -eq 0 ] && [ "$passed" -gt 0 ]
+tools/test_results.py --skipped "$skipped" "${results[@]}"
