@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <stdexcept>
 
+#include "clocks.h"
 #include "companion/owned_handle.h"
-#include "floor/thread_time.h"
 
 namespace bench::speed {
 
@@ -17,7 +17,7 @@ class Arrival {
   void Expect() { ResetEvent(event_.Get()); }
 
   void Note() {
-    nanoseconds_.store(floor::WallNanoseconds(), std::memory_order_release);
+    nanoseconds_.store(WallNanoseconds(), std::memory_order_release);
     SetEvent(event_.Get());
   }
 

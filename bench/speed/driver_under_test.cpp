@@ -5,7 +5,9 @@
 #include <chrono>
 #include <stdexcept>
 
+#include "companion/controller_record.h"
 #include "companion/messages.h"
+#include "companion/tracking_update.h"
 #include "runtime/wait.h"
 #include "sharing/import_patch.h"
 #include "sharing/sharing_device.h"
@@ -30,8 +32,9 @@ void Prepare(DriverModule::Module module, Graphics graphics) {
   Require(done, "replacing the driver's import of D3D11CreateDevice");
 }
 
-// The smallest picture that a headset has.
-nlohmann::json Settings(int hmdMode) {
+}  // namespace
+
+nlohmann::json SettingsOf(int hmdMode) {
   return {{"driver_ombrel",
            {{"fakeSensorEnabled", false},
             {"hmdMode", hmdMode},
@@ -43,12 +46,10 @@ nlohmann::json Settings(int hmdMode) {
             {"RotationOffsetZDeg", 0}}}};
 }
 
-}  // namespace
-
 DriverUnderTest::DriverUnderTest(const std::filesystem::path& library, Graphics graphics, int hmdMode)
     : module_(std::make_unique<DriverModule>(library,
                                              [graphics](DriverModule::Module module) { Prepare(module, graphics); })) {
-  runtime.rest.Settings().SetDefaults(Settings(hmdMode));
+  runtime.Settings().SetDefaults(SettingsOf(hmdMode));
   Require(companion.Open(), "making the pipes");
   Require(module_->Provider().Init(&runtime) == vr::VRInitError_None, "Init");
   Require(Headset().Activate(0) == vr::VRInitError_None, "Activate");
@@ -65,11 +66,29 @@ void* DriverUnderTest::Component(const char* name) {
 
 void DriverUnderTest::Send(std::span<const std::uint8_t> message) { Require(companion.Send(message), "sending"); }
 
+void DriverUnderTest::Fence() {
+  const auto x = static_cast<float>(++fences_);
+  Send(EncodeQuaternionAndPosition({}, {x, 0.0F, 0.0F}));
+  Require(WaitUntil([&] { return runtime.host.HeadX() == x; }, std::chrono::milliseconds(kPatienceMs)),
+          "waiting for a pose");
+}
+
+void DriverUnderTest::AddController(std::uint32_t id) {
+  Send(EncodeControllerUpdate({.controllerId = id}));
+  Fence();
+  const AddedDevice controller = runtime.host.Added().back();
+  Require(controller.driver->Activate(controller.index) == vr::VRInitError_None, "Activate");
+}
+
+vr::VRInputComponentHandle_t DriverUnderTest::LastScalar() {
+  return runtime.input.Find(FakeProperties::ContainerOf(1), "/input/trigger/value").value().handle;
+}
+
 void DriverUnderTest::SendFrameRate(std::uint32_t framesPerSecond) {
-  const std::size_t before = runtime.rest.Log().Lines().size();
+  const std::size_t before = runtime.Log().Lines().size();
   Send(EncodeFramerateUpdate(framesPerSecond));
   // The headset speaks of it last.
-  Require(WaitUntil([&] { return runtime.rest.Log().Lines().size() > before; }, std::chrono::milliseconds(kPatienceMs)),
+  Require(WaitUntil([&] { return runtime.Log().Lines().size() > before; }, std::chrono::milliseconds(kPatienceMs)),
           "waiting for the frame rate");
 }
 

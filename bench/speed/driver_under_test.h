@@ -5,14 +5,19 @@
 #include <memory>
 #include <span>
 
+#include <nlohmann/json.hpp>
+
 #include "companion/pipe_server.h"
-#include "lean_runtime.h"
+#include "quiet_runtime.h"
 #include "runtime/driver_module.h"
 
 namespace bench::speed {
 
 // Which Direct3D the driver gets: none where only messages count.
 enum class Graphics { kNone, kSharing };
+
+// All of the driver's settings, so that none is missing, with the smallest picture that a headset has.
+[[nodiscard]] nlohmann::json SettingsOf(int hmdMode);
 
 // The driver in a session: loaded, activated and connected to a companion in this process, whose program is named as
 // the driver expects the companion's to be. The caller plays the server thread. Throws std::runtime_error when a step
@@ -24,17 +29,24 @@ class DriverUnderTest {
   DriverUnderTest(const DriverUnderTest&) = delete;
   DriverUnderTest& operator=(const DriverUnderTest&) = delete;
 
-  [[nodiscard]] vr::ITrackedDeviceServerDriver& Headset() { return *runtime.host.Devices().at(0); }
+  [[nodiscard]] vr::ITrackedDeviceServerDriver& Headset() { return *runtime.host.Added().at(0).driver; }
   // The headset's component of that name; throws when it has none.
   [[nodiscard]] void* Component(const char* name);
   void Send(std::span<const std::uint8_t> message);
+  // Returns when the driver's reader thread is through with all that was sent: what it calls may be replaced then.
+  void Fence();
+  // Announces the controller of that id and activates it.
+  void AddController(std::uint32_t id);
+  // Of the first controller, the scalar component that a record updates last: its trigger.
+  [[nodiscard]] vr::VRInputComponentHandle_t LastScalar();
   // Sends the frame rate and returns when the driver has taken it over.
   void SendFrameRate(std::uint32_t framesPerSecond);
 
-  LeanRuntime runtime;
+  QuietRuntime runtime;
   PipeServer companion{{}};
 
  private:
+  int fences_ = 0;
   std::unique_ptr<DriverModule> module_;
 };
 

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "floor/thread_time.h"
+#include "clocks.h"
 #include "runtime/keyed_texture.h"
 #include "runtime/wait.h"
 #include "sharing/sharing_device.h"
@@ -40,20 +40,20 @@ Microsoft::WRL::ComPtr<ID3D11Texture2D> KeepWithoutCopies(ID3D11DeviceContext& c
 std::vector<double> TimeFrames(int frames, const std::function<void()>& frame) {
   std::vector<double> values;
   for (int i = 0; i < frames; ++i) {
-    const std::int64_t begin = floor::ThreadNanoseconds();
+    const std::int64_t begin = ThreadNanoseconds();
     frame();
-    values.push_back(static_cast<double>(floor::ThreadNanoseconds() - begin) / 1000.0);
+    values.push_back(static_cast<double>(ThreadNanoseconds() - begin) / 1000.0);
   }
   return values;
 }
 
-Series TakeFrameTurns(const char* name, int blocks, int frames, const std::function<void()>& floorFrame,
+Series TakeFrameTurns(const char* name, int blocks, int frames, const std::function<void()>& baselineFrame,
                       const std::function<void()>& driverFrame) {
   Series series{name, "µs", {}};
-  static_cast<void>(TimeFrames(frames, floorFrame));
+  static_cast<void>(TimeFrames(frames, baselineFrame));
   static_cast<void>(TimeFrames(frames, driverFrame));
   for (int i = 0; i < blocks; ++i) {
-    series.Add(kFloor, TimeFrames(frames, floorFrame));
+    series.Add(kBaseline, TimeFrames(frames, baselineFrame));
     series.Add(kDriver, TimeFrames(frames, driverFrame));
   }
   return series;

@@ -6,8 +6,8 @@
 #include <functional>
 #include <vector>
 
+#include "series.h"
 #include "sharing/device_observer.h"
-#include "speed/series.h"
 
 namespace bench::speed {
 
@@ -39,8 +39,9 @@ class DriverContextFinder final : public DeviceObserver {
 // Processor time of this thread for each of a number of frames, in microseconds.
 [[nodiscard]] std::vector<double> TimeFrames(int frames, const std::function<void()>& frame);
 
-// Floor and driver in turns, after as many frames of each that do not count. Frames come in even numbers.
-[[nodiscard]] Series TakeFrameTurns(const char* name, int blocks, int frames, const std::function<void()>& floorFrame,
+// Baseline and driver in turns, after as many frames of each that do not count. Frames come in even numbers.
+[[nodiscard]] Series TakeFrameTurns(const char* name, int blocks, int frames,
+                                    const std::function<void()>& baselineFrame,
                                     const std::function<void()>& driverFrame);
 
 // Runs frames until `done`; throws when it does not come about.

@@ -1,9 +1,9 @@
 #include <array>
 #include <string>
 
+#include "bare_frames.h"
 #include "driver_under_test.h"
 #include "experiments.h"
-#include "floor/frame_floor.h"
 #include "frame_parts.h"
 #include "runtime/keyed_texture.h"
 #include "sharing/sharing_device.h"
@@ -54,12 +54,12 @@ class LayerSession {
     direct_.Present(sync_.Handle());
   }
 
-  // The floor on the driver's device, once the driver takes frames.
-  floor::LayerFrameFloor MakeFloor() {
+  // The baseline on the driver's device, once the driver takes frames.
+  BareLayerFrames MakeBaseline() {
     const DriverContextFinder finder;
     RunUntil([&] { return finder.Context() != nullptr; }, [this] { Frame(1); });
     kept_ = KeepWithoutCopies(*finder.Context(), SyncTexture());
-    floor::LayerFrameFloor made(*finder.Context());
+    BareLayerFrames made(*finder.Context());
     for (int i = 0; i < 2; ++i) {
       Frame(1);
       made.NoteHeldOutput();
@@ -116,9 +116,9 @@ Series MeasureAgainstTextures(LayerSession& session, int blocks, int frames) {
 }  // namespace
 
 std::vector<Series> MeasureLayerFrames(const Plan& plan) {
-  const int blocks = plan.isShort ? 24 : 480, frames = 5;
+  const int blocks = plan.isShort ? 24 : 240, frames = 5;
   LayerSession session(plan);
-  floor::LayerFrameFloor bare = session.MakeFloor();
+  BareLayerFrames bare = session.MakeBaseline();
   std::vector<Series> all;
   for (const int layers : {1, 4}) {
     const std::string name = "frame of " + std::to_string(layers) + (layers == 1 ? " layer" : " layers");
@@ -126,9 +126,8 @@ std::vector<Series> MeasureLayerFrames(const Plan& plan) {
         name.c_str(), blocks, frames, [&] { bare.Run(session.SyncTexture(), layers); },
         [&] { session.Frame(layers); }));
   }
-  if (plan.isShort) return all;
-  all.push_back(MeasureAgainstLayers(session, blocks / 24, 4 * frames));
-  all.push_back(MeasureAgainstTextures(session, blocks / 24, 4 * frames));
+  all.push_back(MeasureAgainstLayers(session, plan.isShort ? 1 : 20, 4 * frames));
+  all.push_back(MeasureAgainstTextures(session, plan.isShort ? 1 : 20, 4 * frames));
   return all;
 }
 

@@ -2,27 +2,38 @@
 // windows.h must come first.
 #include <openvr_driver.h>
 
+#include <cmath>
 #include <functional>
 #include <string>
 
+#include "clocks.h"
 #include "driver_under_test.h"
 #include "experiments.h"
-#include "floor/pacing_floor.h"
-#include "floor/thread_time.h"
 
 namespace bench::speed {
 namespace {
 
-// Processor time of sleeping itself, which is no polling.
-std::vector<double> TimeSleeps(int count, double periodMs) {
-  std::vector<double> values;
-  for (int i = 0; i < count; ++i) {
-    const std::int64_t processor = floor::ThreadNanoseconds();
-    Sleep(static_cast<DWORD>(periodMs) - 1);
-    values.push_back(static_cast<double>(floor::ThreadNanoseconds() - processor) / 1e6);
-  }
-  return values;
+// The sleep of a wait: all of the time that is left but the last millisecond, in whole milliseconds.
+void SleepMost(double leftMs) {
+  if (leftMs > 1) Sleep(static_cast<DWORD>(leftMs - 1));
 }
+
+// A pacing wait and nothing else: Sleep, then the performance counter polled to the end of the period.
+class BareWait {
+ public:
+  explicit BareWait(double periodMs) : period_(static_cast<std::int64_t>(periodMs * 1e6)) {}
+  void operator()() {
+    const std::int64_t end = last_ + period_;
+    SleepMost(static_cast<double>(end - WallNanoseconds()) / 1e6);
+    while (WallNanoseconds() < end) {
+    }
+    last_ = WallNanoseconds();
+  }
+
+ private:
+  std::int64_t period_;
+  std::int64_t last_ = WallNanoseconds();
+};
 
 struct Waits {
   std::vector<double> errorsMs, processorMs;
@@ -30,14 +41,14 @@ struct Waits {
 
 Waits TimeWaits(int count, double periodMs, const std::function<void()>& wait) {
   Waits waits;
-  wait();  // what was before does not count
-  std::int64_t last = floor::WallNanoseconds();
+  wait();  // its period began before
+  std::int64_t last = WallNanoseconds();
   for (int i = 0; i < count; ++i) {
-    const std::int64_t processor = floor::ThreadNanoseconds();
+    const std::int64_t processor = ThreadNanoseconds();
     wait();
-    const std::int64_t now = floor::WallNanoseconds();
-    waits.processorMs.push_back(static_cast<double>(floor::ThreadNanoseconds() - processor) / 1e6);
-    waits.errorsMs.push_back(static_cast<double>(now - last) / 1e6 - periodMs);
+    const std::int64_t now = WallNanoseconds();
+    waits.processorMs.push_back(static_cast<double>(ThreadNanoseconds() - processor) / 1e6);
+    waits.errorsMs.push_back(std::abs(static_cast<double>(now - last) / 1e6 - periodMs));
     last = now;
   }
   return waits;
@@ -50,17 +61,17 @@ void Measure(DriverUnderTest& driver, std::uint32_t rate, int blocks, int frames
   driver.SendFrameRate(rate);
   Series errors{"pacing " + std::to_string(rate), "ms", {}};
   Series processor{"pacing " + std::to_string(rate) + " processor", "ms", {}};
-  floor::PacingFloor bare(periodMs);
-  processor.Add(kNothing, TimeSleeps(10 * frames, periodMs));
+  // What sleeping itself takes, which is no polling.
+  processor.Add("sleep", TimeWaits(10 * frames, periodMs, [=] { SleepMost(periodMs); }).processorMs);
+  BareWait bare(periodMs);
   for (int i = 0; i < blocks; ++i) {
-    for (const char* side : {kFloor, kDriver}) {
-      const bool isFloor = side == kFloor;
-      Waits waits = TimeWaits(frames, periodMs, [&] { isFloor ? bare.Wait() : direct.PostPresent(); });
+    for (const char* side : {kBaseline, kDriver}) {
+      const bool isBaseline = side == kBaseline;
+      Waits waits = TimeWaits(frames, periodMs, [&] { isBaseline ? bare() : direct.PostPresent(); });
       errors.Add(side, std::move(waits.errorsMs));
       processor.Add(side, std::move(waits.processorMs));
     }
   }
-  TakeOffMeasuring(processor);
   all.push_back(std::move(errors));
   all.push_back(std::move(processor));
 }
@@ -70,11 +81,8 @@ void Measure(DriverUnderTest& driver, std::uint32_t rate, int blocks, int frames
 std::vector<Series> MeasurePacing(const Plan& plan) {
   DriverUnderTest driver(plan.library, Graphics::kNone);
   std::vector<Series> all;
-  if (plan.isShort) {
-    Measure(driver, 90, 6, 10, all);
-    return all;
-  }
-  for (const std::uint32_t rate : {60u, 72u, 90u, 120u, 144u}) Measure(driver, rate, 100, 10, all);
+  const int blocks = plan.isShort ? 4 : 100, frames = plan.isShort ? 5 : 10;
+  for (const std::uint32_t rate : {60u, 72u, 90u, 120u, 144u}) Measure(driver, rate, blocks, frames, all);
   return all;
 }
 

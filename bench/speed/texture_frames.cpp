@@ -1,9 +1,9 @@
 #include <array>
 
+#include "bare_frames.h"
 #include "companion/tracking_update.h"
 #include "driver_under_test.h"
 #include "experiments.h"
-#include "floor/frame_floor.h"
 #include "frame_parts.h"
 #include "runtime/keyed_texture.h"
 #include "sharing/sharing_device.h"
@@ -40,19 +40,18 @@ class TextureSession {
     display_.Present(&info, sizeof(info));
   }
 
-  floor::TextureFrameFloor MakeFloor() {
+  BareTextureFrames MakeBaseline() {
     const DriverContextFinder finder;
     RunUntil([&] { return finder.CopyTarget() != nullptr; },
              [this] {
                SendPoses(2);
                Frame();
              });
-    const floor::Output given = floor::OutputOf(*finder.CopyTarget());
+    const Output given = OutputOf(*finder.CopyTarget());
     Frame();
-    const floor::Output held = floor::OutputOf(*finder.CopyTarget());
+    const Output held = OutputOf(*finder.CopyTarget());
     kept_ = KeepWithoutCopies(*finder.Context(), Texture());
-    for (const floor::Output& output : {given, held})
-      RequireOk(MarkReadOnly(output.texture.Get()), "marking an output");
+    for (const Output& output : {given, held}) RequireOk(MarkReadOnly(output.texture.Get()), "marking an output");
     // The frame after the one just given goes to the first again.
     return {*finder.Context(), {given, held}};
   }
@@ -71,9 +70,9 @@ class TextureSession {
 }  // namespace
 
 std::vector<Series> MeasureTextureFrames(const Plan& plan) {
-  const int blocks = plan.isShort ? 24 : 480, frames = 5;
+  const int blocks = plan.isShort ? 24 : 240, frames = 5;
   TextureSession session(plan);
-  floor::TextureFrameFloor bare = session.MakeFloor();
+  BareTextureFrames bare = session.MakeBaseline();
   session.SendPoses((blocks + 2) * frames);
   return {TakeFrameTurns(
       "virtual-display frame", blocks, frames, [&] { bare.Run(session.Texture()); }, [&] { session.Frame(); })};

@@ -1,9 +1,9 @@
-#include "floor/frame_floor.h"
+#include "bare_frames.h"
 
 #include <cstring>
 #include <stdexcept>
 
-namespace bench::floor {
+namespace bench::speed {
 namespace {
 
 using Microsoft::WRL::ComPtr;
@@ -28,7 +28,7 @@ Output OutputOf(ID3D11Resource& texture) {
   return output;
 }
 
-LayerFrameFloor::LayerFrameFloor(ID3D11DeviceContext& context) : context_(&context) {
+BareLayerFrames::BareLayerFrames(ID3D11DeviceContext& context) : context_(&context) {
   context.GetDevice(&device_);
   context.VSGetShader(&vertexShader_, nullptr, nullptr);
   context.PSGetShader(&pixelShader_, nullptr, nullptr);
@@ -48,7 +48,7 @@ LayerFrameFloor::LayerFrameFloor(ID3D11DeviceContext& context) : context_(&conte
   }
 }
 
-void LayerFrameFloor::NoteHeldOutput() {
+void BareLayerFrames::NoteHeldOutput() {
   held_ = 1 - held_;
   ComPtr<ID3D11RenderTargetView> view;
   context_->OMGetRenderTargets(1, &view, nullptr);
@@ -59,11 +59,11 @@ void LayerFrameFloor::NoteHeldOutput() {
   outputs_[held_].view = view;
 }
 
-void LayerFrameFloor::Run(HANDLE syncTexture, int layers) {
+void BareLayerFrames::Run(HANDLE syncTexture, int layers) {
   const ComPtr<ID3D11Texture2D> sync = Open(*device_.Get(), syncTexture);
   ComPtr<IDXGIKeyedMutex> syncMutex;
   if (!sync || FAILED(sync.As(&syncMutex)) || syncMutex->AcquireSync(kKey, kTimeoutMs) != S_OK) {
-    throw std::runtime_error("the floor cannot have the sync texture");
+    throw std::runtime_error("the baseline cannot have the sync texture");
   }
   context_->OMSetBlendState(blend_.Get(), nullptr, 0xFFFFFFFF);
   for (int layer = 0; layer < layers; ++layer) DrawLayer();
@@ -76,7 +76,7 @@ void LayerFrameFloor::Run(HANDLE syncTexture, int layers) {
   syncMutex->ReleaseSync(kKey);
 }
 
-void LayerFrameFloor::DrawLayer() {
+void BareLayerFrames::DrawLayer() {
   context_->OMSetRenderTargets(1, outputs_[held_].view.GetAddressOf(), nullptr);
   context_->VSSetShader(vertexShader_.Get(), nullptr, 0);
   context_->PSSetShader(pixelShader_.Get(), nullptr, 0);
@@ -93,23 +93,23 @@ void LayerFrameFloor::DrawLayer() {
   }
 }
 
-void LayerFrameFloor::Fill(ID3D11Buffer* buffer, const std::array<float, 4>& content) {
+void BareLayerFrames::Fill(ID3D11Buffer* buffer, const std::array<float, 4>& content) {
   D3D11_MAPPED_SUBRESOURCE mapped{};
   if (FAILED(context_->Map(buffer, 0, D3D11_MAP_WRITE_DISCARD, 0, &mapped))) return;
   std::memcpy(mapped.pData, content.data(), sizeof(content));
   context_->Unmap(buffer, 0);
 }
 
-TextureFrameFloor::TextureFrameFloor(ID3D11DeviceContext& context, const std::array<Output, 2>& outputs)
+BareTextureFrames::BareTextureFrames(ID3D11DeviceContext& context, const std::array<Output, 2>& outputs)
     : context_(&context), outputs_(outputs) {
   context.GetDevice(&device_);
 }
 
-void TextureFrameFloor::Run(HANDLE texture) {
+void BareTextureFrames::Run(HANDLE texture) {
   const ComPtr<ID3D11Texture2D> opened = Open(*device_.Get(), texture);
   ComPtr<IDXGIKeyedMutex> mutex;
   if (!opened || FAILED(opened.As(&mutex)) || mutex->AcquireSync(kKey, kTimeoutMs) != S_OK) {
-    throw std::runtime_error("the floor cannot have the runtime's texture");
+    throw std::runtime_error("the baseline cannot have the runtime's texture");
   }
   context_->CopyResource(outputs_[held_].texture.Get(), opened.Get());
   mutex->ReleaseSync(kKey);
@@ -118,4 +118,4 @@ void TextureFrameFloor::Run(HANDLE texture) {
   outputs_[held_].mutex->AcquireSync(kKey, kTimeoutMs);
 }
 
-}  // namespace bench::floor
+}  // namespace bench::speed

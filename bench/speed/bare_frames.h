@@ -7,7 +7,7 @@
 #include <array>
 #include <cstddef>
 
-namespace bench::floor {
+namespace bench::speed {
 
 // An output texture of the driver's, as its device sees it.
 struct Output {
@@ -19,9 +19,9 @@ struct Output {
 // The Direct3D calls of one frame made of layers and no others, on the driver's own device and with its own objects:
 // they are read back from its context, as a frame of one texture for both eyes left them bound. The driver must not be
 // handing a frame over meanwhile. One thread.
-class LayerFrameFloor {
+class BareLayerFrames {
  public:
-  explicit LayerFrameFloor(ID3D11DeviceContext& context);
+  explicit BareLayerFrames(ID3D11DeviceContext& context);
 
   // To be called after each of two frames of the driver: notes the output that it then holds.
   void NoteHeldOutput();
@@ -46,10 +46,10 @@ class LayerFrameFloor {
 };
 
 // The same of a frame that is one copy.
-class TextureFrameFloor {
+class BareTextureFrames {
  public:
   // `outputs`: the one that the driver holds comes first.
-  TextureFrameFloor(ID3D11DeviceContext& context, const std::array<Output, 2>& outputs);
+  BareTextureFrames(ID3D11DeviceContext& context, const std::array<Output, 2>& outputs);
   void Run(HANDLE texture);
 
  private:
@@ -62,4 +62,4 @@ class TextureFrameFloor {
 // Throws std::runtime_error when it has no keyed mutex.
 [[nodiscard]] Output OutputOf(ID3D11Resource& texture);
 
-}  // namespace bench::floor
+}  // namespace bench::speed

@@ -2,15 +2,15 @@
 
 #include <array>
 
-#include "floor/thread_time.h"
+#include "clocks.h"
 
-namespace bench::floor {
+namespace bench::speed {
 namespace {
 
 bool IsWine() { return GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") != nullptr; }
 
-// Wine counts a thread's time in ticks of 10 ms, its host in nanoseconds. So the host is asked, in its own way of
-// calling: clock_gettime(CLOCK_THREAD_CPUTIME_ID).
+// Wine counts a thread's time in ticks of 10 ms, its host in nanoseconds. So the host is asked, by a system call of
+// Linux: clock_gettime(CLOCK_THREAD_CPUTIME_ID).
 std::int64_t AskHost() {
   constexpr std::int64_t kClockGetTime = 228, kThreadClock = 3;
   std::array<std::int64_t, 2> time{};  // seconds, nanoseconds
@@ -38,15 +38,4 @@ std::int64_t ThreadNanoseconds() {
   return isWine ? AskHost() : AskWindows();
 }
 
-std::int64_t WallNanoseconds() {
-  static const std::int64_t frequency = [] {
-    LARGE_INTEGER counts;
-    QueryPerformanceFrequency(&counts);
-    return counts.QuadPart;
-  }();
-  LARGE_INTEGER now;
-  QueryPerformanceCounter(&now);
-  return now.QuadPart / frequency * 1'000'000'000 + now.QuadPart % frequency * 1'000'000'000 / frequency;
-}
-
-}  // namespace bench::floor
+}  // namespace bench::speed
