@@ -4,7 +4,6 @@
 set -euo pipefail
 # shellcheck source=tools/lib.sh
 . "$(dirname "$0")/lib.sh"
-help_if_asked "$@"
 
 prepare "${build_packages[@]}"
 build mingw-release dist

@@ -2,7 +2,7 @@
 # shellcheck shell=bash disable=SC2034
 
 # --help: the comment at the top of the script that sources this.
-case " $* " in *" --help "*) sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$0" && exit ;; esac
+case " $* " in *" --help "* | *" -h "*) sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$0" && exit ;; esac
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit
 
@@ -16,14 +16,6 @@ test_packages=(mesa-vulkan-drivers libvulkan1 "${fuzz_packages[@]}" "${msvc_pack
 
 say() {
   printf '\n== %s\n' "$*"
-}
-
-# help_if_asked ARGUMENT...: with --help, prints the comment at the head of the script and ends.
-help_if_asked() {
-  case " $* " in *" --help "* | *" -h "*) ;; *) return ;; esac
-  trap - EXIT
-  sed -n '2,/^[^#]/s/^# \{0,1\}//p' "tools/$(basename "$0")"
-  exit
 }
 
 as_root() {

@@ -6,7 +6,6 @@
 set -euo pipefail
 # shellcheck source=tools/lib.sh
 . "$(dirname "$0")/lib.sh"
-help_if_asked "$@"
 
 out=out/release
 umask 022  # zips hold permissions

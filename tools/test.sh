@@ -20,7 +20,7 @@ run_tests() {
   ctest --preset "$1" --no-tests=error --output-junit "$folder/ctest.xml" --test-output-size-passed 1000000 "${@:2}" || true
 }
 
-prepare "${build_packages[@]}" "${display_packages[@]}" "${test_packages[@]}" python3-pytest
+prepare "${build_packages[@]}" "${display_packages[@]}" "${test_packages[@]}"
 skipped=0
 if ! tools/fetch_dxvk.sh; then
   say "SKIPPED: the pixel tests on a second Direct3D, which could not be fetched"
