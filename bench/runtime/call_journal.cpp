@@ -3,9 +3,8 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include <windows.h>
-
 #include "runtime/clock.h"
+#include "runtime/thread_id.h"
 
 namespace bench {
 namespace {
@@ -32,7 +31,7 @@ void CallJournal::Append(std::string call, nlohmann::ordered_json arguments) {
       ++counter->second;
     }
     entries_.push_back(
-        {nextSequence_++, runtime::NowTicks(), GetCurrentThreadId(), std::move(call), std::move(arguments)});
+        {nextSequence_++, runtime::NowTicks(), runtime::ThreadId(), std::move(call), std::move(arguments)});
     if (recording_.is_open()) {
       recording_ << JsonLine(entries_.back()) << '\n';
     }

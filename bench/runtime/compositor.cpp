@@ -1,7 +1,6 @@
 #include "runtime/compositor.h"
 
 #include <algorithm>
-#include <cmath>
 #include <exception>
 #include <stdexcept>
 
@@ -23,11 +22,6 @@ vr::IVRDisplayComponent& DisplayOf(const ActiveDevice& headset) {
 }
 
 }  // namespace
-
-std::uint32_t MissedIntervals(std::int64_t gapTicks, std::int64_t periodTicks) {
-  const double intervals = std::round(static_cast<double>(gapTicks) / static_cast<double>(periodTicks));
-  return intervals > 1.0 ? static_cast<std::uint32_t>(intervals) - 1 : 0;
-}
 
 Compositor::Compositor(FakeRuntime& runtime, const ActiveDevice& headset, FramePainter& painter)
     : runtime_(runtime),

@@ -5,11 +5,18 @@
 namespace bench {
 namespace {
 
-constexpr vr::VRInputComponentHandle_t kFirstHandle = 0x300000001;
-
 std::string Text(const char* text) { return text != nullptr ? text : ""; }
 
 }  // namespace
+
+// FNV-1a, so that nothing is shared between the driver's threads.
+vr::VRInputComponentHandle_t FakeDriverInput::HandleOf(vr::PropertyContainerHandle_t container, std::string_view path) {
+  std::uint64_t hash = 0xCBF29CE484222325U ^ container;
+  for (const char letter : path) {
+    hash = (hash ^ static_cast<unsigned char>(letter)) * 0x100000001B3U;
+  }
+  return hash != vr::k_ulInvalidInputComponentHandle ? hash : 1;
+}
 
 std::vector<InputComponent> FakeDriverInput::Components() const {
   const std::lock_guard lock(mutex_);
@@ -78,10 +85,17 @@ void FakeDriverInput::FailUpdate(const std::string& path, vr::EVRInputError erro
 
 vr::EVRInputError FakeDriverInput::Create(const char* method, InputComponent component,
                                           vr::VRInputComponentHandle_t* handle) {
+  if (recorder_.KeepsNothing()) {
+    *handle = HandleOf(component.container, component.path);
+    return vr::VRInputError_None;
+  }
   recorder_.Enter(std::string("IVRDriverInput.") + method, {{"container", component.container},
                                                             {"path", component.path},
                                                             {"type", static_cast<int>(component.scalarType)},
                                                             {"units", static_cast<int>(component.scalarUnits)}});
+  if (onCreate) {
+    onCreate(component.path, handle);
+  }
   const std::lock_guard lock(mutex_);
   if (handle == nullptr) {
     return vr::VRInputError_InvalidParam;
@@ -101,13 +115,19 @@ vr::EVRInputError FakeDriverInput::Create(const char* method, InputComponent com
     *handle = existing->handle;
     return existing->kind == component.kind ? vr::VRInputError_None : vr::VRInputError_WrongType;
   }
-  component.handle = kFirstHandle + components_.size();
+  component.handle = HandleOf(component.container, component.path);
   *handle = component.handle;
   components_.push_back(std::move(component));
   return vr::VRInputError_None;
 }
 
 vr::EVRInputError FakeDriverInput::Update(InputUpdate update) {
+  if (onUpdate) {
+    onUpdate(update);
+  }
+  if (recorder_.KeepsNothing()) {
+    return vr::VRInputError_None;
+  }
   {
     const std::lock_guard lock(mutex_);
     const auto component = std::ranges::find(components_, update.handle, &InputComponent::handle);

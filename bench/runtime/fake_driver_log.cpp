@@ -2,12 +2,19 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 
 namespace bench {
 
 std::vector<std::string> FakeDriverLog::Lines() const {
   const std::lock_guard lock(mutex_);
   return lines_;
+}
+
+std::vector<std::string> FakeDriverLog::TakeNew() {
+  const std::lock_guard lock(mutex_);
+  const auto first = lines_.begin() + static_cast<std::ptrdiff_t>(std::exchange(taken_, lines_.size()));
+  return {first, lines_.end()};
 }
 
 bool FakeDriverLog::Contains(const std::string& line) const {
@@ -23,6 +30,9 @@ void FakeDriverLog::EchoToStandardOutput(const std::string& prefix) {
 
 void FakeDriverLog::Log(const char* pchLogMessage) {
   const std::string text = pchLogMessage != nullptr ? pchLogMessage : "";
+  if (recorder_.KeepsNothing()) {
+    return;
+  }
   {
     // Kept before the journal announces it: who waits on the journal finds the line here.
     const std::lock_guard lock(mutex_);

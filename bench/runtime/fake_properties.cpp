@@ -107,6 +107,12 @@ vr::ETrackedPropertyError FakeProperties::Store(const PropertyWriteRecord& write
 
 vr::ETrackedPropertyError FakeProperties::WritePropertyBatch(vr::PropertyContainerHandle_t ulContainerHandle,
                                                              vr::PropertyWrite_t* pBatch, uint32_t unBatchEntryCount) {
+  for (uint32_t index = 0; onWrite && index < unBatchEntryCount; ++index) {
+    onWrite(ulContainerHandle, pBatch[index]);
+  }
+  if (recorder_.KeepsNothing()) {
+    return vr::TrackedProp_Success;
+  }
   nlohmann::ordered_json entries = nlohmann::ordered_json::array();
   vr::ETrackedPropertyError first = vr::TrackedProp_Success;
   {
@@ -177,7 +183,9 @@ const char* FakeProperties::GetPropErrorNameFromEnum(vr::ETrackedPropertyError e
 }
 
 vr::PropertyContainerHandle_t FakeProperties::TrackedDeviceToPropertyContainer(vr::TrackedDeviceIndex_t nDevice) {
-  recorder_.Enter("IVRProperties.TrackedDeviceToPropertyContainer", {{"device", nDevice}});
+  if (!recorder_.KeepsNothing()) {
+    recorder_.Enter("IVRProperties.TrackedDeviceToPropertyContainer", {{"device", nDevice}});
+  }
   return ContainerOf(nDevice);
 }
 

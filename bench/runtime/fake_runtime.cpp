@@ -56,12 +56,16 @@ void* FakeRuntime::Find(const std::string& interfaceVersion) {
 void* FakeRuntime::GetGenericInterface(const char* pchInterfaceVersion, vr::EVRInitError* peError) {
   const std::string version = pchInterfaceVersion != nullptr ? pchInterfaceVersion : "";
   void* found = nullptr;
-  {
-    const std::lock_guard lock(mutex_);
-    requested_.push_back(version);
-    found = withheld_.contains(version) ? nullptr : Find(version);
+  if (recorder_.KeepsNothing()) {
+    found = Find(version);
+  } else {
+    {
+      const std::lock_guard lock(mutex_);
+      requested_.push_back(version);
+      found = withheld_.contains(version) ? nullptr : Find(version);
+    }
+    recorder_.Enter("IVRDriverContext.GetGenericInterface", {{"version", version}, {"found", found != nullptr}});
   }
-  recorder_.Enter("IVRDriverContext.GetGenericInterface", {{"version", version}, {"found", found != nullptr}});
   if (peError != nullptr) {
     *peError = found != nullptr ? vr::VRInitError_None : vr::VRInitError_Init_InterfaceNotFound;
   }

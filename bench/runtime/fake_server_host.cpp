@@ -2,16 +2,14 @@
 
 #include <utility>
 
-#include <windows.h>
-
 #include "runtime/clock.h"
 #include "runtime/pose_matrix.h"
+#include "runtime/thread_id.h"
 
 namespace bench {
 namespace {
 
 static_assert(sizeof(vr::DriverPose_t) == 280);
-static_assert(sizeof(vr::VREvent_t) == 48);
 
 nlohmann::ordered_json ToJson(const vr::HmdQuaternion_t& rotation) {
   return {rotation.w, rotation.x, rotation.y, rotation.z};
@@ -127,6 +125,9 @@ bool FakeServerHost::TrackedDeviceAdded(const char* pchDeviceSerialNumber, vr::E
   recorder_.Enter(
       "IVRServerDriverHost.TrackedDeviceAdded",
       {{"serial", device.serial}, {"class", static_cast<int>(eDeviceClass)}, {"accepted", device.accepted}});
+  if (onAdded) {
+    onAdded(device);
+  }
   if (device.accepted && activateAtOnce_) {
     pDriver->Activate(device.index);
   }
@@ -137,17 +138,26 @@ void FakeServerHost::TrackedDevicePoseUpdated(uint32_t unWhichDevice, const vr::
                                               uint32_t unPoseStructSize) {
   PoseRecord record;
   record.ticks = runtime::NowTicks();
-  record.threadId = GetCurrentThreadId();
+  record.threadId = runtime::ThreadId();
   record.device = unWhichDevice;
   record.structSize = unPoseStructSize;
   if (unPoseStructSize == sizeof(vr::DriverPose_t)) {
     record.pose = newPose;
   }
   poses_.Add(record);
-  recorder_.Enter("IVRServerDriverHost.TrackedDevicePoseUpdated", ToJson(unWhichDevice, record.pose, unPoseStructSize));
+  if (!recorder_.KeepsNothing()) {
+    recorder_.Enter("IVRServerDriverHost.TrackedDevicePoseUpdated",
+                    ToJson(unWhichDevice, record.pose, unPoseStructSize));
+  }
 }
 
 void FakeServerHost::VsyncEvent(double vsyncTimeOffsetSeconds) {
+  if (onVsync) {
+    onVsync();
+  }
+  if (recorder_.KeepsNothing()) {
+    return;
+  }
   {
     const std::lock_guard lock(mutex_);
     ++vsyncEvents_;
@@ -168,6 +178,9 @@ bool FakeServerHost::IsExiting() {
 }
 
 bool FakeServerHost::PollNextEvent(vr::VREvent_t* pEvent, uint32_t uncbVREvent) {
+  if (recorder_.KeepsNothing()) {
+    return nextEvent && nextEvent(pEvent);
+  }
   bool delivered = false;
   uint32_t type = 0;
   {

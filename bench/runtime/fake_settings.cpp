@@ -45,8 +45,14 @@ const nlohmann::json* Find(const nlohmann::json& layer, const std::string& secti
 
 bool IsNumeric(const nlohmann::json& value) { return value.is_number() || value.is_boolean(); }
 
+bool IsText(const nlohmann::json& value) { return value.is_string(); }
+
+// Of what could not be read, 0.
 double Number(const nlohmann::json& value) {
-  return value.is_boolean() ? (value.get<bool>() ? 1.0 : 0.0) : value.get<double>();
+  if (value.is_boolean()) {
+    return value.get<bool>() ? 1.0 : 0.0;
+  }
+  return value.is_number() ? value.get<double>() : 0.0;
 }
 
 }  // namespace
@@ -84,22 +90,33 @@ void FakeSettings::FailRead(const std::string& section, const std::string& key, 
   failures_[{section, key}] = error;
 }
 
-FakeSettings::Reading FakeSettings::Read(const char* method, const char* section, const char* key) {
-  const std::string sectionName = Text(section);
-  const std::string keyName = Text(key);
-  recorder_.Enter(std::string("IVRSettings.") + method, {{"section", sectionName}, {"key", keyName}});
+FakeSettings::Reading FakeSettings::Look(const std::string& section, const std::string& key) const {
   const std::lock_guard lock(mutex_);
-  if (const auto failure = failures_.find({sectionName, keyName}); failure != failures_.end()) {
+  if (const auto failure = failures_.find({section, key}); failure != failures_.end()) {
     return {nullptr, failure->second};
   }
-  const nlohmann::json* value = Find(overrides_, sectionName, keyName);
+  const nlohmann::json* value = Find(overrides_, section, key);
   if (value == nullptr) {
-    value = Find(defaults_, sectionName, keyName);
+    value = Find(defaults_, section, key);
   }
   if (value == nullptr) {
     return {nullptr, vr::VRSettingsError_UnsetSettingHasNoDefault};
   }
   return {*value, vr::VRSettingsError_None};
+}
+
+nlohmann::json FakeSettings::Read(const char* method, const char* section, const char* key,
+                                  bool (*isUsable)(const nlohmann::json&), vr::EVRSettingsError* error) {
+  if (!recorder_.KeepsNothing()) {
+    recorder_.Enter(std::string("IVRSettings.") + method,
+                    {{"section", Text(section)}, {"key", Text(key)}, {"asksForError", error != nullptr}});
+  }
+  Reading reading = Look(Text(section), Text(key));
+  if (reading.error == vr::VRSettingsError_None && !isUsable(reading.value)) {
+    reading = {nullptr, vr::VRSettingsError_ReadFailed};
+  }
+  Answer(error, reading.error);
+  return reading.value;
 }
 
 void FakeSettings::Write(const char* method, const char* section, const char* key, nlohmann::json value,
@@ -145,39 +162,24 @@ void FakeSettings::SetString(const char* pchSection, const char* pchSettingsKey,
 }
 
 bool FakeSettings::GetBool(const char* pchSection, const char* pchSettingsKey, vr::EVRSettingsError* peError) {
-  const Reading reading = Read("GetBool", pchSection, pchSettingsKey);
-  const bool usable = IsNumeric(reading.value);
-  Answer(peError,
-         reading.error == vr::VRSettingsError_None && !usable ? vr::VRSettingsError_ReadFailed : reading.error);
-  return usable && Number(reading.value) != 0.0;
+  return Number(Read("GetBool", pchSection, pchSettingsKey, IsNumeric, peError)) != 0.0;
 }
 
 int32_t FakeSettings::GetInt32(const char* pchSection, const char* pchSettingsKey, vr::EVRSettingsError* peError) {
-  const Reading reading = Read("GetInt32", pchSection, pchSettingsKey);
-  const bool usable = IsNumeric(reading.value);
-  Answer(peError,
-         reading.error == vr::VRSettingsError_None && !usable ? vr::VRSettingsError_ReadFailed : reading.error);
-  return usable ? static_cast<int32_t>(Number(reading.value)) : 0;
+  return static_cast<int32_t>(Number(Read("GetInt32", pchSection, pchSettingsKey, IsNumeric, peError)));
 }
 
 float FakeSettings::GetFloat(const char* pchSection, const char* pchSettingsKey, vr::EVRSettingsError* peError) {
-  const Reading reading = Read("GetFloat", pchSection, pchSettingsKey);
-  const bool usable = IsNumeric(reading.value);
-  Answer(peError,
-         reading.error == vr::VRSettingsError_None && !usable ? vr::VRSettingsError_ReadFailed : reading.error);
-  return usable ? static_cast<float>(Number(reading.value)) : 0.0F;
+  return static_cast<float>(Number(Read("GetFloat", pchSection, pchSettingsKey, IsNumeric, peError)));
 }
 
 void FakeSettings::GetString(const char* pchSection, const char* pchSettingsKey, char* pchValue, uint32_t unValueLen,
                              vr::EVRSettingsError* peError) {
-  const Reading reading = Read("GetString", pchSection, pchSettingsKey);
-  const bool usable = reading.value.is_string();
-  Answer(peError,
-         reading.error == vr::VRSettingsError_None && !usable ? vr::VRSettingsError_ReadFailed : reading.error);
+  const nlohmann::json value = Read("GetString", pchSection, pchSettingsKey, IsText, peError);
   if (pchValue == nullptr || unValueLen == 0) {
     return;
   }
-  const std::string text = usable ? reading.value.get<std::string>() : std::string();
+  const std::string text = value.is_string() ? value.get<std::string>() : std::string();
   const std::size_t length = std::min<std::size_t>(text.size(), unValueLen - 1);
   std::memcpy(pchValue, text.data(), length);
   pchValue[length] = '\0';

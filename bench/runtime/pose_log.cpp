@@ -5,20 +5,22 @@
 namespace bench {
 
 void PoseLog::Add(const PoseRecord& record) {
-  std::vector<Listener> listeners;
-  {
-    const std::lock_guard lock(mutex_);
-    poses_.push_back(record);
-    latest_[record.device] = record;
-    ++counts_[record.device];
-    ++total_;
-    while (poses_.size() > memoryLimit_) {
-      poses_.pop_front();
-    }
-    listeners = listeners_;
+  if (!recorder_.KeepsNothing()) {
+    Keep(record);
   }
-  for (const Listener& listener : listeners) {
+  for (const Listener& listener : listeners_) {
     listener(record);
+  }
+}
+
+void PoseLog::Keep(const PoseRecord& record) {
+  const std::lock_guard lock(mutex_);
+  poses_.push_back(record);
+  latest_[record.device] = record;
+  ++counts_[record.device];
+  ++total_;
+  while (poses_.size() > memoryLimit_) {
+    poses_.pop_front();
   }
 }
 
@@ -57,9 +59,6 @@ void PoseLog::LimitMemory(std::size_t poses) {
   memoryLimit_ = poses;
 }
 
-void PoseLog::Listen(Listener listener) {
-  const std::lock_guard lock(mutex_);
-  listeners_.push_back(std::move(listener));
-}
+void PoseLog::Listen(Listener listener) { listeners_.push_back(std::move(listener)); }
 
 }  // namespace bench

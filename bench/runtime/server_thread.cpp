@@ -6,16 +6,15 @@
 #include <future>
 #include <utility>
 
-#include <windows.h>
-
 #include "runtime/clock.h"
+#include "runtime/thread_id.h"
 
 namespace bench {
 
 ServerThread::ServerThread() {
   std::promise<std::uint32_t> started;
   thread_ = std::thread([this, &started] {
-    started.set_value(GetCurrentThreadId());
+    started.set_value(runtime::ThreadId());
     Loop();
   });
   threadId_ = started.get_future().get();

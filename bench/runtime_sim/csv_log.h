@@ -4,7 +4,7 @@
 #include <fstream>
 #include <mutex>
 
-#include "runtime/compositor.h"
+#include "runtime/frame_report.h"
 #include "runtime/pose_log.h"
 
 namespace bench {

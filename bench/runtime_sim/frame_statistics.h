@@ -4,7 +4,7 @@
 #include <mutex>
 #include <vector>
 
-#include "runtime/compositor.h"
+#include "runtime/frame_report.h"
 
 namespace bench {
 

@@ -25,6 +25,10 @@ class CallRecorder {
   /// The call is in the journal all the same.
   void ThrowFrom(const std::string& call, int times = 1);
 
+  /// From here on there is no journal and there are no faults: see FakeRuntime::KeepNothing.
+  void KeepNothing() { keepsNothing_ = true; }
+  [[nodiscard]] bool KeepsNothing() const { return keepsNothing_; }
+
   /// Called by the stand-in's interfaces at the top of each method, without their own locks.
   void Enter(const std::string& call, nlohmann::ordered_json arguments = nlohmann::ordered_json::object());
 
@@ -32,6 +36,7 @@ class CallRecorder {
   CallJournal journal_;
   std::mutex mutex_;
   std::map<std::string, int> faults_;
+  bool keepsNothing_ = false;  ///< set before the driver's threads run
 };
 
 }  // namespace bench

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <openvr_driver.h>
@@ -41,6 +43,10 @@ class FakeDriverInput : public vr::IVRDriverInput {
  public:
   explicit FakeDriverInput(CallRecorder& recorder) : recorder_(recorder) {}
 
+  /// The handle of a component: it follows from where it is, never 0.
+  [[nodiscard]] static vr::VRInputComponentHandle_t HandleOf(vr::PropertyContainerHandle_t container,
+                                                             std::string_view path);
+
   [[nodiscard]] std::vector<InputComponent> Components() const;
   [[nodiscard]] std::optional<InputComponent> Find(vr::PropertyContainerHandle_t container,
                                                    const std::string& path) const;
@@ -58,6 +64,12 @@ class FakeDriverInput : public vr::IVRDriverInput {
   void FailCreate(const std::string& path, vr::EVRInputError error, vr::VRInputComponentHandle_t handle = 0);
   /// Every later update of a component of that path fails with `error`.
   void FailUpdate(const std::string& path, vr::EVRInputError error);
+
+  // Called on the driver's threads, without a lock. Set before the driver starts.
+  /// Within each creation that is kept, before it has a result; may write the handle.
+  std::function<void(const std::string& path, vr::VRInputComponentHandle_t*)> onCreate;
+  /// Ahead of each update; its path and result are not known yet.
+  std::function<void(const InputUpdate&)> onUpdate;
 
   vr::EVRInputError CreateBooleanComponent(vr::PropertyContainerHandle_t ulContainer, const char* pchName,
                                            vr::VRInputComponentHandle_t* pHandle) override;

@@ -17,6 +17,8 @@ class FakeDriverLog : public vr::IVRDriverLog {
   explicit FakeDriverLog(CallRecorder& recorder) : recorder_(recorder) {}
 
   [[nodiscard]] std::vector<std::string> Lines() const;
+  /// Those since the last call of this.
+  std::vector<std::string> TakeNew();
   [[nodiscard]] bool Contains(const std::string& line) const;
   /// Repeats each later text on standard output as well, after `prefix`.
   void EchoToStandardOutput(const std::string& prefix);
@@ -27,6 +29,7 @@ class FakeDriverLog : public vr::IVRDriverLog {
   CallRecorder& recorder_;
   mutable std::mutex mutex_;
   std::vector<std::string> lines_;
+  std::size_t taken_ = 0;
   bool echo_ = false;
   std::string echoPrefix_;
 };

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -67,6 +68,9 @@ class FakeProperties : public vr::IVRProperties {
                                                      vr::ETrackedDeviceProperty property) const;
   /// Every later write of that property is refused with `error`; the stored value stays.
   void FailWrite(vr::ETrackedDeviceProperty property, vr::ETrackedPropertyError error);
+
+  /// Called ahead of each entry on the driver's thread, without a lock; may block. Set before the driver starts.
+  std::function<void(vr::PropertyContainerHandle_t, const vr::PropertyWrite_t&)> onWrite;
 
   vr::ETrackedPropertyError ReadPropertyBatch(vr::PropertyContainerHandle_t ulContainerHandle,
                                               vr::PropertyRead_t* pBatch, uint32_t unBatchEntryCount) override;

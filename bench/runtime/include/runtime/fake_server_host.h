@@ -40,6 +40,13 @@ class FakeServerHost : public vr::IVRServerDriverHost {
   /// Devices are activated within TrackedDeviceAdded from here on, not by whoever takes the pending ones.
   void ActivateAtOnce();
 
+  // Called on the driver's threads, without a lock. Set before the driver starts.
+  /// After a TrackedDeviceAdded call is written down; what it throws reaches the driver.
+  std::function<void(const AddedDevice&)> onAdded;
+  std::function<void()> onVsync;
+  /// Instead of the queue, and only when nothing is kept.
+  std::function<bool(vr::VREvent_t*)> nextEvent;
+
   [[nodiscard]] PoseLog& Poses() { return poses_; }
 
   void PushEvent(const vr::VREvent_t& event);
@@ -47,7 +54,7 @@ class FakeServerHost : public vr::IVRServerDriverHost {
   void PushHaptic(vr::PropertyContainerHandle_t container, vr::VRInputComponentHandle_t component,
                   float durationSeconds, float frequency, float amplitude);
   [[nodiscard]] std::size_t QueuedEvents() const;
-  /// PollNextEvent calls whose size argument was not that of VREvent_t (48); they get no event.
+  /// PollNextEvent calls whose size argument was not that of VREvent_t (48 on Windows); they get no event.
   [[nodiscard]] std::size_t PollsWithWrongSize() const;
   [[nodiscard]] std::size_t VsyncEvents() const;
   void SetExiting(bool exiting);
@@ -70,7 +77,7 @@ class FakeServerHost : public vr::IVRServerDriverHost {
   [[nodiscard]] vr::TrackedDeviceIndex_t NextIndex(vr::ETrackedDeviceClass deviceClass);
 
   CallRecorder& recorder_;
-  PoseLog poses_;
+  PoseLog poses_{recorder_};
   mutable std::mutex mutex_;
   std::vector<AddedDevice> added_;
   std::vector<AddedDevice> pending_;

@@ -56,12 +56,15 @@ class FakeSettings : public vr::IVRSettings {
     nlohmann::json value;  ///< null unless `error` is VRSettingsError_None
     vr::EVRSettingsError error;
   };
-  [[nodiscard]] Reading Read(const char* method, const char* section, const char* key);
+  [[nodiscard]] Reading Look(const std::string& section, const std::string& key) const;
+  /// The value, or null; answers with the error.
+  [[nodiscard]] nlohmann::json Read(const char* method, const char* section, const char* key,
+                                    bool (*isUsable)(const nlohmann::json&), vr::EVRSettingsError* error);
   void Write(const char* method, const char* section, const char* key, nlohmann::json value,
              vr::EVRSettingsError* error);
 
   CallRecorder& recorder_;
-  std::mutex mutex_;
+  mutable std::mutex mutex_;
   nlohmann::json defaults_ = nlohmann::json::object();
   nlohmann::json overrides_ = nlohmann::json::object();
   std::map<std::pair<std::string, std::string>, vr::EVRSettingsError> failures_;

@@ -10,6 +10,8 @@
 
 #include <openvr_driver.h>
 
+#include "runtime/call_recorder.h"
+
 namespace bench {
 
 /// One TrackedDevicePoseUpdated call.
@@ -21,10 +23,12 @@ struct PoseRecord {
   std::uint32_t threadId = 0;
 };
 
-/// Keeps every pose that the driver sent. Callable from any thread.
+/// Keeps every pose that the driver sent, unless nothing is kept. Callable from any thread.
 class PoseLog {
  public:
   using Listener = std::function<void(const PoseRecord&)>;
+
+  explicit PoseLog(const CallRecorder& recorder) : recorder_(recorder) {}
 
   void Add(const PoseRecord& record);
 
@@ -42,6 +46,9 @@ class PoseLog {
   void Listen(Listener listener);
 
  private:
+  void Keep(const PoseRecord& record);
+
+  const CallRecorder& recorder_;
   mutable std::mutex mutex_;
   std::deque<PoseRecord> poses_;
   std::map<vr::TrackedDeviceIndex_t, PoseRecord> latest_;

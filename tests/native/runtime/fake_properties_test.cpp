@@ -13,20 +13,6 @@ class FakePropertiesTest : public testing::Test {
   vr::PropertyContainerHandle_t container = properties.TrackedDeviceToPropertyContainer(3);
 };
 
-TEST_F(FakePropertiesTest, RecordsEachWriteAsItWasMade) {
-  helpers.SetFloatProperty(container, vr::Prop_DisplayFrequency_Float, 72.0F);
-  helpers.SetStringProperty(container, vr::Prop_ModelNumber_String, "Toy");
-  const auto writes = properties.Writes(container);
-  ASSERT_EQ(writes.size(), 2U);
-  EXPECT_EQ(writes[0].property, vr::Prop_DisplayFrequency_Float);
-  EXPECT_EQ(writes[0].tag, vr::k_unFloatPropertyTag);
-  EXPECT_EQ(writes[0].As<float>(), 72.0F);
-  EXPECT_EQ(writes[0].entriesInCall, 1U);
-  EXPECT_EQ(writes[1].call, 1U);
-  EXPECT_EQ(writes[1].bytes.size(), 4U);
-  EXPECT_EQ(writes[1].AsString(), "Toy");
-}
-
 TEST_F(FakePropertiesTest, TellsABatchFromSingleWrites) {
   float one = 1.0F;
   bool yes = true;
@@ -52,27 +38,11 @@ TEST_F(FakePropertiesTest, ReadsBackWhatStands) {
   EXPECT_EQ(error, vr::TrackedProp_UnknownProperty);
 }
 
-TEST_F(FakePropertiesTest, DevicesHaveContainersOfTheirOwn) {
-  const auto other = properties.TrackedDeviceToPropertyContainer(4);
-  helpers.SetInt32Property(other, vr::Prop_DeviceClass_Int32, 2);
-  EXPECT_EQ(properties.Get<std::int32_t>(container, vr::Prop_DeviceClass_Int32), std::nullopt);
-  EXPECT_EQ(properties.TrackedDeviceToPropertyContainer(vr::k_unTrackedDeviceIndexInvalid),
-            vr::k_ulInvalidPropertyContainer);
-}
-
 TEST_F(FakePropertiesTest, AWriteToNoContainerIsRecordedAndRefused) {
   EXPECT_EQ(helpers.SetFloatProperty(vr::k_ulInvalidPropertyContainer, vr::Prop_DisplayFrequency_Float, 72.0F),
             vr::TrackedProp_InvalidDevice);
   ASSERT_EQ(properties.Writes(vr::k_ulInvalidPropertyContainer).size(), 1U);
   EXPECT_EQ(properties.Find(vr::k_ulInvalidPropertyContainer, vr::Prop_DisplayFrequency_Float), std::nullopt);
-}
-
-TEST_F(FakePropertiesTest, AScriptedFailureLeavesTheOldValue) {
-  helpers.SetFloatProperty(container, vr::Prop_DisplayFrequency_Float, 60.0F);
-  properties.FailWrite(vr::Prop_DisplayFrequency_Float, vr::TrackedProp_PermissionDenied);
-  EXPECT_EQ(helpers.SetFloatProperty(container, vr::Prop_DisplayFrequency_Float, 72.0F),
-            vr::TrackedProp_PermissionDenied);
-  EXPECT_EQ(properties.Get<float>(container, vr::Prop_DisplayFrequency_Float), 60.0F);
 }
 
 TEST_F(FakePropertiesTest, TextWithoutItsEndIsNoText) {

@@ -30,31 +30,25 @@ TEST(FakeRuntime, VersionsAreComparedExactly) {
   EXPECT_EQ(runtime.GetGenericInterface("IVRSettings_003", nullptr), nullptr);
 }
 
-TEST(FakeRuntime, WithholdsWhatItIsToldTo) {
+TEST(FakeRuntime, ThatKeepsNothingStillTellsItsHooks) {
   FakeRuntime runtime;
-  runtime.Withhold("IVRResources_001");
-  EXPECT_EQ(runtime.GetGenericInterface("IVRResources_001", nullptr), nullptr);
-  runtime.Provide("IVRResources_001");
-  EXPECT_NE(runtime.GetGenericInterface("IVRResources_001", nullptr), nullptr);
-  EXPECT_THAT(runtime.RequestedInterfaces(), ElementsAre("IVRResources_001", "IVRResources_001"));
-}
-
-TEST(FakeRuntime, OneJournalHoldsTheCallsOfAllInterfaces) {
-  FakeRuntime runtime;
-  static_cast<void>(runtime.Settings().GetBool("section", "key", nullptr));
-  runtime.Log().Log("text");
-  runtime.Host().VsyncEvent(0.0);
-  EXPECT_THAT(runtime.Journal().Calls(),
-              ElementsAre("IVRSettings.GetBool", "IVRDriverLog.Log", "IVRServerDriverHost.VsyncEvent"));
-}
-
-TEST(FakeRuntime, KnowsItsDriverByName) {
-  FakeRuntime runtime("toy");
-  char name[8] = {};
-  EXPECT_EQ(runtime.Manager().GetDriverName(0, name, sizeof name), 4U);
-  EXPECT_STREQ(name, "toy");
-  EXPECT_EQ(runtime.Manager().GetDriverHandle("toy"), runtime.GetDriverHandle());
-  EXPECT_EQ(runtime.Manager().GetDriverHandle("other"), vr::k_ulInvalidDriverHandle);
+  runtime.KeepNothing();
+  int told = 0;
+  runtime.Poses().Listen([&](const PoseRecord& record) { told += record.device == 3 ? 1 : 0; });
+  runtime.Input().onUpdate = [&](const InputUpdate& update) { told += update.boolValue ? 1 : 0; };
+  runtime.Properties().onWrite = [&](auto, const vr::PropertyWrite_t&) { ++told; };
+  vr::VRInputComponentHandle_t handle = 0;
+  const auto container = FakeProperties::ContainerOf(3);
+  runtime.Input().CreateBooleanComponent(container, "/a", &handle);
+  EXPECT_EQ(handle, FakeDriverInput::HandleOf(container, "/a"));
+  runtime.Input().UpdateBooleanComponent(handle, true, 0.0);
+  runtime.Host().TrackedDevicePoseUpdated(3, {}, sizeof(vr::DriverPose_t));
+  vr::CVRPropertyHelpers(&runtime.Properties()).SetInt32Property(container, vr::Prop_DeviceClass_Int32, 2);
+  EXPECT_EQ(told, 3);
+  EXPECT_TRUE(runtime.Journal().Entries().empty());
+  EXPECT_EQ(runtime.Poses().Count(), 0U);
+  EXPECT_TRUE(runtime.Input().Updates().empty());
+  EXPECT_TRUE(runtime.Properties().Writes().empty());
 }
 
 }  // namespace

@@ -45,11 +45,6 @@ TEST_F(FakeSettingsTest, AMissingKeyIsZeroWithItsError) {
   EXPECT_EQ(error, vr::VRSettingsError_UnsetSettingHasNoDefault);
 }
 
-TEST_F(FakeSettingsTest, AMissingKeyNeedsNoErrorPointer) {
-  EXPECT_EQ(settings.GetInt32(kSection, "missing", nullptr), 0);
-  EXPECT_FALSE(settings.GetBool(kSection, "missing", nullptr));
-}
-
 TEST_F(FakeSettingsTest, AValueOfTheWrongKindIsAnError) {
   settings.SetDefaults({{kSection, {{"text", "yes"}, {"number", 7}}}});
   EXPECT_FALSE(settings.GetBool(kSection, "text", &error));
@@ -59,25 +54,12 @@ TEST_F(FakeSettingsTest, AValueOfTheWrongKindIsAnError) {
   EXPECT_EQ(error, vr::VRSettingsError_ReadFailed);
 }
 
-TEST_F(FakeSettingsTest, FalseThatIsSetIsNoError) {
-  settings.SetOverrides({{kSection, {{"flag", false}}}});
-  EXPECT_FALSE(settings.GetBool(kSection, "flag", &error));
-  EXPECT_EQ(error, vr::VRSettingsError_None);
-}
-
 TEST_F(FakeSettingsTest, WritesShadowDefaultsUntilRemoved) {
   settings.SetDefaults({{kSection, {{"width", 100}}}});
   settings.SetInt32(kSection, "width", 5, &error);
   EXPECT_EQ(settings.GetInt32(kSection, "width", nullptr), 5);
   settings.RemoveKeyInSection(kSection, "width", &error);
   EXPECT_EQ(settings.GetInt32(kSection, "width", nullptr), 100);
-}
-
-TEST_F(FakeSettingsTest, AScriptedFailureHidesTheValue) {
-  settings.SetOverrides({{kSection, {{"flag", true}}}});
-  settings.FailRead(kSection, "flag", vr::VRSettingsError_IPCFailed);
-  EXPECT_FALSE(settings.GetBool(kSection, "flag", &error));
-  EXPECT_EQ(error, vr::VRSettingsError_IPCFailed);
 }
 
 TEST_F(FakeSettingsTest, LongTextIsCutToTheBuffer) {
@@ -91,14 +73,6 @@ TEST_F(FakeSettingsTest, RefusesAFileThatIsNoSettingsFile) {
   EXPECT_THROW(settings.LoadDefaults(Write("broken.vrsettings", R"({"driver_toy": )")), std::runtime_error);
   EXPECT_THROW(settings.LoadDefaults(Write("flat.vrsettings", R"({"width": 100})")), std::runtime_error);
   EXPECT_THROW(settings.LoadDefaults("no/such/file.vrsettings"), std::runtime_error);
-}
-
-TEST_F(FakeSettingsTest, EveryReadIsInTheJournal) {
-  static_cast<void>(settings.GetBool(kSection, "flag", nullptr));
-  const auto entries = recorder.Journal().EntriesOf("IVRSettings.GetBool");
-  ASSERT_EQ(entries.size(), 1U);
-  EXPECT_EQ(entries[0].arguments["section"], kSection);
-  EXPECT_EQ(entries[0].arguments["key"], "flag");
 }
 
 }  // namespace

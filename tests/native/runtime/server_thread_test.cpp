@@ -3,8 +3,9 @@
 #include <atomic>
 #include <stdexcept>
 
-#include <windows.h>
 #include <gtest/gtest.h>
+
+#include "runtime/thread_id.h"
 
 #include "runtime/wait.h"
 
@@ -17,11 +18,11 @@ TEST(ServerThread, RunsTasksOnOneThreadOfItsOwn) {
   ServerThread thread;
   std::uint32_t first = 0;
   std::uint32_t second = 0;
-  thread.Run([&] { first = GetCurrentThreadId(); });
-  thread.Run([&] { second = GetCurrentThreadId(); });
+  thread.Run([&] { first = runtime::ThreadId(); });
+  thread.Run([&] { second = runtime::ThreadId(); });
   EXPECT_EQ(first, second);
   EXPECT_EQ(first, thread.ThreadId());
-  EXPECT_NE(first, GetCurrentThreadId());
+  EXPECT_NE(first, runtime::ThreadId());
 }
 
 TEST(ServerThread, HandsATasksExceptionToItsCaller) {

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "runtime/compositor.h"
+#include "runtime/frame_report.h"
 
 namespace bench {
 namespace {

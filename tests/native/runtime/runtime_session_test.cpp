@@ -1,10 +1,13 @@
 #include "runtime/runtime_session.h"
 
+#include <stdexcept>
 #include <thread>
 
-#include <windows.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include "runtime/thread_id.h"
+#include "toy_session.h"
 
 namespace bench {
 namespace {
@@ -12,20 +15,16 @@ namespace {
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 
-class TestDevice : public vr::ITrackedDeviceServerDriver {
+class TestDevice final : public ToyController {
  public:
   explicit TestDevice(FakeRuntime& owner) : runtime(owner) {}
   vr::EVRInitError Activate(uint32_t index) override {
     activatedAs = index;
-    threadId = GetCurrentThreadId();
+    threadId = bench::runtime::ThreadId();
     insideAdded = runtime.Journal().Calls().back() == "IVRServerDriverHost.TrackedDeviceAdded";
     return vr::VRInitError_None;
   }
   void Deactivate() override { ++deactivations; }
-  void EnterStandby() override {}
-  void* GetComponent(const char*) override { return nullptr; }
-  void DebugRequest(const char*, char*, uint32_t) override {}
-  vr::DriverPose_t* GetPose(vr::DriverPose_t* result) override { return result; }
 
   FakeRuntime& runtime;
   uint32_t activatedAs = vr::k_unTrackedDeviceIndexInvalid;
@@ -34,36 +33,31 @@ class TestDevice : public vr::ITrackedDeviceServerDriver {
   bool insideAdded = false;
 };
 
-class TestProvider : public vr::IServerTrackedDeviceProvider {
+class TestProvider final : public ToyProvider {
  public:
-  explicit TestProvider(FakeRuntime& runtime) : runtime_(runtime), headset(runtime) {}
+  explicit TestProvider(FakeRuntime& runtime) : headset(runtime), runtime_(runtime) {}
   vr::EVRInitError Init(vr::IVRDriverContext* context) override {
     initContext = context;
     runtime_.Host().TrackedDeviceAdded("head", vr::TrackedDeviceClass_HMD, &headset);
     return initResult;
   }
   void Cleanup() override { ++cleanups; }
-  const char* const* GetInterfaceVersions() override { return nullptr; }
   void RunFrame() override {
     ++frames;
     if (throwFromFrames) {
       throw std::runtime_error("frame");
     }
   }
-  bool ShouldBlockStandbyMode() override { return false; }
-  void EnterStandby() override {}
-  void LeaveStandby() override {}
 
- private:
-  FakeRuntime& runtime_;
-
- public:
   TestDevice headset;
   vr::IVRDriverContext* initContext = nullptr;
   vr::EVRInitError initResult = vr::VRInitError_None;
   std::atomic<int> frames = 0;
   int cleanups = 0;
   bool throwFromFrames = false;
+
+ private:
+  FakeRuntime& runtime_;
 };
 
 class RuntimeSessionTest : public testing::Test {

@@ -14,8 +14,8 @@ class ToyController : public vr::ITrackedDeviceServerDriver {
   vr::DriverPose_t* GetPose(vr::DriverPose_t* result) override { return result; }
 };
 
-// A session whose driver does nothing; tests add devices to its host themselves.
-class ToySession : public vr::IServerTrackedDeviceProvider {
+// A driver that does nothing.
+class ToyProvider : public vr::IServerTrackedDeviceProvider {
  public:
   vr::EVRInitError Init(vr::IVRDriverContext*) override { return vr::VRInitError_None; }
   void Cleanup() override {}
@@ -24,7 +24,11 @@ class ToySession : public vr::IServerTrackedDeviceProvider {
   bool ShouldBlockStandbyMode() override { return false; }
   void EnterStandby() override {}
   void LeaveStandby() override {}
+};
 
+// A session of it; tests add devices to its host themselves.
+class ToySession {
+ public:
   // Activates one more controller; its container.
   vr::PropertyContainerHandle_t AddController(const char* serial) {
     runtime.Host().TrackedDeviceAdded(serial, vr::TrackedDeviceClass_Controller, &controller);
@@ -34,7 +38,8 @@ class ToySession : public vr::IServerTrackedDeviceProvider {
 
   FakeRuntime runtime;
   ToyController controller;
-  RuntimeSession session{runtime, *this};
+  ToyProvider provider;
+  RuntimeSession session{runtime, provider};
 };
 
 }  // namespace bench
