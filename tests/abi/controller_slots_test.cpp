@@ -8,7 +8,6 @@
 #include "companion/controller_record.h"
 #include "msvc_side/calls.h"
 #include "msvc_support.h"
-#include "runtime/msvc_calls.h"
 #include "support/link_test.h"
 
 namespace ombrel::test {
@@ -57,17 +56,9 @@ TEST_F(ControllerSlotsTest, DeactivateEnterStandbyAndDebugRequest) {
 TEST_F(ControllerSlotsTest, GetPose) {
   ASSERT_EQ(MsvcDeviceActivate(Device(), 1), 0);
   SendRecord();
-  GuardedResult<vr::DriverPose_t> pose;
-  MsvcDeviceGetPose(Device(), pose.Address());
-  EXPECT_EQ(pose.Value().vecPosition[0], 4.0);
-  EXPECT_TRUE(pose.Value().poseIsValid);
-  EXPECT_TRUE(pose.IsUntouchedAround());
-}
-
-TEST_F(ControllerSlotsTest, GetPoseAnswersWithTheAddressOfTheResult) {
-  GuardedResult<vr::DriverPose_t> pose;
-  const auto getPose = bench::VirtualSlot<void*(void*, void*)>(Device(), 5);
-  EXPECT_EQ(getPose(Device(), pose.Address()), pose.Address());
+  const vr::DriverPose_t pose = PoseByMsvc(Device());
+  EXPECT_EQ(pose.vecPosition[0], 4.0);
+  EXPECT_TRUE(pose.poseIsValid);
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 
 #include "msvc_side/calls.h"
 #include "msvc_support.h"
-#include "runtime/msvc_calls.h"
 #include "support/driver_test.h"
 
 namespace ombrel::test {
@@ -48,19 +47,11 @@ TEST_F(FakeSensorSlotsTest, EnterStandbyAndDebugRequest) {
 }
 
 TEST_F(FakeSensorSlotsTest, GetPose) {
-  GuardedResult<vr::DriverPose_t> pose;
-  MsvcDeviceGetPose(Device(), pose.Address());
-  EXPECT_THAT(pose.Value().vecPosition, ElementsAre(0.0, 0.0, 3.0));
-  EXPECT_EQ(pose.Value().qDriverFromHeadRotation.w, 0.0);
-  EXPECT_EQ(pose.Value().result, vr::TrackingResult_Running_OK);
-  EXPECT_TRUE(pose.Value().deviceIsConnected);
-  EXPECT_TRUE(pose.IsUntouchedAround());
-}
-
-TEST_F(FakeSensorSlotsTest, GetPoseAnswersWithTheAddressOfTheResult) {
-  GuardedResult<vr::DriverPose_t> pose;
-  const auto getPose = bench::VirtualSlot<void*(void*, void*)>(Device(), 5);
-  EXPECT_EQ(getPose(Device(), pose.Address()), pose.Address());
+  const vr::DriverPose_t pose = PoseByMsvc(Device());
+  EXPECT_THAT(pose.vecPosition, ElementsAre(0.0, 0.0, 3.0));
+  EXPECT_EQ(pose.qDriverFromHeadRotation.w, 0.0);
+  EXPECT_EQ(pose.result, vr::TrackingResult_Running_OK);
+  EXPECT_TRUE(pose.deviceIsConnected);
 }
 
 }  // namespace

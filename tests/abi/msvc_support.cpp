@@ -1,6 +1,9 @@
 #include "msvc_support.h"
 
+#include <gtest/gtest.h>
+
 #include "msvc_side/calls.h"
+#include "runtime/msvc_calls.h"
 
 // What objects of MSVC's kind refer to when they use floating point.
 extern "C" {
@@ -15,6 +18,17 @@ std::mutex mutex;
 std::vector<HostCall> calls;
 
 }  // namespace
+
+vr::DriverPose_t PoseByMsvc(void* device) {
+  GuardedResult<vr::DriverPose_t> pose;
+  MsvcDeviceGetPose(device, pose.Address());
+  EXPECT_TRUE(pose.IsUntouchedAround());
+  // MSVC's callers may take the result's address from the call's own result.
+  GuardedResult<vr::DriverPose_t> again;
+  const auto getPose = bench::VirtualSlot<void*(void*, void*)>(device, 5);
+  EXPECT_EQ(getPose(device, again.Address()), again.Address());
+  return pose.Value();
+}
 
 std::vector<HostCall> HostCalls() {
   const std::lock_guard lock(mutex);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <openvr_driver.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -33,6 +35,9 @@ class GuardedResult {
   static constexpr std::ptrdiff_t kGuardBytes = 512;  // more than any result, and a multiple of every alignment
   alignas(16) std::array<std::uint8_t, 2 * kGuardBytes + sizeof(Result)> memory_;
 };
+
+// What MSVC's side gets for the device's pose: exactly that structure is written, and its address is the answer.
+[[nodiscard]] vr::DriverPose_t PoseByMsvc(void* device);
 
 // One call that reached the runtime of the MSVC side.
 struct HostCall {
