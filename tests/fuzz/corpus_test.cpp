@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "../windows/companion/document_hex.h"
 #include "check_stream.h"
 #include "seeds.h"
 #include "stream_mutator.h"
+#include "support/document_hex.h"
 
 namespace ombrel::test {
 namespace {

@@ -27,15 +27,13 @@ DriverSession::~DriverSession() {
 }
 
 void DriverSession::SetHooks() {
-  runtime_.onDeviceAdded = [this](auto deviceClass, auto* device) { OnDeviceAdded(deviceClass, device); };
-  runtime_.onPose = [this](std::uint32_t device, const auto& pose, std::uint32_t size) { OnPose(device, pose, size); };
-  runtime_.nextEvent = [this](vr::VREvent_t* event) { return NextEvent(event); };
-  const auto proximity = HookedRuntime::HandleOf(HookedRuntime::ContainerOf(0), "/proximity");
-  runtime_.onBoolean = [this, proximity](auto handle, bool value) {
-    if (handle != proximity) lines_.push_back(Line("boolean") << handle << value);
-  };
-  runtime_.onScalar = [this](auto handle, float value) { lines_.push_back(Line("scalar") << handle << value); };
-  runtime_.onProperty = [this](auto /*container*/, const vr::PropertyWrite_t& write) {
+  runtime_.KeepNothing();
+  runtime_.Settings().Set("driver_ombrel", "fakeSensorEnabled", false);
+  runtime_.Host().onAdded = [this](const bench::AddedDevice& added) { OnDeviceAdded(added.deviceClass, added.driver); };
+  runtime_.Poses().Listen([this](const bench::PoseRecord& record) { OnPose(record); });
+  runtime_.Host().nextEvent = [this](vr::VREvent_t* event) { return NextEvent(event); };
+  runtime_.Input().onUpdate = [this](const bench::InputUpdate& update) { OnInput(update); };
+  runtime_.Properties().onWrite = [this](auto /*container*/, const vr::PropertyWrite_t& write) {
     if (write.prop != vr::Prop_DisplayFrequency_Float || headset_ == nullptr) return;
     float frequency = 0.0F;
     std::memcpy(&frequency, write.pvBuffer, sizeof(frequency));
@@ -51,11 +49,11 @@ void DriverSession::Run(std::vector<std::vector<std::byte>> connections, std::fu
   world.onNobodyThere = [this] { headset_->Core().StopLink(); };
   provider_ = std::make_unique<CServerDriver_Ombrel>();
   HMDDriver* made = nullptr;
-  const auto onDeviceAdded = std::exchange(
-      runtime_.onDeviceAdded, [&](auto /*deviceClass*/, auto* device) { made = dynamic_cast<HMDDriver*>(device); });
+  const auto onAdded = std::exchange(
+      runtime_.Host().onAdded, [&](const bench::AddedDevice& added) { made = dynamic_cast<HMDDriver*>(added.driver); });
   if (provider_->Init(&runtime_) != vr::VRInitError_None || made == nullptr) GiveUp("the driver did not start");
   made->Activate(0);
-  runtime_.onDeviceAdded = onDeviceAdded;
+  runtime_.Host().onAdded = onAdded;
   headset_ = made;
   CompanionPipeClient& client = headset_->Core().Client();
   client.AddListener(static_cast<ITrackingUpdatedListener*>(this));
@@ -75,9 +73,19 @@ void DriverSession::OnDeviceAdded(vr::ETrackedDeviceClass deviceClass, vr::ITrac
   vibrating_ = devices_;
 }
 
-void DriverSession::OnPose(std::uint32_t device, const vr::DriverPose_t& pose, std::uint32_t size) {
-  if (size != sizeof(pose)) Complain("a pose of another size");
-  if (device == 0) {
+void DriverSession::OnInput(const bench::InputUpdate& update) {
+  static const auto proximity = bench::FakeDriverInput::HandleOf(bench::FakeProperties::ContainerOf(0), "/proximity");
+  if (update.kind == bench::InputKind::Scalar) {
+    lines_.push_back(Line("scalar") << update.handle << update.scalarValue);
+  } else if (update.handle != proximity) {
+    lines_.push_back(Line("boolean") << update.handle << update.boolValue);
+  }
+}
+
+void DriverSession::OnPose(const bench::PoseRecord& record) {
+  const vr::DriverPose_t& pose = record.pose;
+  if (record.structSize != sizeof(pose)) Complain("a pose of another size");
+  if (record.device == 0) {
     // The one that Activate sends comes before any bytes do.
     if (headset_ == nullptr) return;
     lastHeadPose_ = pose;
@@ -87,14 +95,14 @@ void DriverSession::OnPose(std::uint32_t device, const vr::DriverPose_t& pose, s
     return;
   }
   Line line("pose");
-  (line << device).All(pose.vecPosition).All(pose.vecAcceleration).All(pose.vecVelocity);
+  (line << record.device).All(pose.vecPosition).All(pose.vecAcceleration).All(pose.vecVelocity);
   lines_.push_back(line << static_cast<int>(pose.result) << pose.poseIsValid << pose.deviceIsConnected);
 }
 
 bool DriverSession::NextEvent(vr::VREvent_t* event) {
   if (vibrating_ == 0) return false;
   event->eventType = vr::VREvent_Input_HapticVibration;
-  event->data.hapticVibration.containerHandle = HookedRuntime::ContainerOf(std::exchange(vibrating_, 0));
+  event->data.hapticVibration.containerHandle = bench::FakeProperties::ContainerOf(std::exchange(vibrating_, 0));
   event->data.hapticVibration.fDurationSeconds = 0.003F;
   return true;
 }

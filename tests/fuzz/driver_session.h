@@ -10,8 +10,8 @@
 
 #include "hmd/hmd_driver.h"
 #include "link/listeners.h"
+#include "runtime/fake_runtime.h"
 #include "server_driver_ombrel.h"
-#include "support/hooked_runtime.h"
 
 namespace ombrel::test {
 
@@ -43,13 +43,14 @@ class DriverSession final : public ITrackingUpdatedListener,
  private:
   void SetHooks();
   void OnDeviceAdded(vr::ETrackedDeviceClass deviceClass, vr::ITrackedDeviceServerDriver* device);
-  void OnPose(std::uint32_t device, const vr::DriverPose_t& pose, std::uint32_t size);
+  void OnPose(const bench::PoseRecord& record);
+  void OnInput(const bench::InputUpdate& update);
   bool NextEvent(vr::VREvent_t* event);
   void BeforeRead();
   void PresentFrame();
   void Complain(const std::string& problem);
 
-  HookedRuntime runtime_;
+  bench::FakeRuntime runtime_;
   std::unique_ptr<CServerDriver_Ombrel> provider_;
   HMDDriver* headset_ = nullptr;
   std::uint32_t devices_ = 0;

@@ -5,7 +5,8 @@
 #include <utility>
 
 #include "line.h"
-#include "support/hooked_runtime.h"
+#include "runtime/fake_driver_input.h"
+#include "runtime/fake_properties.h"
 
 namespace ombrel::test {
 namespace {
@@ -53,7 +54,7 @@ constexpr std::array<std::pair<int, const char*>, 5> kButtons{{{0, "/input/syste
                                                                {33, "/input/trigger/click"}}};
 
 std::uint64_t InputOf(std::uint32_t device, const char* path) {
-  return HookedRuntime::HandleOf(HookedRuntime::ContainerOf(device), path);
+  return bench::FakeDriverInput::HandleOf(bench::FakeProperties::ContainerOf(device), path);
 }
 
 }  // namespace

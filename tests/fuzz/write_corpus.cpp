@@ -5,8 +5,8 @@
 #include <fstream>
 #include <iostream>
 
-#include "../windows/companion/document_hex.h"
 #include "seeds.h"
+#include "support/document_hex.h"
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);

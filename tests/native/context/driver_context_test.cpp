@@ -2,17 +2,21 @@
 
 #include <gtest/gtest.h>
 
-#include "support/fake_runtime.h"
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "runtime/fake_runtime.h"
 
 namespace ombrel::test {
 namespace {
 
-using Lines = Journal::Lines;
+using Lines = std::vector<std::string>;
 
 class DriverContextTest : public testing::Test {
  protected:
   DriverContext context_;
-  FakeRuntime runtime_;
+  bench::FakeRuntime runtime_;
 };
 
 TEST_F(DriverContextTest, HasNothingBeforeInit) {
@@ -23,23 +27,23 @@ TEST_F(DriverContextTest, HasNothingBeforeInit) {
 
 TEST_F(DriverContextTest, FetchesAllButTheInputInterface) {
   EXPECT_EQ(context_.Init(&runtime_), vr::VRInitError_None);
-  EXPECT_EQ(runtime_.asked.All(), (Lines{"IVRServerDriverHost_005", "IVRSettings_002", "IVRProperties_001",
-                                         "IVRDriverLog_001", "IVRDriverManager_001", "IVRResources_001"}));
+  EXPECT_EQ(runtime_.RequestedInterfaces(), (Lines{"IVRServerDriverHost_005", "IVRSettings_002", "IVRProperties_001",
+                                                   "IVRDriverLog_001", "IVRDriverManager_001", "IVRResources_001"}));
 }
 
 TEST_F(DriverContextTest, FetchesTheInputInterfaceOnFirstUseAndOnce) {
   ASSERT_EQ(context_.Init(&runtime_), vr::VRInitError_None);
   EXPECT_NE(context_.DriverInput(), nullptr);
   EXPECT_NE(context_.DriverInput(), nullptr);
-  EXPECT_EQ(runtime_.asked.Count("IVRDriverInput_001"), 1U);
+  EXPECT_EQ(std::ranges::count(runtime_.RequestedInterfaces(), "IVRDriverInput_001"), 1);
 }
 
 TEST_F(DriverContextTest, GivesTheRuntimesInterfaces) {
   ASSERT_EQ(context_.Init(&runtime_), vr::VRInitError_None);
-  EXPECT_EQ(context_.Settings(), &runtime_.settings);
-  EXPECT_EQ(context_.Properties(), &runtime_.properties);
-  EXPECT_EQ(context_.ServerDriverHost(), &runtime_.host);
-  EXPECT_EQ(context_.DriverLog(), &runtime_.log);
+  EXPECT_EQ(context_.Settings(), &runtime_.Settings());
+  EXPECT_EQ(context_.Properties(), &runtime_.Properties());
+  EXPECT_EQ(context_.ServerDriverHost(), &runtime_.Host());
+  EXPECT_EQ(context_.DriverLog(), &runtime_.Log());
 }
 
 TEST_F(DriverContextTest, FailsAtTheFirstInterfaceThatIsMissing) {
@@ -47,32 +51,32 @@ TEST_F(DriverContextTest, FailsAtTheFirstInterfaceThatIsMissing) {
                     "IVRDriverLog_001",        "IVRDriverManager_001", "IVRResources_001"};
   for (std::size_t i = 0; i < order.size(); ++i) {
     if (order[i] == "IVRProperties_001") continue;
-    FakeRuntime runtime;
-    runtime.withheld = {order[i]};
+    bench::FakeRuntime runtime;
+    runtime.Withhold(order[i]);
     EXPECT_EQ(context_.Init(&runtime), vr::VRInitError_Init_InterfaceNotFound) << order[i];
-    EXPECT_EQ(runtime.asked.All().back(), order[i]);
+    EXPECT_EQ(runtime.RequestedInterfaces().back(), order[i]);
   }
 }
 
 TEST_F(DriverContextTest, DoesWithoutProperties) {
-  runtime_.withheld = {"IVRProperties_001"};
+  runtime_.Withhold("IVRProperties_001");
   EXPECT_EQ(context_.Init(&runtime_), vr::VRInitError_None);
   EXPECT_EQ(context_.Properties(), nullptr);
 }
 
 TEST_F(DriverContextTest, TriesAgainForWhatWasMissing) {
-  runtime_.withheld = {"IVRProperties_001"};
+  runtime_.Withhold("IVRProperties_001");
   ASSERT_EQ(context_.Init(&runtime_), vr::VRInitError_None);
-  runtime_.withheld.clear();
-  EXPECT_EQ(context_.Properties(), &runtime_.properties);
+  runtime_.Provide("IVRProperties_001");
+  EXPECT_EQ(context_.Properties(), &runtime_.Properties());
 }
 
 TEST_F(DriverContextTest, AGoodInitMayFollowABadOne) {
-  runtime_.withheld = {"IVRDriverLog_001"};
+  runtime_.Withhold("IVRDriverLog_001");
   ASSERT_EQ(context_.Init(&runtime_), vr::VRInitError_Init_InterfaceNotFound);
-  FakeRuntime other;
+  bench::FakeRuntime other;
   EXPECT_EQ(context_.Init(&other), vr::VRInitError_None);
-  EXPECT_EQ(context_.ServerDriverHost(), &other.host);
+  EXPECT_EQ(context_.ServerDriverHost(), &other.Host());
 }
 
 TEST_F(DriverContextTest, ForgetsEverythingWhenCleared) {

@@ -2,28 +2,30 @@
 
 #include <gtest/gtest.h>
 
-#include <stdexcept>
+#include <algorithm>
 #include <string>
 #include <thread>
+#include <vector>
 
-#include "support/fake_runtime.h"
+#include "runtime/fake_driver_log.h"
 
 namespace ombrel::test {
 namespace {
 
-using Lines = Journal::Lines;
+using Lines = std::vector<std::string>;
 
 class DriverLogTest : public testing::Test {
  protected:
   ~DriverLogTest() override { ClearLogSink(); }
 
-  FakeDriverLog sink_;
+  bench::CallRecorder recorder_;
+  bench::FakeDriverLog sink_{recorder_};
 };
 
 TEST_F(DriverLogTest, DropsMessagesWhileThereIsNoSink) {
   Log("nobody %d\n", 1);
   SetLogSinkIfNone(&sink_);
-  EXPECT_EQ(sink_.lines.Size(), 0U);
+  EXPECT_EQ(sink_.Lines().size(), 0U);
 }
 
 TEST_F(DriverLogTest, PassesTheTextOnAsItStands) {
@@ -31,52 +33,47 @@ TEST_F(DriverLogTest, PassesTheTextOnAsItStands) {
   Log("Preparing HMD, mode %d\n", 2);
   Log("HMD activated with id %d \n", -1);
   Log("no line end, %s and %f", "text", 72.0);
-  EXPECT_EQ(sink_.lines.All(),
+  EXPECT_EQ(sink_.Lines(),
             (Lines{"Preparing HMD, mode 2\n", "HMD activated with id -1 \n", "no line end, text and 72.000000"}));
 }
 
 TEST_F(DriverLogTest, KeepsTheSinkThatIsThere) {
-  FakeDriverLog other;
+  bench::FakeDriverLog other(recorder_);
   SetLogSinkIfNone(&sink_);
   SetLogSinkIfNone(&other);
   Log("here\n");
-  EXPECT_EQ(sink_.lines.Size(), 1U);
-  EXPECT_EQ(other.lines.Size(), 0U);
+  EXPECT_EQ(sink_.Lines().size(), 1U);
+  EXPECT_EQ(other.Lines().size(), 0U);
 }
 
 TEST_F(DriverLogTest, ReachesNothingOnceTheSinkIsCleared) {
   SetLogSinkIfNone(&sink_);
   ClearLogSink();
   Log("late\n");
-  EXPECT_EQ(sink_.lines.Size(), 0U);
+  EXPECT_EQ(sink_.Lines().size(), 0U);
 }
 
 TEST_F(DriverLogTest, TakesAnotherSinkOnceTheFirstIsCleared) {
-  FakeDriverLog other;
+  bench::FakeDriverLog other(recorder_);
   SetLogSinkIfNone(&sink_);
   ClearLogSink();
   SetLogSinkIfNone(&other);
   Log("there\n");
-  EXPECT_EQ(other.lines.All(), Lines{"there\n"});
+  EXPECT_EQ(other.Lines(), Lines{"there\n"});
 }
 
 TEST_F(DriverLogTest, PassesTheLongestMessageWholeAndCutsALongerOne) {
   SetLogSinkIfNone(&sink_);
   Log("%s", std::string(1023, 'a').c_str());
   Log("%s", std::string(5000, 'b').c_str());
-  ASSERT_EQ(sink_.lines.Size(), 2U);
-  EXPECT_EQ(sink_.lines.All()[0], std::string(1023, 'a'));
-  EXPECT_LT(sink_.lines.All()[1].size(), 1024U);
+  ASSERT_EQ(sink_.Lines().size(), 2U);
+  EXPECT_EQ(sink_.Lines()[0], std::string(1023, 'a'));
+  EXPECT_LT(sink_.Lines()[1].size(), 1024U);
 }
 
-class ThrowingLog final : public vr::IVRDriverLog {
- public:
-  void Log(const char* /*message*/) override { throw std::runtime_error("no"); }
-};
-
 TEST_F(DriverLogTest, OutlivesASinkThatThrows) {
-  ThrowingLog throwing;
-  SetLogSinkIfNone(&throwing);
+  recorder_.ThrowFrom("IVRDriverLog.Log");
+  SetLogSinkIfNone(&sink_);
   EXPECT_NO_THROW(Log("lost\n"));
 }
 
@@ -89,8 +86,8 @@ TEST_F(DriverLogTest, KeepsTheMessagesOfSeveralThreadsApart) {
   std::thread one(log, 1), two(log, 2);
   one.join();
   two.join();
-  EXPECT_EQ(sink_.lines.Count("thread 1\n"), 200U);
-  EXPECT_EQ(sink_.lines.Count("thread 2\n"), 200U);
+  EXPECT_EQ(std::ranges::count(sink_.Lines(), "thread 1\n"), 200);
+  EXPECT_EQ(std::ranges::count(sink_.Lines(), "thread 2\n"), 200);
 }
 
 TEST_F(DriverLogTest, MayLoseItsSinkWhileOthersLog) {
@@ -102,7 +99,7 @@ TEST_F(DriverLogTest, MayLoseItsSinkWhileOthersLog) {
     ClearLogSink();
   }
   logger.join();
-  EXPECT_EQ(sink_.lines.Size(), sink_.lines.Count("still\n"));
+  EXPECT_TRUE(std::ranges::all_of(sink_.Lines(), [](const std::string& line) { return line == "still\n"; }));
 }
 
 }  // namespace

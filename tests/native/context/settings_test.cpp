@@ -1,9 +1,11 @@
 #include "context/settings.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
+
+#include <utility>
 
 #include "context/driver_context.h"
-#include "support/fake_runtime.h"
+#include "runtime/fake_runtime.h"
 
 namespace ombrel::test {
 namespace {
@@ -13,14 +15,16 @@ class SettingsTest : public testing::Test {
   void SetUp() override { ASSERT_EQ(Context().Init(&runtime_), vr::VRInitError_None); }
   void TearDown() override {
     Context().Clear();
-    EXPECT_EQ(runtime_.settings.writes, 0);
+    EXPECT_THAT(runtime_.Journal().Calls("IVRSettings."), testing::Each(testing::StartsWith("IVRSettings.Get")));
   }
+  void Set(const char* key, nlohmann::json value) { runtime_.Settings().Set("driver_ombrel", key, std::move(value)); }
 
-  FakeRuntime runtime_;
+  bench::FakeRuntime runtime_;
 };
 
 TEST_F(SettingsTest, ReadsTheDriversSection) {
-  runtime_.settings.values = {{"driver_ombrel/windowWidth", 2560}, {"other/windowHeight", 5}};
+  Set("windowWidth", 2560);
+  runtime_.Settings().Set("other", "windowHeight", 5);
   EXPECT_EQ(ReadInt32Setting("windowWidth"), 2560);
   EXPECT_EQ(ReadInt32Setting("windowHeight"), 0);
 }
@@ -28,15 +32,17 @@ TEST_F(SettingsTest, ReadsTheDriversSection) {
 TEST_F(SettingsTest, ReadsAMissingNumberAsZero) { EXPECT_EQ(ReadInt32Setting("renderScale"), 0); }
 
 TEST_F(SettingsTest, AsksForNoErrorOfANumber) {
-  runtime_.settings.values = {{"driver_ombrel/windowWidth", 2560}};
+  Set("windowWidth", 2560);
   EXPECT_EQ(ReadInt32Setting("windowWidth") + ReadInt32Setting("missing"), 2560);
-  EXPECT_EQ(runtime_.settings.numberErrorsAskedFor, 0);
+  const auto reads = runtime_.Journal().EntriesOf("IVRSettings.GetInt32");
+  ASSERT_EQ(reads.size(), 2U);
+  for (const auto& read : reads) EXPECT_FALSE(read.arguments.at("asksForError"));
 }
 
 TEST_F(SettingsTest, ReadsASwitchAsItIsStored) {
-  runtime_.settings.values = {{"driver_ombrel/fakeSensorEnabled", 0}};
+  Set("fakeSensorEnabled", false);
   EXPECT_FALSE(ReadBoolSetting("fakeSensorEnabled", true));
-  runtime_.settings.values = {{"driver_ombrel/fakeSensorEnabled", 1}};
+  Set("fakeSensorEnabled", true);
   EXPECT_TRUE(ReadBoolSetting("fakeSensorEnabled", false));
 }
 
@@ -46,10 +52,9 @@ TEST_F(SettingsTest, TakesTheFallbackForAMissingSwitch) {
 }
 
 TEST_F(SettingsTest, TakesTheFallbackForAnyError) {
-  runtime_.settings.values = {{"driver_ombrel/fakeSensorEnabled", 0}};
   for (const auto error :
        {vr::VRSettingsError_IPCFailed, vr::VRSettingsError_ReadFailed, vr::VRSettingsError_JsonParseFailed}) {
-    runtime_.settings.boolError = error;
+    runtime_.Settings().FailRead("driver_ombrel", "fakeSensorEnabled", error);
     EXPECT_TRUE(ReadBoolSetting("fakeSensorEnabled", true));
   }
 }

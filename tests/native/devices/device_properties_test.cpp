@@ -3,21 +3,24 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <string>
+#include <vector>
 
 #include "context/driver_context.h"
-#include "support/fake_runtime.h"
+#include "runtime/fake_runtime.h"
+#include "support/runtime_lines.h"
 
 namespace ombrel::test {
 namespace {
 
-using Lines = Journal::Lines;
+using Lines = std::vector<std::string>;
 
 class DevicePropertiesTest : public testing::Test {
  protected:
   void SetUp() override { ASSERT_EQ(Context().Init(&runtime_), vr::VRInitError_None); }
   void TearDown() override { Context().Clear(); }
 
-  FakeRuntime runtime_;
+  bench::FakeRuntime runtime_;
 };
 
 constexpr std::array<DeviceProperty, 6> kOneOfEach{{{vr::Prop_SerialNumber_String, "0.8"},
@@ -28,23 +31,25 @@ constexpr std::array<DeviceProperty, 6> kOneOfEach{{{vr::Prop_SerialNumber_Strin
                                                     {vr::Prop_ModelNumber_String, ""}}};
 
 TEST_F(DevicePropertiesTest, WritesOneBatchOfOneForEachInOrder) {
-  WriteProperties(77, kOneOfEach);
-  EXPECT_EQ(runtime_.properties.lines.All(), (Lines{"77: 1002 5 4 0.8", "77: 2007 4 1 true", "77: 2003 1 4 0.065000",
-                                                    "77: 1029 2 4 -7", "77: 2004 3 8 1099511627776", "77: 1001 5 1 "}));
+  WriteProperties(bench::FakeProperties::ContainerOf(7), kOneOfEach);
+  EXPECT_EQ(PropertyLines(runtime_), (Lines{"7: 1002 5 4 0.8", "7: 2007 4 1 true", "7: 2003 1 4 0.065000",
+                                            "7: 1029 2 4 -7", "7: 2004 3 8 1099511627776", "7: 1001 5 1 "}));
 }
 
 TEST_F(DevicePropertiesTest, WritesNothingForAnEmptyList) {
   WriteProperties(77, {});
-  EXPECT_EQ(runtime_.properties.lines.Size(), 0U);
+  EXPECT_TRUE(PropertyLines(runtime_).empty());
 }
 
-TEST_F(DevicePropertiesTest, AsksTheRuntimeForTheContainer) { EXPECT_EQ(ContainerOf(5), 1005U); }
+TEST_F(DevicePropertiesTest, AsksTheRuntimeForTheContainer) {
+  EXPECT_EQ(ContainerOf(5), bench::FakeProperties::ContainerOf(5));
+}
 
 TEST_F(DevicePropertiesTest, DoesWithoutAPropertyInterface) {
   Context().Clear();
   EXPECT_EQ(ContainerOf(5), vr::k_ulInvalidPropertyContainer);
   WriteProperties(77, kOneOfEach);
-  EXPECT_EQ(runtime_.properties.lines.Size(), 0U);
+  EXPECT_TRUE(PropertyLines(runtime_).empty());
 }
 
 }  // namespace

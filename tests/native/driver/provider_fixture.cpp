@@ -1,12 +1,11 @@
 #include "provider_fixture.h"
 
 #include <memory>
+#include <span>
 
 #include "context/driver_context.h"
 #include "render/headset_renderer.h"
 #include "support/fake_renderer.h"
-#include "support/tell_tale.h"
-#include "support/wait.h"
 
 namespace ombrel {
 
@@ -14,37 +13,24 @@ std::unique_ptr<IHeadsetRenderer> MakeHeadsetRenderer() { return std::make_uniqu
 
 namespace test {
 
-ProviderTest::ProviderTest() {
-  host_.isFakeSensorEnabled = true;
-  host_.onDeviceAdded = [this](auto, auto* device) {
-    const std::lock_guard guard(mutex_);
-    added_.push_back(device);
-  };
-  host_.onLog = [this](const char* message) { log_.Add(message); };
-  host_.onPose = [this](std::uint32_t index, const auto&, auto) { poses_.Add(std::to_string(index)); };
-}
-
 ProviderTest::~ProviderTest() {
   provider_.Cleanup();
   Context().Clear();
+  TheProcesses() = {};
 }
 
-void ProviderTest::StartSession() {
+void ProviderTest::Start() {
   const std::size_t before = Added().size();
-  ASSERT_EQ(provider_.Init(&host_), vr::VRInitError_None);
+  ASSERT_EQ(Init(), vr::VRInitError_None);
   ASSERT_EQ(Added().size(), before + 2);
-  for (std::uint32_t index : {0U, kBaseStation}) Added()[before + index]->Activate(index);
-  ASSERT_TRUE(companion_.Connect());
-  ASSERT_TRUE(companion_.Send(10, ControllerUpdate(kControllerId, 1)));
-  ASSERT_TRUE(WaitUntil([&] { return Added().size() == before + 3; }));
-  Added().back()->Activate(kController);
-  ASSERT_TRUE(companion_.Send(10, ControllerUpdate(kControllerId, 2)));
-  ASSERT_TRUE(WaitUntil([&] { return PoseOf(*Added().back()).vecPosition[0] == 2.0; }));
+  for (const std::uint32_t index : {0U, kBaseStation}) {
+    ASSERT_EQ(Device(before + index).Activate(index), vr::VRInitError_None);
+  }
 }
 
-ProviderTest::Devices ProviderTest::Added() const {
-  const std::lock_guard guard(mutex_);
-  return added_;
+void ProviderTest::Connect() {
+  Start();
+  ASSERT_TRUE(companion_.Connect());
 }
 
 vr::DriverPose_t ProviderTest::PoseOf(vr::ITrackedDeviceServerDriver& device) {
@@ -53,19 +39,27 @@ vr::DriverPose_t ProviderTest::PoseOf(vr::ITrackedDeviceServerDriver& device) {
   return pose;
 }
 
-void ProviderTest::RunFrameWithEventsOfController(const std::vector<std::pair<std::uint32_t, float>>& events) {
-  auto next = events.begin();
-  host_.nextEvent = [&](vr::VREvent_t* event) {
-    if (next == events.end()) return false;
-    event->eventType = next->first;
-    event->data.hapticVibration.containerHandle = HookedRuntime::ContainerOf(kController);
-    event->data.hapticVibration.fDurationSeconds = next->second;
-    ++next;
-    return true;
-  };
-  provider_.RunFrame();
-  EXPECT_EQ(next, events.end());
-  host_.nextEvent = nullptr;
+void ProviderTest::SendRecord(const bench::ControllerRecord& record) {
+  const bench::Bytes message = bench::EncodeControllerUpdate(record);
+  ASSERT_TRUE(companion_.out.Send(std::as_bytes(std::span(message))));
+  Fence();
+}
+
+vr::ITrackedDeviceServerDriver& ProviderTest::ActivateController(std::uint32_t index) {
+  vr::ITrackedDeviceServerDriver& controller = *Added().back().driver;
+  EXPECT_EQ(controller.Activate(index), vr::VRInitError_None);
+  return controller;
+}
+
+void ProviderTest::Fence() {
+  const double x = ++fences_;
+  ASSERT_TRUE(companion_.Send(4, Bytes().F32({0, 0, 0, 1, static_cast<float>(x), 0, 0}).U32(4)));
+  EXPECT_TRUE(runtime_.Journal().WaitUntil(
+      [&] {
+        const auto pose = runtime_.Poses().Latest(0);
+        return pose && pose->pose.vecPosition[0] == x;
+      },
+      kPatience));
 }
 
 }  // namespace test

@@ -28,13 +28,14 @@ INSTANTIATE_TEST_SUITE_P(Usual, ScaledGeometryTest,
                          testing::Values(Case{2560, 1440, 100, 1280, 1440}, Case{2560, 1440, 150, 1920, 2160},
                                          Case{2560, 1440, 200, 2560, 2880}, Case{0, 0, 0, 500, 600},
                                          // 133 percent in single precision, truncated
-                                         Case{2560, 1440, 133, 1702, 1915}));
+                                         Case{2560, 1440, 133, 1702, 1915}, Case{2002, 1001, 133, 1331, 1331}));
 
 INSTANTIATE_TEST_SUITE_P(Limits, ScaledGeometryTest,
                          testing::Values(Case{2560, 1440, 50, 1280, 1440}, Case{2560, 1440, 99, 1280, 1440},
                                          Case{2560, 1440, -200, 1280, 1440}, Case{998, 599, 100, 500, 600},
                                          Case{1000, 600, 100, 500, 600}, Case{1002, 601, 100, 501, 601},
-                                         Case{2560, 0, 100, 1280, 600}, Case{-2560, -1440, 100, 500, 600}));
+                                         Case{2560, 0, 100, 1280, 600}, Case{-2560, -1440, 100, 500, 600},
+                                         Case{2560, 1440, 0, 1280, 1440}, Case{600, 400, 200, 600, 800}));
 
 INSTANTIATE_TEST_SUITE_P(OddWidthsAreHalvedFirst, ScaledGeometryTest,
                          testing::Values(Case{1921, 1080, 100, 960, 1080}, Case{1921, 1080, 150, 1440, 1620},

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <memory>
 #include <string>
@@ -9,10 +9,11 @@
 #include "context/driver_log.h"
 #include "hmd/hmd_driver_direct.h"
 #include "hmd/hmd_driver_virtual.h"
+#include "runtime/fake_runtime.h"
 #include "support/background.h"
 #include "support/fake_companion.h"
 #include "support/fake_renderer.h"
-#include "support/fake_runtime.h"
+#include "support/runtime_lines.h"
 
 namespace ombrel::test {
 
@@ -23,7 +24,7 @@ class HeadsetTest : public testing::Test {
 
   HeadsetTest() {
     EXPECT_EQ(Context().Init(&runtime_), vr::VRInitError_None);
-    SetLogSinkIfNone(&runtime_.log);
+    SetLogSinkIfNone(&runtime_.Log());
   }
   ~HeadsetTest() override {
     if (headset_) headset_->Core().StopLink();
@@ -32,7 +33,7 @@ class HeadsetTest : public testing::Test {
     Context().Clear();
   }
 
-  void Set(const std::string& key, std::int32_t value) { runtime_.settings.values["driver_ombrel/" + key] = value; }
+  void Set(const std::string& key, std::int32_t value) { runtime_.Settings().Set("driver_ombrel", key, value); }
   template <typename Headset = HMDDriverDirect>
   void Make() {
     auto renderer = std::make_unique<FakeRenderer>();
@@ -47,11 +48,22 @@ class HeadsetTest : public testing::Test {
     EXPECT_EQ(headset_->GetPose(&pose), &pose);
     return pose;
   }
-  [[nodiscard]] Lines LogLines() const { return runtime_.log.lines.All(); }
-  // Waits for that many poses at the runtime.
-  [[nodiscard]] bool WaitForPoses(std::size_t count) const { return runtime_.host.updates.WaitForSize(count); }
+  [[nodiscard]] Lines LogLines() { return runtime_.Log().Lines(); }
+  // Of those that the runtime was sent.
+  [[nodiscard]] vr::DriverPose_t LastPose() { return runtime_.Poses().All().back().pose; }
+  // Waits until `condition` holds; it is looked at after each call of the driver into the runtime.
+  template <typename Condition>
+  [[nodiscard]] bool WaitFor(Condition condition) {
+    return runtime_.Journal().WaitUntil(condition, kPatience);
+  }
+  [[nodiscard]] bool WaitForPoses(std::size_t count) {
+    return WaitFor([&] { return runtime_.Poses().Count() >= count; });
+  }
+  [[nodiscard]] bool WaitForLogLine(const std::string& line) {
+    return WaitFor([&] { return runtime_.Log().Contains(line); });
+  }
 
-  FakeRuntime runtime_;
+  bench::FakeRuntime runtime_;
   FakeCompanion companion_;
   FakeRenderer* renderer_ = nullptr;
   std::function<void(const std::string&)> onRendererCall_;  // of the headset that is made next

@@ -51,8 +51,8 @@ TEST_F(HeadsetTest, HasAPoseThatTheRuntimeIsNotTold) {
   EXPECT_EQ(Pose().qRotation.w, 1.0);
   EXPECT_EQ(Pose().result, vr::TrackingResult_Running_OK);
   EXPECT_TRUE(Pose().poseIsValid);
-  EXPECT_EQ(runtime_.host.updates.Size(), 0U);
-  EXPECT_EQ(runtime_.properties.lines.Size(), 0U);
+  EXPECT_EQ(runtime_.Poses().Count(), 0U);
+  EXPECT_EQ(PropertyLines(runtime_).size(), 0U);
 }
 
 TEST_F(HeadsetTest, AnswersForItsComponentsWhateverTheLetterCase) {
@@ -95,12 +95,12 @@ TEST_F(HeadsetTest, AnswersADebugRequestWithAnEmptyText) {
 }
 
 TEST_F(HeadsetTest, ReadsNoSettingsOfOthersAndWritesNone) {
-  runtime_.settings.values["other/windowWidth"] = 4000;
+  runtime_.Settings().Set("other", "windowWidth", 4000);
   Make();
   std::uint32_t width = 0, height = 0;
   headset_->GetRecommendedRenderTargetSize(&width, &height);
   EXPECT_EQ(width, 500U);
-  EXPECT_EQ(runtime_.settings.writes, 0);
+  EXPECT_THAT(runtime_.Journal().Calls("IVRSettings."), testing::Each(testing::StartsWith("IVRSettings.Get")));
 }
 
 }  // namespace

@@ -11,12 +11,12 @@ using Lines = Journal::Lines;
 
 TEST_F(DirectModeComponentTest, LogsItsConstruction) {
   const ConcreteDirectMode another(core_, *renderer_);
-  EXPECT_EQ(log_.lines.All(), Lines{"Creating Direct driver component \n"});
+  EXPECT_EQ(log_.TakeNew(), Lines{"Creating Direct driver component \n"});
 }
 
 TEST_F(DirectModeComponentTest, MakesAndRegistersThreeTextures) {
   EXPECT_EQ(CreateSet(1), (std::array<std::uint64_t, 3>{100, 101, 102}));
-  EXPECT_EQ(log_.lines.All(), Lines{"Create swap requested, w: 1280, h: 1440, format: 28 samples: 1 \n"});
+  EXPECT_EQ(log_.TakeNew(), Lines{"Create swap requested, w: 1280, h: 1440, format: 28 samples: 1 \n"});
   EXPECT_EQ(renderer_->journal.All(), (Lines{"CreateSwapTexture 1280 1440 28 1", "CreateSwapTexture 1280 1440 28 1",
                                              "CreateSwapTexture 1280 1440 28 1", "RegisterTexture 100",
                                              "RegisterTexture 101", "RegisterTexture 102"}));
@@ -40,9 +40,9 @@ TEST_F(DirectModeComponentTest, AnyHandleDestroysItsWholeSet) {
     const auto set = CreateSet(1);
     const auto other = CreateSet(1);
     renderer_->journal.Clear();
-    log_.lines.Clear();
+    log_.TakeNew();
     component_.DestroySwapTextureSet(set[i]);
-    EXPECT_EQ(log_.lines.All(), Lines{"Destroy set: " + std::to_string(set[i]) + "\n"});
+    EXPECT_EQ(log_.TakeNew(), Lines{"Destroy set: " + std::to_string(set[i]) + "\n"});
     Lines expected;
     for (const std::uint64_t handle : {set[2], set[1], set[0]}) {
       expected.push_back("UnregisterTexture " + std::to_string(handle));
@@ -64,10 +64,10 @@ TEST_F(DirectModeComponentTest, DestroysAllSetsOfAProcessWithoutAWord) {
   CreateSet(1);
   CreateSet(2);
   CreateSet(1);
-  log_.lines.Clear();
+  log_.TakeNew();
   component_.DestroyAllSwapTextureSets(1);
   EXPECT_EQ(renderer_->liveSwapTextures, 3);
-  EXPECT_EQ(log_.lines.Size(), 0U);
+  EXPECT_TRUE(log_.TakeNew().empty());
   component_.DestroyAllSwapTextureSets(2);
   EXPECT_EQ(renderer_->liveSwapTextures, 0);
 }

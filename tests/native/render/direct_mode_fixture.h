@@ -12,10 +12,10 @@
 
 #include "context/driver_log.h"
 #include "render/direct_mode_component.h"
+#include "runtime/fake_driver_log.h"
 #include "support/background.h"
 #include "support/fake_companion.h"
 #include "support/fake_renderer.h"
-#include "support/fake_runtime.h"
 
 namespace ombrel::test {
 
@@ -30,7 +30,7 @@ class DirectModeComponentTest : public testing::Test {
   using Eye = vr::IVRDriverDirectModeComponent::SubmitLayerPerEye_t;
   using Layers = std::vector<std::pair<std::uint64_t, float>>;
 
-  DirectModeComponentTest() { log_.lines.Clear(); }
+  DirectModeComponentTest() { log_.TakeNew(); }
   ~DirectModeComponentTest() override {
     core_.StopLink();
     ClearLogSink();
@@ -85,7 +85,8 @@ class DirectModeComponentTest : public testing::Test {
     });
   }
 
-  FakeDriverLog log_;
+  bench::CallRecorder recorder_;
+  bench::FakeDriverLog log_{recorder_};
   bool hasSink_ = (SetLogSinkIfNone(&log_), true);
   FakeCompanion companion_;
   std::unique_ptr<FakeRenderer> made_ = std::make_unique<FakeRenderer>();

@@ -6,10 +6,10 @@
 #include <chrono>
 #include <memory>
 
+#include "runtime/fake_runtime.h"
 #include "support/background.h"
 #include "support/fake_companion.h"
 #include "support/fake_renderer.h"
-#include "support/fake_runtime.h"
 
 namespace ombrel::test {
 namespace {
@@ -42,11 +42,11 @@ class VirtualDisplayComponentTest : public testing::Test {
   }
 
   FakeCompanion companion_;
-  FakeServerDriverHost host_;
+  bench::FakeRuntime runtime_;
   std::unique_ptr<FakeRenderer> made_ = std::make_unique<FakeRenderer>();
   FakeRenderer* renderer_ = made_.get();
   OmbrelCore core_{std::move(made_)};
-  ConcreteVirtualDisplay component_{core_, &host_};
+  ConcreteVirtualDisplay component_{core_, &runtime_.Host()};
 };
 
 TEST_F(VirtualDisplayComponentTest, CountsNoFramesAtFirstAndAnswersBeforeAnyWait) {
@@ -78,14 +78,16 @@ TEST_F(VirtualDisplayComponentTest, CountsAPresentWhoseTextureCouldNotBeHad) {
 TEST_F(VirtualDisplayComponentTest, TellsOfAVsyncBehindEachWait) {
   component_.WaitForPresent();
   component_.WaitForPresent();
-  EXPECT_EQ(host_.vsyncs.All(), (Journal::Lines{"0.000000", "0.000000"}));
+  const auto vsyncs = runtime_.Journal().EntriesOf("IVRServerDriverHost.VsyncEvent");
+  ASSERT_EQ(vsyncs.size(), 2U);
+  for (const auto& vsync : vsyncs) EXPECT_EQ(vsync.arguments.at("offset"), 0.0);
   EXPECT_EQ(Frames(), 0U);
 }
 
 TEST_F(VirtualDisplayComponentTest, HasNotedTheVsyncWhenItTellsOfIt) {
   const auto begin = std::chrono::steady_clock::now();
   float seconds = -1.0F;
-  host_.onVsync = [&] { seconds = SecondsSinceVsync(); };
+  runtime_.Host().onVsync = [&] { seconds = SecondsSinceVsync(); };
   component_.WaitForPresent();
   const std::chrono::duration<float> sinceBegin = std::chrono::steady_clock::now() - begin;
   EXPECT_GE(seconds, 0.0F);
@@ -104,7 +106,7 @@ TEST_F(VirtualDisplayComponentTest, DoesNothingOnceTheLinkHasStopped) {
   core_.StopLink();
   Present(6);
   component_.WaitForPresent();
-  EXPECT_EQ(host_.vsyncs.Size(), 0U);
+  EXPECT_EQ(runtime_.Host().VsyncEvents(), 0U);
   EXPECT_EQ(Frames(), 0U) << "what it has counted is no longer told";
   EXPECT_EQ(SecondsSinceVsync(), 0.0F);
 }
@@ -112,7 +114,7 @@ TEST_F(VirtualDisplayComponentTest, DoesNothingOnceTheLinkHasStopped) {
 // The component goes right behind the stop. What a call does behind the hand-off or the wait nobody can hold up: the
 // thread sanitizer is the judge, of this test and the next two.
 TEST_F(VirtualDisplayComponentTest, APresentHasLeftTheComponentWhenTheLinkHasStopped) {
-  auto component = std::make_unique<ConcreteVirtualDisplay>(core_, &host_);
+  auto component = std::make_unique<ConcreteVirtualDisplay>(core_, &runtime_.Host());
   core_.PrepareOutput({.format = 28, .width = 100, .height = 100, .invertY = 0});
   core_.SetUp();
   core_.StartLink();
@@ -130,7 +132,7 @@ TEST_F(VirtualDisplayComponentTest, APresentHasLeftTheComponentWhenTheLinkHasSto
 }
 
 TEST_F(VirtualDisplayComponentTest, AWaitHasLeftTheComponentWhenTheLinkHasStopped) {
-  auto component = std::make_unique<ConcreteVirtualDisplay>(core_, &host_);
+  auto component = std::make_unique<ConcreteVirtualDisplay>(core_, &runtime_.Host());
   core_.OnFramerateUpdated(0);
   component->WaitForPresent();
   Background runtime([display = component.get()] { display->WaitForPresent(); });
@@ -142,7 +144,7 @@ TEST_F(VirtualDisplayComponentTest, AWaitHasLeftTheComponentWhenTheLinkHasStoppe
 
 // Nothing but the stop puts the call in front of the end of the component.
 TEST_F(VirtualDisplayComponentTest, AnAskerHasLeftTheComponentWhenTheLinkHasStopped) {
-  auto component = std::make_unique<ConcreteVirtualDisplay>(core_, &host_);
+  auto component = std::make_unique<ConcreteVirtualDisplay>(core_, &runtime_.Host());
   std::atomic<bool> isOut{false};
   Background runtime([&, display = component.get()] {
     float seconds = -1.0F;

@@ -30,17 +30,16 @@ StressRuntime::~StressRuntime() {
 }
 
 void StressRuntime::SetHooks(std::int32_t hmdMode) {
-  host_.hmdMode = hmdMode;
-  host_.isFakeSensorEnabled = true;
-  host_.onDeviceAdded = [this](auto deviceClass, auto* device) { AddDevice(deviceClass, device); };
-  host_.onPose = [this](std::uint32_t index, const auto& pose, std::uint32_t size) { OnPose(index, pose, size); };
-  host_.onBoolean = [this](auto, bool) { ++done_.inputs; };
-  host_.onScalar = [this](auto, float) { ++done_.inputs; };
-  host_.onProperty = [this](auto, const vr::PropertyWrite_t& write) {
+  host_.KeepNothing();
+  host_.Settings().Set("driver_ombrel", "hmdMode", hmdMode);
+  host_.Host().onAdded = [this](const bench::AddedDevice& added) { AddDevice(added.deviceClass, added.driver); };
+  host_.Poses().Listen([this](const bench::PoseRecord& record) { OnPose(record); });
+  host_.Input().onUpdate = [this](const bench::InputUpdate&) { ++done_.inputs; };
+  host_.Properties().onWrite = [this](auto, const vr::PropertyWrite_t& write) {
     if (write.prop == vr::Prop_DisplayFrequency_Float) ++done_.frequencies;
   };
-  host_.nextEvent = [this](vr::VREvent_t* event) { return NextEvent(event); };
-  host_.onVsync = [this] { ++done_.vsyncs; };
+  host_.Host().nextEvent = [this](vr::VREvent_t* event) { return NextEvent(event); };
+  host_.Host().onVsync = [this] { ++done_.vsyncs; };
 }
 
 void StressRuntime::AddDevice(vr::ETrackedDeviceClass deviceClass, vr::ITrackedDeviceServerDriver* driver) {
@@ -87,7 +86,7 @@ bool StressRuntime::NextEvent(vr::VREvent_t* event) {
   if (!isVibrationDue_.exchange(false, std::memory_order_relaxed) || count < 3) return false;
   const std::uint32_t index = 1 + done_.vibrations++ % (count - 1);
   event->eventType = vr::VREvent_Input_HapticVibration;
-  event->data.hapticVibration.containerHandle = HookedRuntime::ContainerOf(index);
+  event->data.hapticVibration.containerHandle = bench::FakeProperties::ContainerOf(index);
   event->data.hapticVibration.fDurationSeconds = 0.003F;
   return true;
 }
@@ -192,10 +191,10 @@ void StressRuntime::AskDisplay(vr::ITrackedDeviceServerDriver& headset) {
   display.ComputeDistortion(&distortion, vr::Eye_Left, 0.25F, 0.75F);
 }
 
-void StressRuntime::OnPose(std::uint32_t index, const vr::DriverPose_t& pose, std::uint32_t size) {
-  const Device& device = devices_[index];
+void StressRuntime::OnPose(const bench::PoseRecord& record) {
+  const Device& device = devices_[record.device];
   ++CountsOf(device).sent;
-  if (!IsWhole(device.deviceClass, pose) || size != sizeof(pose)) ++done_.halfPoses;
+  if (!IsWhole(device.deviceClass, record.pose) || record.structSize != sizeof(record.pose)) ++done_.halfPoses;
 }
 
 }  // namespace ombrel::test

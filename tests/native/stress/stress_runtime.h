@@ -9,8 +9,8 @@
 
 #include "counter.h"
 #include "hmd/hmd_driver.h"
+#include "runtime/fake_runtime.h"
 #include "server_driver_ombrel.h"
-#include "support/hooked_runtime.h"
 
 namespace ombrel::test {
 
@@ -63,7 +63,7 @@ class StressRuntime {
 
   void SetHooks(std::int32_t hmdMode);
   void AddDevice(vr::ETrackedDeviceClass deviceClass, vr::ITrackedDeviceServerDriver* driver);
-  void OnPose(std::uint32_t index, const vr::DriverPose_t& pose, std::uint32_t size);
+  void OnPose(const bench::PoseRecord& record);
   bool NextEvent(vr::VREvent_t* event);
   void ActivateNewDevices();
   void SubmitLayers();
@@ -72,7 +72,7 @@ class StressRuntime {
   static void AskDisplay(vr::ITrackedDeviceServerDriver& headset);
   [[nodiscard]] PoseCounts CountsOf(const Device& device);
 
-  HookedRuntime host_;
+  bench::FakeRuntime host_;
   CServerDriver_Ombrel provider_;
   vr::IVRDriverDirectModeComponent* direct_ = nullptr;
   vr::IVRVirtualDisplay* virtual_ = nullptr;

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
-#include <memory>
 
 #include "runtime/wait.h"
 #include "silent_pipes.h"
@@ -11,7 +10,6 @@ namespace ombrel::test {
 namespace {
 
 using bench::PipeServer;
-using bench::PipeServerOptions;
 using bench::scenarios::SilentPipes;
 
 class ConnectionTest : public LinkTest {
@@ -29,28 +27,6 @@ class ConnectionTest : public LinkTest {
   }
 };
 
-TEST_F(ConnectionTest, CompanionMayComeAfterTheDriver) {
-  InitAndActivateHeadset();
-  NewLogLines();
-  ExpectToConnect(server);
-  EXPECT_TRUE(NewLogLines().empty()) << "the link is silent";
-}
-
-TEST_F(ConnectionTest, IsSilentWhileThereAreNoPipes) {
-  InitAndActivateHeadset();
-  const std::size_t calls = runtime.Journal().Entries().size();
-  EXPECT_FALSE(runtime.Journal().WaitUntil([&] { return runtime.Journal().Entries().size() > calls; },
-                                           std::chrono::milliseconds(500)));
-}
-
-TEST_F(ConnectionTest, FindsTheCompanionWithinAQuarterOfASecondOrSo) {
-  InitAndActivateHeadset();
-  const auto begin = std::chrono::steady_clock::now();
-  ASSERT_TRUE(server.Open());
-  ASSERT_TRUE(server.WaitForConnection(kTimeoutMs));
-  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(1500)) << "100 ms, 150 ms, and slack";
-}
-
 TEST_F(ConnectionTest, CompanionMayRestartManyTimes) {
   InitAndActivateHeadset();
   for (int round = 0; round < 10; ++round) {
@@ -59,36 +35,10 @@ TEST_F(ConnectionTest, CompanionMayRestartManyTimes) {
   }
 }
 
-TEST_F(ConnectionTest, CompanionMayRestartWithoutBeingConnectedLong) {
-  InitAndActivateHeadset();
-  for (int round = 0; round < 10; ++round) {
-    ASSERT_TRUE(bench::WaitUntil([&] { return server.Open(); }, std::chrono::milliseconds(kTimeoutMs)));
-    static_cast<void>(server.WaitForConnection(static_cast<std::uint32_t>(40 * round)));
-    server.Close();
-  }
-  ExpectToConnect(server);
-}
-
-TEST_F(ConnectionTest, SecondPipeMayBeMadeLate) {
-  InitAndActivateHeadset();
-  PipeServer late({.secondPipeDelayMs = 700});
-  ExpectToConnect(late);
-}
-
 TEST_F(ConnectionTest, OtherPipeMayBeMadeFirst) {
   InitAndActivateHeadset();
   PipeServer late({.toDriverFirst = true, .secondPipeDelayMs = 700});
   ExpectToConnect(late);
-}
-
-TEST_F(ConnectionTest, CompanionMayEndBeforeItsSecondPipeAndStartAgain) {
-  InitAndActivateHeadset();
-  for (int round = 0; round < 5; ++round) {
-    PipeServer half({.secondPipeDelayMs = 60000});
-    ASSERT_TRUE(bench::WaitUntil([&] { return half.Open(); }, std::chrono::milliseconds(kTimeoutMs)));
-    static_cast<void>(half.WaitForConnection(static_cast<std::uint32_t>(60 * round)));
-  }
-  ExpectToConnect(server);
 }
 
 TEST_F(ConnectionTest, CompanionMayDisconnectItsFirstPipeBeforeItMakesItsSecond) {
@@ -122,14 +72,6 @@ TEST_F(ConnectionTest, LastMessageBeforeTheCompanionEndsIsTaken) {
   ASSERT_TRUE(server.Send(bench::EncodeQuaternionAndPosition({}, {})));
   server.Close();
   EXPECT_TRUE(WaitFor([&] { return PosesSent() == poses + 1; }));
-}
-
-TEST_F(ConnectionTest, PoseStaysWhenTheCompanionIsGone) {
-  Connect();
-  SendForPose(bench::EncodeQuaternionAndPosition({}, {1, 2, 3}));
-  server.Close();
-  ExpectToConnect(server);
-  EXPECT_EQ(PoseOf(Headset()).vecPosition[1], 0.0) << "the new companion's";
 }
 
 }  // namespace

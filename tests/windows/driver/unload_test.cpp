@@ -66,13 +66,6 @@ TEST_F(UnloadTest, CleanupIsDoneInASecondAndAHalfWhilePosesStream) {
   EXPECT_LE(CleanupTime(), milliseconds(1500));
 }
 
-TEST_F(UnloadTest, CleanupIsDoneInASecondAndAHalfWhileTheLinkIsBeingMade) {
-  bench::PipeServer half({.secondPipeDelayMs = 60000});
-  ASSERT_TRUE(half.Open());
-  InitAndActivateHeadset();
-  EXPECT_LE(CleanupTime(), milliseconds(1500));
-}
-
 TEST_F(UnloadTest, CleanupLeavesNoThreadOfTheDriver) {
   const std::size_t before = ThreadsOfProcess();
   InitAndActivateHeadset();
@@ -85,12 +78,6 @@ TEST_F(UnloadTest, CleanupLeavesNoThreadOfTheDriver) {
   server.Close();
   EXPECT_TRUE(bench::WaitUntil([&] { return ThreadsOfProcess() <= before; }, milliseconds(kTimeoutMs)))
       << "Direct3D ends its own in its time";
-}
-
-TEST_F(UnloadTest, CleanupClosesTheDriversEndsOfThePipes) {
-  Connect();
-  Provider().Cleanup();
-  EXPECT_TRUE(server.WaitForDisconnection(kTimeoutMs));
 }
 
 TEST_F(UnloadTest, NoPoseComesAfterCleanup) {
@@ -167,18 +154,6 @@ TEST_F(UnloadTest, LibraryThatIsAskedForItsProviderLeavesNoMemoryWhenItGoes) {
   }
   EXPECT_GT(bytes.front(), 0U);
   EXPECT_EQ(bytes.back(), bytes.front());
-}
-
-TEST_F(UnloadTest, DriverStartsAgainWithTheSameCompanion) {
-  Connect();
-  for (int round = 0; round < 5; ++round) {
-    Provider().Cleanup();
-    ASSERT_EQ(Init(), vr::VRInitError_None);
-    runtime.Host().Added().back().driver->Activate(0);
-    ASSERT_TRUE(bench::WaitUntil([&] { return server.Connections() == static_cast<std::uint32_t>(round) + 2; },
-                                 milliseconds(kTimeoutMs)));
-    Fence();
-  }
 }
 
 }  // namespace

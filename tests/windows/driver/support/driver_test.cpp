@@ -47,11 +47,4 @@ vr::IVRDisplayComponent& DriverTest::Display() {
   return *static_cast<vr::IVRDisplayComponent*>(Headset().GetComponent(vr::IVRDisplayComponent_Version));
 }
 
-std::vector<std::string> DriverTest::NewLogLines() {
-  const std::vector<std::string> lines = LogLines();
-  std::vector<std::string> fresh(lines.begin() + static_cast<std::ptrdiff_t>(linesSeen_), lines.end());
-  linesSeen_ = lines.size();
-  return fresh;
-}
-
 }  // namespace ombrel::test

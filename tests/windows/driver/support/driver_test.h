@@ -50,13 +50,10 @@ class DriverTest : public ::testing::Test {
   }
   [[nodiscard]] std::vector<std::string> LogLines() { return runtime.Log().Lines(); }
   // The lines since the last call of this.
-  std::vector<std::string> NewLogLines();
+  std::vector<std::string> NewLogLines() { return runtime.Log().TakeNew(); }
 
   bench::FakeRuntime runtime;
   bench::DriverModule module;
-
- private:
-  std::size_t linesSeen_ = 0;
 };
 
 }  // namespace ombrel::test

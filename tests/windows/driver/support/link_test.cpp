@@ -8,13 +8,6 @@ void LinkTest::Connect() {
   ASSERT_TRUE(server.WaitForConnection(kTimeoutMs));
 }
 
-void LinkTest::ConnectInactive() {
-  ASSERT_TRUE(server.Open());
-  Set("fakeSensorEnabled", false);
-  ASSERT_EQ(Init(), vr::VRInitError_None);
-  ASSERT_TRUE(server.WaitForConnection(kTimeoutMs));
-}
-
 void LinkTest::Send(const bench::Bytes& bytes) { ASSERT_TRUE(server.Send(bytes)); }
 
 vr::DriverPose_t LinkTest::SendForPose(const bench::Bytes& message) {
@@ -28,13 +21,6 @@ void LinkTest::Fence() {
   const float x = 1000.0F + static_cast<float>(++fences_);
   Send(bench::EncodeQuaternionAndPosition({}, {x, 0.0F, 0.0F}));
   EXPECT_TRUE(WaitFor([&] { return runtime.Poses().Latest(0)->pose.vecPosition[0] == x; }));
-}
-
-void LinkTest::FenceWithoutPose() {
-  const std::uint32_t framesPerSecond = 1000 + ++fences_;
-  Send(bench::EncodeFramerateUpdate(framesPerSecond));
-  const std::string line = "Updating headset fps, new value: " + std::to_string(framesPerSecond) + ".000000 \n";
-  EXPECT_TRUE(WaitFor([&] { return runtime.Log().Contains(line); }));
 }
 
 }  // namespace ombrel::test

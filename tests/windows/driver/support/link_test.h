@@ -18,8 +18,6 @@ class LinkTest : public DriverTest {
 
   // Init with the pipes there, and the headset activated; returns when the link is up.
   void Connect();
-  // The same without the activation.
-  void ConnectInactive();
 
   // Sends one message, or part of one; the test fails if there is no connection.
   void Send(const bench::Bytes& bytes);
@@ -27,8 +25,6 @@ class LinkTest : public DriverTest {
   vr::DriverPose_t SendForPose(const bench::Bytes& message);
   // Returns when everything that was sent so far has been taken in: after a pose of its own, which moves the head.
   void Fence();
-  // The same by a frame rate, for headsets that send no poses.
-  void FenceWithoutPose();
 
   // Waits until `condition` holds; it is looked at after each call of the driver into the runtime.
   template <typename Condition>

@@ -4,7 +4,6 @@
 // windows.h must come first.
 #include <tlhelp32.h>
 
-#include <algorithm>
 #include <chrono>
 #include <stdexcept>
 
@@ -17,13 +16,24 @@ namespace {
 constexpr std::chrono::seconds kStartTimeout{20};
 constexpr const char* kLifetimeSeconds = "3600";  // ends with its standard input in any case
 
+// The name that the system lists a process under; empty when it lists it no longer.
+std::string ListedName(std::uint32_t id) {
+  const bench::OwnedHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+  PROCESSENTRY32 entry{};
+  entry.dwSize = sizeof(entry);
+  for (BOOL more = Process32First(snapshot.Get(), &entry); more != 0; more = Process32Next(snapshot.Get(), &entry)) {
+    if (entry.th32ProcessID == id) return entry.szExeFile;
+  }
+  return {};
+}
+
 }  // namespace
 
 NamedProcess::NamedProcess(const std::string& executableName) : folder_(MakeTemporaryFolder()) {
   const std::filesystem::path program = folder_ / executableName;
   std::filesystem::copy_file(IdleProgram(), program);
   Start(program);
-  if (!bench::WaitUntil([&] { return IsListed(id_, executableName); }, kStartTimeout)) {
+  if (!bench::WaitUntil([&] { return ListedName(id_) == executableName; }, kStartTimeout)) {
     throw std::runtime_error(executableName + " is not listed");
   }
 }
@@ -71,29 +81,7 @@ void NamedProcess::End() {
   TerminateProcess(process_.Get(), 1);
   WaitForSingleObject(process_.Get(), INFINITE);
   process_.Reset();
-  static_cast<void>(bench::WaitUntil(
-      [&] {
-        const auto listed = ListedProcesses();
-        return std::none_of(listed.begin(), listed.end(), [&](const ListedProcess& other) { return other.id == id_; });
-      },
-      kStartTimeout));
-}
-
-std::vector<ListedProcess> ListedProcesses() {
-  std::vector<ListedProcess> listed;
-  const bench::OwnedHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
-  PROCESSENTRY32 entry{};
-  entry.dwSize = sizeof(entry);
-  for (BOOL more = Process32First(snapshot.Get(), &entry); more != 0; more = Process32Next(snapshot.Get(), &entry)) {
-    listed.push_back({entry.th32ProcessID, entry.szExeFile});
-  }
-  return listed;
-}
-
-bool IsListed(std::uint32_t id, const std::string& name) {
-  const auto listed = ListedProcesses();
-  return std::any_of(listed.begin(), listed.end(),
-                     [&](const ListedProcess& process) { return process.id == id && process.name == name; });
+  static_cast<void>(bench::WaitUntil([&] { return ListedName(id_).empty(); }, kStartTimeout));
 }
 
 }  // namespace ombrel::test

@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "companion/owned_handle.h"
 
@@ -35,14 +34,5 @@ class NamedProcess {
   bench::OwnedHandle standardInput_;  // the program ends when this closes
   std::uint32_t id_ = 0;
 };
-
-struct ListedProcess {
-  std::uint32_t id = 0;
-  std::string name;
-};
-
-// The system's processes in its own order.
-[[nodiscard]] std::vector<ListedProcess> ListedProcesses();
-[[nodiscard]] bool IsListed(std::uint32_t id, const std::string& name);
 
 }  // namespace ombrel::test

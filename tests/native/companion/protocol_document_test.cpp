@@ -7,7 +7,7 @@
 #include "companion/controller_record.h"
 #include "companion/messages.h"
 #include "companion/tracking_update.h"
-#include "document_hex.h"
+#include "support/document_hex.h"
 
 namespace bench {
 namespace {

@@ -1,4 +1,4 @@
-#include "document_hex.h"
+#include "support/document_hex.h"
 
 #include <gtest/gtest.h>
 
