@@ -1,0 +1,42 @@
+#!/usr/bin/env bash
+# Counts which lines and branches of the driver's folders the tests run, natively and under Wine, and writes
+# docs/coverage.md: tools/coverage.sh [host|mingw]...
+# With a name, only that build's tests run anew, and what is known of the other is kept.
+set -euo pipefail
+# shellcheck source=tools/lib.sh
+. "$(dirname "$0")/lib.sh"
+
+builds=build/coverage
+# Programs that are ended, crash or call _exit() write no counts; the driver's do when it is unloaded.
+flags='-O0 -g1 -DNDEBUG --coverage -fprofile-update=atomic -fprofile-abs-path'
+only="-fprofile-filter-files='$PWD/(platform|link|shaders|render|devices|hmd|driver)/.*'"
+
+# measure PRESET NAME LABELS: a test that fails is told of; what it ran counts nevertheless.
+measure() {
+  local preset=$1 folder=$builds/$2 labels=$3
+  say "building $folder"
+  cmake --preset "$preset" -B "$folder" "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=$flags $only" -Wno-dev --log-level=WARNING
+  find "$folder" -name '*.gcda' -delete
+  cmake --build "$folder"
+  say "testing $folder"
+  # One at a time: Windows programs do not lock the files of counts against each other.
+  ctest --test-dir "$folder" -L "^($labels)\$" --timeout 600 --output-on-failure >"$folder/tests.log" || true
+  sed -n '/tests passed/,$p' "$folder/tests.log"
+}
+
+case ${1:-} in
+  -h | --help) sed -n '2,4s/^# //p' tools/coverage.sh; exit ;;
+esac
+prepare "${build_packages[@]}" "${display_packages[@]}" "${test_packages[@]}" python3
+wine_prefix=$PWD/$builds/mingw/wine
+[ $# -gt 0 ] || set -- host mingw
+for name in "$@"; do
+  case $name in
+    host) measure host-release host native ;;
+    mingw) start_display; measure mingw-release mingw 'windows|gpu' ;;
+    *) echo "no build is called $name" >&2; exit 1 ;;
+  esac
+done
+python3 tools/coverage.py . docs/coverage.md \
+  $builds/host=gcov $builds/mingw=x86_64-w64-mingw32-gcov-posix
+say "by files: docs/coverage.md"
