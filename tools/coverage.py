@@ -92,21 +92,24 @@ def total(files, count):
     return tuple(map(sum, zip(*(count(file) for file in files)))) or (0, 0)
 
 
+def row(name, files):
+    return f'| {name} | {share(total(files, File.line_counts))} | {share(total(files, File.branch_counts))} |'
+
+
 def page(files):
     yield '# Coverage'
     yield ''
-    yield ("Lines and branches of the driver's folders that the tests run, natively and under Wine, as `tools/coverage.sh`"
-           ' counted them. Branches that only an exception takes are left out. Nothing in the sources is marked as'
-           ' excluded.')
+    yield ("Lines and branches of the driver's folders that the tests run, natively and under Wine, as"
+           ' `tools/coverage.sh` counted them. Branches that only an exception takes are left out. Nothing in the sources'
+           ' is marked as excluded.')
     yield ''
     yield '| folder | lines | branches |'
     yield '| --- | --- | --- |'
     for folder in FOLDERS:
         inside = [file for name, file in files.items() if folder_of(name) == folder]
         if inside:
-            yield f'| `{folder}/` | {share(total(inside, File.line_counts))} | {share(total(inside, File.branch_counts))} |'
-    everything = files.values()
-    yield f'| all | {share(total(everything, File.line_counts))} | {share(total(everything, File.branch_counts))} |'
+            yield row(f'`{folder}/`', inside)
+    yield row('all', files.values())
     yield ''
     yield '## What is not covered'
     yield ''
