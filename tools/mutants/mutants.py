@@ -7,30 +7,30 @@ import tomllib
 from collections import Counter
 from pathlib import Path
 
-from faults import mutants_of, mutated
-from tree import FOLDERS, Tree, copy_sources
+from faults import mutants_of
+from tree import FOLDERS, Tree
 
 ROOT = Path(__file__).resolve().parents[2]
+SCRATCH = ROOT / 'out' / 'mutants'
 SOURCES = re.compile(r'\.(cpp|h|hlsl)$')
 # The bodies of platform/ that stand in for Windows natively, and the program that compiles shaders, are not shipped.
 NOT_SHIPPED = re.compile(r'_posix\.cpp$|/compiler/')
 WINDOWS_ONLY = re.compile(r'_(win32|d3d11)\.|\.hlsl$|^driver/driver_factory')
-STATUSES = ['caught', 'survived', 'does not compile']
 
 
 def folder_of(file):
     return max((folder for folder in FOLDERS if file.startswith(folder + '/')), key=len)
 
 
-def draw(source, windows, seed):
+def draw(root, windows, seed):
     """One mutant of each line, in an order that depends on the seed and the lines alone: when other lines change, these
     come as before."""
     def order(*parts):
         return hashlib.sha256('\0'.join([str(seed), *parts]).encode()).hexdigest()
 
     lines, seen = {}, Counter()
-    for path in sorted(path for folder in FOLDERS for path in (source / folder).rglob('*')):
-        file = str(path.relative_to(source))
+    for path in sorted(path for folder in FOLDERS for path in (root / folder).rglob('*')):
+        file = str(path.relative_to(root))
         if not SOURCES.search(file) or NOT_SHIPPED.search(file) or windows != bool(WINDOWS_ONLY.search(file)):
             continue
         for mutant in mutants_of(file, path.read_text()):
@@ -85,33 +85,33 @@ def judge(tree, mutant):
         outcome = tree.run(test)
         # On a busy machine a test may fail by chance, twice hardly.
         if not outcome.passed and not tree.run(test).passed:
-            return 'caught', f'{tree.preset} {test.name} {outcome.what}'
+            return 'caught', f'{tree.name} {test.name} {outcome.what}'
     return 'survived', ''
 
 
 def try_out(trees, mutant):
     status, by = 'survived', ''
     for tree in trees:
-        tree.prepare()
-        path = tree.source / mutant.file
-        text = path.read_text()
-        path.write_text(mutated(text, mutant.fault))
-        try:
+        with tree.with_fault(mutant):
             status, by = judge(tree, mutant)
-        finally:
-            path.write_text(text)
         if status != 'survived':
             break
     print(f'{status}: {mutant.file}:{mutant.line}  {mutant.becomes}  {by and f"({by})"}', flush=True)
     return status, by
 
 
-def trees_of(source, scratch, windows):
+def trees_of(windows):
+    """The quickest first: most mutants are caught without sanitizers, and most of the time goes to the compiler. What they
+    let pass is tried with them, and then under Wine."""
+    native, wine = SCRATCH / 'native', SCRATCH / 'windows'
+    under_wine = Tree(wine, 'mingw-release', 'mingw-release', [], 'driver_ombrel', {'windows', 'gpu'},
+                      '^(install|shipped)_')
     if windows:
-        return [Tree(source, scratch / 'mingw-release', 'mingw-release', 'driver_ombrel', {'windows', 'gpu'},
-                     '^(install|shipped)_')]
-    return [Tree(source, scratch / 'host-asan', 'host-asan', 'ombrel_provider', {'native'}),
-            Tree(source, scratch / 'host-tsan', 'host-tsan', 'ombrel_provider', {'native'}, '^fuzz_')]
+        return [under_wine]
+    quick = ['-DCMAKE_CXX_FLAGS_DEBUG=-O0', '-DOMBREL_SANITIZE=undefined']
+    return [Tree(native, 'host-quick', 'host-asan', quick, 'ombrel_provider', {'native'}, '^fuzz_'),
+            Tree(native, 'host-asan', 'host-asan', [], 'ombrel_provider', {'native'}, '^$'),
+            Tree(native, 'host-tsan', 'host-tsan', [], 'ombrel_provider', {'native'}, '^fuzz_'), under_wine]
 
 
 def report(drawn, results, known):
@@ -145,17 +145,12 @@ def main():
         for mutant in draw(ROOT, chosen.windows, chosen.seed)[:chosen.count]:
             print(f'{mutant.file}:{mutant.line}\t{mutant.was}\t{mutant.becomes}')
         return True
-    scratch = ROOT / 'out' / 'mutants' / ('windows' if chosen.windows else 'native')
-    source = scratch / 'source'
-    source.mkdir(parents=True, exist_ok=True)
-    if copy_sources(ROOT, source):
-        for times in scratch.glob('*/times.json'):
-            times.unlink()
-    results = Results(scratch / f'seed{chosen.seed}.tsv')
+    SCRATCH.mkdir(parents=True, exist_ok=True)
+    results = Results(SCRATCH / f'{"windows" if chosen.windows else "native"}-seed{chosen.seed}.tsv')
     if chosen.again:
         results.forget('survived')
-    known, trees, counted = equivalents(), trees_of(source, scratch, chosen.windows), []
-    for mutant in draw(source, chosen.windows, chosen.seed):
+    known, trees, counted = equivalents(), trees_of(chosen.windows), []
+    for mutant in draw(ROOT, chosen.windows, chosen.seed):
         if len(counted) == chosen.count:
             break
         if mutant.name not in known and results.get(mutant) is None:

@@ -1,4 +1,6 @@
 """A scratch copy of the sources, its build, and the tests that can see a place of it."""
+import contextlib
+import fcntl
 import json
 import os
 import re
@@ -9,6 +11,8 @@ import subprocess
 import time
 from dataclasses import dataclass
 from pathlib import Path
+
+from faults import mutated
 
 FOLDERS = ['platform', 'driver/context', 'link', 'shaders', 'render', 'devices', 'hmd', 'driver']
 # A test that hangs is one that fails; one that is slow today is not.
@@ -21,8 +25,9 @@ NEAR = {
 }
 
 
-def copy_sources(root, scratch):
-    """Makes scratch hold what root's working tree holds; returns the files that were not the same."""
+def copy_sources(scratch):
+    """Makes scratch hold what the working tree holds; returns the files that were not the same."""
+    root = Path(__file__).resolve().parents[2]
     listed = subprocess.run(['git', 'ls-files', '-co', '--exclude-standard'], cwd=root, check=True, text=True,
                             capture_output=True).stdout.splitlines()
     wanted = {name for name in listed if (root / name).is_file()}
@@ -62,18 +67,37 @@ class Outcome:
 class Tree:
     """One build of the scratch sources. The driver is what the tests are built around."""
 
-    def __init__(self, source, build, preset, driver, labels, left_out='^$'):
-        self.source, self.build, self.preset, self.driver = source, build, preset, driver
-        self.labels, self.left_out = labels, re.compile(left_out)
+    def __init__(self, folder, name, preset, settings, driver, labels, left_out):
+        self.folder, self.source, self.build = folder, folder / 'source', folder / name
+        self.name, self.configure = name, ['--preset', preset, '-B', self.build, *settings]
+        self.driver, self.labels, self.left_out = driver, labels, re.compile(left_out)
         self.tests = []
 
-    def prepare(self):
+    @contextlib.contextmanager
+    def with_fault(self, mutant):
+        """No other run uses the folder meanwhile."""
+        self.source.mkdir(parents=True, exist_ok=True)
+        with (self.folder / 'lock').open('w') as lock:
+            fcntl.flock(lock, fcntl.LOCK_EX)
+            self._prepare()
+            path = self.source / mutant.file
+            text = path.read_text()
+            path.write_text(mutated(text, mutant.fault))
+            try:
+                yield
+            finally:
+                path.write_text(text)
+
+    def _prepare(self):
         """Once: builds what there is without a fault, and learns which tests pass and how long they take."""
         if self.tests:
             return
+        if copy_sources(self.source):
+            for times in self.folder.glob('*/times.json'):
+                times.unlink()
         # Without warnings: a fault often leaves something unused, which is not what is asked here.
-        subprocess.run(['cmake', '--preset', self.preset, '-B', self.build, '-DCMAKE_CXX_FLAGS=-w', '-Wno-dev',
-                        '--log-level=WARNING'], cwd=self.source, check=True, stdout=subprocess.DEVNULL)
+        subprocess.run(['cmake', *self.configure, '-DCMAKE_CXX_FLAGS=-w', '-Wno-dev', '--log-level=WARNING'],
+                       cwd=self.source, check=True, stdout=subprocess.DEVNULL)
         if not self.make(*[test.name for test in self._list()]):
             raise SystemExit(f'does not build without a fault either: see {self.build}/make.log')
         tests = list(self._list())
@@ -89,9 +113,9 @@ class Tree:
         """How long a test takes, or None for one that fails already."""
         for outcome in (self.run(test) for _ in range(2)):
             if outcome.passed:
-                print(f'  {self.preset} {test.name}: {outcome.seconds:.1f} s', flush=True)
+                print(f'  {self.name} {test.name}: {outcome.seconds:.1f} s', flush=True)
                 return outcome.seconds
-        print(f'  {self.preset} {test.name} FAILS WITHOUT A FAULT ({outcome.what}): left out', flush=True)
+        print(f'  {self.name} {test.name} FAILS WITHOUT A FAULT ({outcome.what}): left out', flush=True)
         return None
 
     def _list(self):
