@@ -1,23 +1,15 @@
 #include "companion/frame_reader.h"
 
-#include <cstring>
+#include <utility>
 
-#include "companion/clock.h"
+#include "base/clock.h"
 #include "sharing/sharing_device.h"
+#include "sharing/textures.h"
 
 namespace bench {
 namespace {
 
 constexpr UINT64 kKey = 0;
-
-// Shared handles travel as 32 bits and are widened with zeros.
-HANDLE Widen(std::uint32_t sharedHandle) {
-  HANDLE handle = nullptr;
-  const std::uint64_t wide = sharedHandle;
-  static_assert(sizeof(handle) == sizeof(wide));
-  std::memcpy(&handle, &wide, sizeof(handle));
-  return handle;
-}
 
 }  // namespace
 
@@ -51,21 +43,18 @@ void FrameReader::Close() {
 }
 
 HRESULT FrameReader::OpenTexture(std::size_t index, std::uint32_t sharedHandle) {
-  HRESULT result = device_->OpenSharedResource(Widen(sharedHandle), IID_PPV_ARGS(&textures_[index]));
-  if (SUCCEEDED(result)) result = textures_[index].As(&locks_[index]);
+  textures_[index] = bench::OpenTexture(*device_.Get(), sharedHandle);
+  if (!textures_[index]) return E_INVALIDARG;
+  locks_[index] = FindKeyedMutex(textures_[index].Get());
   // Nothing is ever drawn into it, so that giving it back need not copy it back.
-  if (SUCCEEDED(result)) result = MarkReadOnly(textures_[index].Get());
-  return result;
+  return locks_[index] ? MarkReadOnly(textures_[index].Get()) : E_NOINTERFACE;
 }
 
 HRESULT FrameReader::CreateCopyTarget() {
-  textures_[0]->GetDesc(&description_);
-  if (description_.Format != DXGI_FORMAT_R8G8B8A8_UNORM) return E_INVALIDARG;
-  D3D11_TEXTURE2D_DESC staging = description_;
-  staging.Usage = D3D11_USAGE_STAGING;
-  staging.BindFlags = 0;
-  staging.CPUAccessFlags = D3D11_CPU_ACCESS_READ;
-  staging.MiscFlags = 0;
+  D3D11_TEXTURE2D_DESC description{};
+  textures_[0]->GetDesc(&description);
+  if (description.Format != DXGI_FORMAT_R8G8B8A8_UNORM) return E_INVALIDARG;
+  const D3D11_TEXTURE2D_DESC staging = StagingDescription(description);
   return device_->CreateTexture2D(&staging, nullptr, &copy_);
 }
 
@@ -82,16 +71,12 @@ TurnResult FrameReader::Next(std::uint32_t timeoutMs, const std::function<bool(c
 }
 
 std::optional<Image> FrameReader::Pixels() {
-  D3D11_MAPPED_SUBRESOURCE mapped{};
-  if (!copy_ || FAILED(context_->Map(copy_.Get(), 0, D3D11_MAP_READ, 0, &mapped))) return std::nullopt;
-  Image image(static_cast<int>(description_.Width), static_cast<int>(description_.Height));
-  const std::size_t rowBytes = std::size_t{4} * description_.Width;
-  const auto* rows = static_cast<const std::uint8_t*>(mapped.pData);
-  for (std::size_t y = 0; y < description_.Height; ++y) {
-    std::memcpy(image.pixels.data() + y * rowBytes, rows + y * mapped.RowPitch, rowBytes);
-  }
-  context_->Unmap(copy_.Get(), 0);
-  return image;
+  if (!copy_) return std::nullopt;
+  D3D11_TEXTURE2D_DESC copy{};
+  copy_->GetDesc(&copy);
+  auto pixels = ReadStaging(*context_.Get(), copy_.Get(), 4 * copy.Width);
+  if (pixels.empty()) return std::nullopt;
+  return Image(static_cast<int>(copy.Width), static_cast<int>(copy.Height), std::move(pixels));
 }
 
 LockResult FrameReader::Acquire(int index, std::uint32_t timeoutMs) {

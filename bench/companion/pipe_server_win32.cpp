@@ -7,7 +7,7 @@
 #include <mutex>
 #include <thread>
 
-#include "companion/clock.h"
+#include "base/clock.h"
 #include "companion/message_assembler.h"
 #include "server_pipe_win32.h"
 

@@ -4,7 +4,7 @@
 #include <span>
 #include <string>
 
-#include "companion/owned_handle.h"
+#include "base/owned_handle.h"
 #include "companion/pipe_server.h"
 
 namespace bench {

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <numbers>
 
-#include "picture.h"
+#include "picture/drawing.h"
 
 namespace bench {
 namespace {

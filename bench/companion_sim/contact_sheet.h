@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "companion/image.h"
 #include "companion/rotation.h"
+#include "picture/image.h"
 
 namespace bench {
 

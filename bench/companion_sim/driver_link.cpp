@@ -1,6 +1,6 @@
 #include "driver_link.h"
 
-#include "companion/clock.h"
+#include "base/clock.h"
 
 namespace bench {
 namespace {

@@ -2,10 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
+
+#include "picture/comparison.h"
 
 namespace bench {
 namespace {
@@ -32,19 +33,6 @@ Expectation ParseOne(const json& item) {
     throw std::runtime_error("expectation of frame " + std::to_string(expectation.frame) + " that expects nothing");
   }
   return expectation;
-}
-
-std::string Words(const Rgba& colour) {
-  std::ostringstream text;
-  text << '(' << int{colour[0]} << ", " << int{colour[1]} << ", " << int{colour[2]} << ", " << int{colour[3]} << ')';
-  return text.str();
-}
-
-bool Near(const Rgba& left, const Rgba& right, int tolerance) {
-  for (std::size_t i = 0; i < left.size(); ++i) {
-    if (std::abs(int{left[i]} - int{right[i]}) > tolerance) return false;
-  }
-  return true;
 }
 
 std::string SlotDifference(const PoseSlot& expected, const PoseSlot& seen, float tolerance) {
@@ -121,26 +109,14 @@ bool Expectations::Complete() const {
 void ParseRegion(const json& item, Expectation& expectation) {
   expectation.hasRegion = item.contains("rgba");
   if (!expectation.hasRegion) return;
-  expectation.x = item.at("x").get<int>();
-  expectation.y = item.at("y").get<int>();
-  expectation.width = item.value("width", 1);
-  expectation.height = item.value("height", 1);
+  expectation.region = {item.at("x").get<int>(), item.at("y").get<int>(), item.value("width", 1),
+                        item.value("height", 1)};
   expectation.rgba = item.at("rgba").get<Rgba>();
   expectation.tolerance = item.value("tolerance", 0);
 }
 
 std::string RegionDifference(const Expectation& expectation, const Image& image) {
-  for (int y = expectation.y; y < expectation.y + expectation.height; ++y) {
-    for (int x = expectation.x; x < expectation.x + expectation.width; ++x) {
-      const std::string place = "pixel (" + std::to_string(x) + ", " + std::to_string(y) + ')';
-      if (!image.Holds(x, y)) return place + " lies outside the frame";
-      const Rgba seen = image.At(x, y);
-      if (Near(expectation.rgba, seen, expectation.tolerance)) continue;
-      return place + " is " + Words(seen) + ", expected " + Words(expectation.rgba) + " within " +
-             std::to_string(expectation.tolerance);
-    }
-  }
-  return {};
+  return FirstDifference(image, expectation.region, OneColour(expectation.rgba), expectation.tolerance);
 }
 
 }  // namespace bench

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "companion/image.h"
 #include "companion/pose_history.h"
 #include "nlohmann/json.hpp"
+#include "picture/comparison.h"
 
 namespace bench {
 
@@ -19,7 +19,7 @@ struct Expectation {
   std::uint64_t frame = 0;
 
   bool hasRegion = false;
-  int x = 0, y = 0, width = 1, height = 1;
+  Box region;
   Rgba rgba{};
   int tolerance = 0;  // largest difference of a channel
 

@@ -1,6 +1,6 @@
 #include "frame_log.h"
 
-#include "companion/clock.h"
+#include "base/clock.h"
 
 namespace bench {
 namespace {

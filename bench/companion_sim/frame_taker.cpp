@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "picture.h"
+#include "picture/drawing.h"
 
 namespace bench {
 namespace {

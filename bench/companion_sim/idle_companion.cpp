@@ -1,10 +1,11 @@
 // Does nothing, under whatever name it was copied to: for those who look processes up by name.
-// Ends with 42 when its standard input closes or the given number of seconds has passed (default 60).
 #include <windows.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <thread>
+
+#include "CLI/CLI.hpp"
 
 namespace {
 
@@ -13,7 +14,10 @@ constexpr int kEnded = 42;
 }  // namespace
 
 int main(int argc, char** argv) {
-  const double seconds = argc > 1 ? std::atof(argv[1]) : 60;
+  double seconds = 60;
+  CLI::App app("Does nothing until its standard input closes or its time is over, and ends with 42");
+  app.add_option("seconds", seconds, "How long")->capture_default_str();
+  CLI11_PARSE(app, argc, argv);
   std::puts("idle");
   std::fflush(stdout);
   std::thread([] {

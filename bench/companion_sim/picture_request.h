@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "companion/image.h"
 #include "expectations.h"
+#include "picture/image.h"
 
 namespace bench {
 

@@ -1,6 +1,6 @@
 #include "picture_writer.h"
 
-#include "picture.h"
+#include "picture/drawing.h"
 
 namespace bench {
 namespace {

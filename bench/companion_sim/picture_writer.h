@@ -7,7 +7,7 @@
 #include <mutex>
 #include <thread>
 
-#include "companion/image.h"
+#include "picture/image.h"
 
 namespace bench {
 

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <thread>
 
-#include "companion/statistics.h"
+#include "base/percentile.h"
 
 namespace bench {
 namespace {

@@ -6,10 +6,10 @@
 #include <string>
 #include <thread>
 
+#include "base/wait.h"
 #include "companion/tracking_update.h"
 #include "frame_companion.h"
 #include "runtime/msvc_calls.h"
-#include "runtime/wait.h"
 
 namespace bench::scenarios {
 namespace {

@@ -9,7 +9,7 @@
 #include <thread>
 
 #include "bare_outputs.h"
-#include "companion/owned_handle.h"
+#include "base/owned_handle.h"
 
 namespace bench::scenarios {
 

@@ -4,9 +4,9 @@
 #include <cstring>
 #include <string_view>
 
-#include "runtime/keyed_texture.h"
 #include "scene_shaders.h"
 #include "sharing/sharing_device.h"
+#include "sharing/textures.h"
 
 namespace bench::scenarios {
 namespace {
@@ -40,19 +40,6 @@ float4 PixelMain(Corner corner) : SV_TARGET {
 }
 )";
 
-D3D11_TEXTURE2D_DESC Description(UINT width, UINT height, UINT sharing) {
-  return {.Width = width,
-          .Height = height,
-          .MipLevels = 1,
-          .ArraySize = 1,
-          .Format = DXGI_FORMAT_R8G8B8A8_UNORM,
-          .SampleDesc = {.Count = 1, .Quality = 0},
-          .Usage = D3D11_USAGE_DEFAULT,
-          .BindFlags = D3D11_BIND_SHADER_RESOURCE | D3D11_BIND_RENDER_TARGET,
-          .CPUAccessFlags = 0,
-          .MiscFlags = sharing};
-}
-
 }  // namespace
 
 BareOutputs::BareOutputs() {
@@ -71,7 +58,7 @@ void BareOutputs::MakeShaders() {
 }
 
 void BareOutputs::MakeSource() {
-  const D3D11_TEXTURE2D_DESC desc = Description(kLayerWidth, kLayerHeight, 0);
+  const auto desc = TextureDescription(kLayerWidth, kLayerHeight, DXGI_FORMAT_R8G8B8A8_UNORM);
   ComPtr<ID3D11Texture2D> texture;
   RequireOk(device_->CreateTexture2D(&desc, nullptr, &texture), "making a layer");
   RequireOk(device_->CreateShaderResourceView(texture.Get(), nullptr, &source_), "making a layer's view");
@@ -88,7 +75,8 @@ bool BareOutputs::Make() {
 }
 
 bool BareOutputs::MakeOutput(Output& output) {
-  const D3D11_TEXTURE2D_DESC desc = Description(2 * kEyeWidth, kHeight, D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX);
+  const auto desc =
+      TextureDescription(2 * kEyeWidth, kHeight, DXGI_FORMAT_R8G8B8A8_UNORM, D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX);
   return device_->CreateTexture2D(&desc, nullptr, &output.texture) == S_OK &&
          output.texture.As(&output.mutex) == S_OK &&
          device_->CreateRenderTargetView(output.texture.Get(), nullptr, &output.view) == S_OK;
@@ -169,10 +157,7 @@ void BareOutputs::Clear() {
 }
 
 std::uint32_t BareOutputs::SharedHandle(std::size_t index) const {
-  ComPtr<IDXGIResource> resource;
-  HANDLE handle = nullptr;
-  if (FAILED(outputs_[index].texture.As(&resource)) || FAILED(resource->GetSharedHandle(&handle))) return 0;
-  return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(handle));
+  return bench::SharedHandle(outputs_[index].texture.Get());
 }
 
 }  // namespace bench::scenarios

@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "runtime/clock.h"
+#include "base/clock.h"
 
 namespace bench::scenarios {
 namespace {
@@ -46,7 +46,7 @@ constexpr std::array kBounds{
     CallBound{"GetTimeSinceLastVsync", 0},
 };
 
-double Milliseconds(std::int64_t beginTicks) { return runtime::TicksToMilliseconds(runtime::NowTicks() - beginTicks); }
+double Milliseconds(std::int64_t beginTicks) { return TicksToMilliseconds(NowTicks() - beginTicks); }
 
 std::string Describe(const CallBound& bound, double ms, const char* what) {
   std::array<char, 160> text{};
@@ -78,7 +78,7 @@ std::list<CallWatch::Running>::iterator CallWatch::Begin(const char* call) {
   const auto* bound = std::ranges::find(kBounds, std::string(call), &CallBound::call);
   if (bound == kBounds.end()) throw std::logic_error(std::string(call) + " has no bound");
   const std::lock_guard lock(mutex_);
-  return running_.insert(running_.end(), {bound, runtime::NowTicks()});
+  return running_.insert(running_.end(), {bound, NowTicks()});
 }
 
 void CallWatch::End(std::list<Running>::iterator running) {

@@ -5,13 +5,13 @@
 #include <future>
 #include <thread>
 
+#include "base/clock.h"
+#include "base/wait.h"
 #include "companion/controller_record.h"
 #include "companion/tracking_update.h"
 #include "failing_calls.h"
 #include "frame_companion.h"
-#include "runtime/clock.h"
 #include "runtime/keyed_texture.h"
-#include "runtime/wait.h"
 #include "silent_pipes.h"
 
 namespace bench::scenarios {
@@ -25,9 +25,9 @@ constexpr milliseconds kPatience{kPatienceMs};
 void EndDuring(ScenarioRun& run, DriverLife& life, std::future<void>& call) {
   const bool wasInside = call.wait_for(milliseconds(50)) == std::future_status::timeout;
   run.Check(wasInside, "the call waits when Cleanup begins");
-  const std::int64_t begin = runtime::NowTicks();
+  const std::int64_t begin = NowTicks();
   life.Cleanup();
-  const double ms = runtime::TicksToMilliseconds(runtime::NowTicks() - begin);
+  const double ms = TicksToMilliseconds(NowTicks() - begin);
   run.Check(call.wait_for(milliseconds(0)) == std::future_status::ready, "the call is out when Cleanup returns");
   call.wait();
   life.Unload();

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "companion/owned_handle.h"
+#include "base/child_process.h"
 
 namespace bench::scenarios {
 
@@ -13,22 +13,19 @@ class CompanionChild {
  public:
   // Throws std::runtime_error when the program cannot be started.
   CompanionChild(const std::string& program, const std::string& point);
-  ~CompanionChild() { Kill(); }
-  CompanionChild(const CompanionChild&) = delete;
-  CompanionChild& operator=(const CompanionChild&) = delete;
 
   // Whether it has come to its point.
   [[nodiscard]] bool HasArrived() const { return WaitUntilArrived(0); }
   [[nodiscard]] bool WaitUntilArrived(std::uint32_t timeoutMs) const;
   // Whether it went past the point before it was killed.
   [[nodiscard]] bool WentOn() const;
-  // Ends it on the spot, as a crash would, and returns when it is gone.
-  void Kill();
+  void Kill() { process_.Kill(); }
 
  private:
+  const std::string events_;
   OwnedHandle arrived_;
   OwnedHandle wentOn_;
-  OwnedHandle process_;
+  ChildProcess process_;
 };
 
 }  // namespace bench::scenarios

@@ -7,12 +7,12 @@
 #include <thread>
 #include <vector>
 
+#include "base/clock.h"
+#include "base/owned_handle.h"
+#include "base/percentile.h"
+#include "base/wait.h"
 #include "companion/controller_record.h"
-#include "companion/owned_handle.h"
-#include "companion/statistics.h"
 #include "frame_companion.h"
-#include "runtime/clock.h"
-#include "runtime/wait.h"
 
 namespace bench::scenarios {
 namespace {
@@ -62,7 +62,7 @@ class NumbersSeen {
 // Sends to each controller in turn, in bursts of one frame of the companion. Returns how many records went out.
 int SendFor(ScenarioRun& run, PipeServer& pipes, int seconds) {
   const int rounds = seconds * kRecordsASecond / static_cast<int>(kControllers);
-  const std::int64_t begin = runtime::NowTicks();
+  const std::int64_t begin = NowTicks();
   for (int round = 1; round <= rounds; ++round) {
     Bytes burst;
     for (std::uint32_t controller = 0; controller < kControllers; ++controller) {
@@ -71,7 +71,7 @@ int SendFor(ScenarioRun& run, PipeServer& pipes, int seconds) {
     }
     if (!run.Check(pipes.Send(burst), "the driver reads")) return 0;
     const double due = static_cast<double>(round) * kControllers / kRecordsASecond;
-    runtime::SleepUntilTicks(begin + runtime::SecondsToTicks(due));
+    SleepUntilTicks(begin + SecondsToTicks(due));
   }
   return rounds * static_cast<int>(kControllers);
 }
@@ -90,16 +90,16 @@ void AnnounceAll(ScenarioRun& run, DriverLife& life, PipeServer& pipes) {
 class FrameTimes {
  public:
   void Measure(DriverLife& life) {
-    const std::int64_t begin = runtime::NowTicks();
+    const std::int64_t begin = NowTicks();
     life.RunFrame();
-    const std::int64_t between = runtime::NowTicks();
+    const std::int64_t between = NowTicks();
     for (int call = 0; call < 4; ++call) {
       SetEvent(event_.Get());
       life.runtime.Journal().Append("floor", nlohmann::ordered_json::object());
     }
-    const std::int64_t end = runtime::NowTicks();
-    frames_.push_back(runtime::TicksToMilliseconds(between - begin));
-    floors_.push_back(runtime::TicksToMilliseconds(end - between));
+    const std::int64_t end = NowTicks();
+    frames_.push_back(TicksToMilliseconds(between - begin));
+    floors_.push_back(TicksToMilliseconds(end - between));
   }
   // Compares the first fifth with the last. Medians are those of the machine's other work as well: the frames that were
   // left alone tell, a tenth of all, beside the floor's.
@@ -139,9 +139,9 @@ void FortyControllers(ScenarioRun& run) {
   std::thread server([&] {
     while (!stop) {
       life.runtime.Host().PushHaptic(container, 1, 0.01F, 100, 1);
-      const std::int64_t begin = runtime::NowTicks();
+      const std::int64_t begin = NowTicks();
       times.Measure(life);
-      runtime::SleepUntilTicks(begin + runtime::SecondsToTicks(1.0 / 90));
+      SleepUntilTicks(begin + SecondsToTicks(1.0 / 90));
     }
   });
   const int sent = SendFor(run, pipes, run.Rounds(60, 2));

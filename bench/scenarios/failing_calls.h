@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "runtime/clock.h"
+#include "base/clock.h"
 #include "sharing/device_observer.h"
 #include "sharing/sharing_device.h"
 
@@ -50,7 +50,7 @@ class FailingCalls : public DeviceObserver {
 
   [[nodiscard]] std::optional<HRESULT> Answer(DeviceCall call) override {
     if (call == DeviceCall::kGetDeviceRemovedReason) return AnswerReason();
-    if (isNew_.exchange(false)) remadeTicks_ = runtime::NowTicks();
+    if (isNew_.exchange(false)) remadeTicks_ = NowTicks();
     const bool fails = seen_++ >= failAfter_ || static_cast<int>(call) == kind_;
     if (!fails || IsNewDevice(call)) return std::nullopt;
     ++failed_;

@@ -2,10 +2,10 @@
 
 #include <stdexcept>
 
+#include "base/clock.h"
+#include "base/wait.h"
 #include "companion/tracking_update.h"
-#include "runtime/clock.h"
 #include "runtime/keyed_texture.h"
-#include "runtime/wait.h"
 #include "sharing/sharing_device.h"
 
 namespace bench::scenarios {
@@ -145,11 +145,10 @@ bool CheckConnection(ScenarioRun& run, DriverLife& life, FrameCompanion& compani
 }
 
 void CheckNewCompanion(ScenarioRun& run, DriverLife& life) {
-  const std::int64_t begin = runtime::NowTicks();
+  const std::int64_t begin = NowTicks();
   FrameCompanion companion;
   if (!CheckConnection(run, life, companion)) return;
-  run.Figure("3 frames and a pose with a new companion after %.0f ms",
-             runtime::TicksToMilliseconds(runtime::NowTicks() - begin));
+  run.Figure("3 frames and a pose with a new companion after %.0f ms", TicksToMilliseconds(NowTicks() - begin));
 }
 
 }  // namespace bench::scenarios

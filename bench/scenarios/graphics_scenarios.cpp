@@ -9,11 +9,11 @@
 #include <string>
 #include <vector>
 
+#include "base/clock.h"
+#include "base/wait.h"
 #include "failing_calls.h"
 #include "frame_companion.h"
 #include "resources.h"
-#include "runtime/clock.h"
-#include "runtime/wait.h"
 
 namespace bench::scenarios {
 namespace {
@@ -172,7 +172,7 @@ double LoseDevice(ScenarioRun& run, DriverLife& life, FailingCalls& calls, std::
   if (!run.Check(companion->Connect(), "the driver connects when it has a device")) return 0;
   if (life.HasLayers()) life.RenewSwapSet();
   const std::string fault = PlayFrames(life, *companion, 1);
-  const double tookMs = runtime::TicksToMilliseconds(runtime::NowTicks() - calls.RemadeTicks());
+  const double tookMs = TicksToMilliseconds(NowTicks() - calls.RemadeTicks());
   run.Check(fault.empty(), "frames come from a new device: " + fault);
   run.Check(PoseArrives(life, companion->Pipes(), ++x), "poses arrive");
   return tookMs;

@@ -6,9 +6,9 @@
 #include <memory>
 #include <string>
 
+#include "base/wait.h"
 #include "companion/tracking_update.h"
 #include "frame_companion.h"
-#include "runtime/wait.h"
 
 namespace bench::scenarios {
 namespace {

@@ -5,13 +5,13 @@
 #include <memory>
 #include <string>
 
+#include "base/clock.h"
+#include "base/wait.h"
 #include "companion/controller_record.h"
 #include "companion/tracking_update.h"
 #include "frame_companion.h"
 #include "growth_control.h"
 #include "resources.h"
-#include "runtime/clock.h"
-#include "runtime/wait.h"
 
 namespace bench::scenarios {
 namespace {
@@ -78,7 +78,7 @@ void Messages(ScenarioRun& run) {
   const int rounds = run.Rounds(1'000'000, 20'000) / kInBlock / kBlocksInRound;
   Growth growth(rounds);
   float x = 0;
-  const std::int64_t begin = runtime::NowTicks();
+  const std::int64_t begin = NowTicks();
   for (int round = 1; round <= rounds && run.Failures().empty(); ++round) {
     for (int block = 0; block < kBlocksInRound; ++block) {
       run.Check(companion.Pipes().Send(MessageBlock(x)), "the driver reads");
@@ -88,7 +88,7 @@ void Messages(ScenarioRun& run) {
     life.RunFrame();
     growth.Sample(round);
   }
-  const double seconds = runtime::TicksToSeconds(runtime::NowTicks() - begin);
+  const double seconds = TicksToSeconds(NowTicks() - begin);
   run.Figure("%.0f messages a second", rounds * kInBlock * kBlocksInRound / seconds);
   growth.Judge(run, 2 * kMiB);
 }
@@ -104,14 +104,14 @@ void Frames(ScenarioRun& run) {
   if (!CheckConnection(run, life, companion)) return;
   const int rounds = run.Rounds(100'000, 60) / kFramesInRound;
   Growth growth(rounds);
-  const std::int64_t begin = runtime::NowTicks();
+  const std::int64_t begin = NowTicks();
   int frames = 0;
   PlayRounds(run, growth, rounds, [&] {
     const std::string fault = PlayFrames(life, companion, kFramesInRound);
     run.Check(fault.empty(), "frames come: " + fault);
     frames += kFramesInRound;
   });
-  const double seconds = runtime::TicksToSeconds(runtime::NowTicks() - begin);
+  const double seconds = TicksToSeconds(NowTicks() - begin);
   run.Figure("%d frames, %.0f a second", frames, frames / seconds);
   growth.Judge(run, 2 * kMiB + (run.isLong ? kBufferChunk : 0));
   if (run.isLong) run.Check(growth.BytesPerRound() <= kMostCreepBytes, "memory does not creep");

@@ -4,9 +4,9 @@
 #include <array>
 #include <thread>
 
+#include "base/wait.h"
 #include "companion_child.h"
 #include "frame_companion.h"
-#include "runtime/wait.h"
 
 namespace bench::scenarios {
 namespace {

@@ -10,9 +10,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include "base/clock.h"
 #include "companion_child.h"
 #include "driver_life.h"
-#include "runtime/clock.h"
 #include "scenario.h"
 
 namespace {
@@ -46,7 +46,7 @@ bool Play(const Scenario& scenario, const Options& options, CallWatch& calls) {
   if (!scenario.usesSharedLife) DriverLife::EndShared();
   std::printf("RUN   %s\n", scenario.name);
   std::fflush(stdout);
-  const std::int64_t begin = bench::runtime::NowTicks();
+  const std::int64_t begin = bench::NowTicks();
   try {
     scenario.play(run);
   } catch (const std::exception& error) {
@@ -57,7 +57,7 @@ bool Play(const Scenario& scenario, const Options& options, CallWatch& calls) {
   for (const std::string& late : calls.TakeLateCalls()) run.Check(false, late);
   for (const std::string& failure : run.Failures()) std::printf("      failed: %s\n", failure.c_str());
   for (const std::string& skipped : run.Skipped()) std::printf("      skipped: %s\n", skipped.c_str());
-  const double seconds = bench::runtime::TicksToSeconds(bench::runtime::NowTicks() - begin);
+  const double seconds = bench::TicksToSeconds(bench::NowTicks() - begin);
   std::printf("%s  %s (%.1f s): %s\n", run.Failures().empty() ? "PASS" : "FAIL", scenario.name, seconds,
               run.Figures().c_str());
   std::fflush(stdout);

@@ -9,10 +9,10 @@
 #include <stdexcept>
 #include <string>
 
+#include "base/wait.h"
 #include "companion/controller_record.h"
 #include "companion/tracking_update.h"
 #include "frame_companion.h"
-#include "runtime/wait.h"
 #include "sharing/import_patch.h"
 
 namespace bench::scenarios {

@@ -7,11 +7,11 @@
 #include <random>
 #include <thread>
 
+#include "base/clock.h"
+#include "base/wait.h"
 #include "companion/controller_record.h"
 #include "companion/tracking_update.h"
 #include "frame_companion.h"
-#include "runtime/clock.h"
-#include "runtime/wait.h"
 #include "silent_pipes.h"
 
 namespace bench::scenarios {
@@ -64,13 +64,12 @@ void SecondPipeLate(ScenarioRun& run) {
   DriverLife& life = DriverLife::Shared(run);
   for (const int delayMs : {1, 149, 151, 260, run.Rounds(10'000, 600)}) {
     PipeServer pipes({.secondPipeDelayMs = static_cast<std::uint32_t>(delayMs)});
-    const std::int64_t begin = runtime::NowTicks();
+    const std::int64_t begin = NowTicks();
     run.Check(WaitUntil([&] { return pipes.Open(); }, kPatience), "the pipes can be made");
     auto connected = std::async(std::launch::async, [&] { return pipes.WaitForConnection(kPatienceMs); });
     while (connected.wait_for(milliseconds(0)) != std::future_status::ready) PlayFor(life, milliseconds(10));
     run.Check(connected.get(), "the driver connects");
-    run.Figure("%d ms late: connected after %.0f ms", delayMs,
-               runtime::TicksToMilliseconds(runtime::NowTicks() - begin));
+    run.Figure("%d ms late: connected after %.0f ms", delayMs, TicksToMilliseconds(NowTicks() - begin));
   }
   CheckNewCompanion(run, life);
 }
@@ -156,10 +155,10 @@ void EmptyWrites(ScenarioRun& run) {
     }
   });
   PlayFor(life, milliseconds(500));
-  const std::int64_t begin = runtime::NowTicks();
+  const std::int64_t begin = NowTicks();
   life.Cleanup();
-  run.Figure("Cleanup after %.0f ms, with %d empty writes taken",
-             runtime::TicksToMilliseconds(runtime::NowTicks() - begin), writes.load());
+  run.Figure("Cleanup after %.0f ms, with %d empty writes taken", TicksToMilliseconds(NowTicks() - begin),
+             writes.load());
   run.Check(writes > 0, "empty writes are taken");
   stop = true;
   writer.join();
@@ -180,9 +179,9 @@ void NotReading(ScenarioRun& run) {
     auto presents = std::async(std::launch::async, [&] {
       for (int frame = 0; frame < 3; ++frame) life.Present();
     });
-    const std::int64_t begin = runtime::NowTicks();
+    const std::int64_t begin = NowTicks();
     life.RunFrame();
-    const double ms = runtime::TicksToMilliseconds(runtime::NowTicks() - begin);
+    const double ms = TicksToMilliseconds(NowTicks() - begin);
     run.Figure("RunFrame with 20 pulses %.0f ms", ms);
     run.Check(ms < kNobodyWaitsMs, "RunFrame does not wait for the companion");
     run.Check(life.runtime.Host().QueuedEvents() == 0, "RunFrame takes all events");

@@ -3,13 +3,14 @@
 
 #include <array>
 #include <future>
+#include <stdexcept>
 #include <string>
 
+#include "base/clock.h"
+#include "base/wait.h"
 #include "companion/messages.h"
 #include "frame_companion.h"
-#include "runtime/clock.h"
 #include "runtime/keyed_texture.h"
-#include "runtime/wait.h"
 
 namespace bench::scenarios {
 namespace {
@@ -20,9 +21,9 @@ constexpr std::array<std::uint32_t, 4> kRates{0, 1, 0x80000000U, 0xFFFFFFFFU};
 
 template <typename Body>
 double TimeMs(Body body) {
-  const std::int64_t begin = runtime::NowTicks();
+  const std::int64_t begin = NowTicks();
   body();
-  return runtime::TicksToMilliseconds(runtime::NowTicks() - begin);
+  return TicksToMilliseconds(NowTicks() - begin);
 }
 
 // The texture that the driver is to take next, held from its companion's side.
@@ -30,8 +31,8 @@ class HeldOutputs {
  public:
   explicit HeldOutputs(const FrameSharingInfo& info) {
     for (std::size_t i = 0; i < textures_.size(); ++i) {
-      const auto handle = reinterpret_cast<HANDLE>(static_cast<std::uintptr_t>(info.sharedHandles[i]));
-      RequireOk(CompanionDevice()->OpenSharedResource(handle, IID_PPV_ARGS(&textures_[i])), "opening an output");
+      textures_[i] = OpenTexture(*CompanionDevice().Get(), info.sharedHandles[i]);
+      if (!textures_[i]) throw std::runtime_error("an output that cannot be opened");
       RequireOk(textures_[i].As(&mutexes_[i]), "finding its mutex");
     }
   }

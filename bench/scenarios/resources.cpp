@@ -11,10 +11,10 @@
 #include <stdexcept>
 #include <string>
 
-#include "companion/owned_handle.h"
+#include "base/clock.h"
+#include "base/owned_handle.h"
 #include "driver_life.h"
 #include "handle_count.h"
-#include "runtime/clock.h"
 #include "sharing/counters.h"
 #include "sharing/import_patch.h"
 
@@ -147,11 +147,11 @@ void Growth::Judge(ScenarioRun& run, std::int64_t allowedBytes) const {
 
 void PlayRounds(ScenarioRun& run, Growth& growth, int rounds, const std::function<void()>& play) {
   constexpr double kLongestSeconds = 1200;
-  const std::int64_t begin = runtime::NowTicks();
+  const std::int64_t begin = NowTicks();
   for (int round = 1; round <= rounds && run.Failures().empty(); ++round) {
     play();
     growth.Sample(round);
-    if (runtime::TicksToSeconds(runtime::NowTicks() - begin) > kLongestSeconds) {
+    if (TicksToSeconds(NowTicks() - begin) > kLongestSeconds) {
       run.Skip("rounds " + std::to_string(round + 1) + " to " + std::to_string(rounds) + ": they would take too long");
       return;
     }

@@ -6,7 +6,7 @@
 #include <span>
 #include <string>
 
-#include "companion/owned_handle.h"
+#include "base/owned_handle.h"
 
 namespace bench::scenarios {
 

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 #include <cstring>
+#include <stdexcept>
+#include <string>
 
 namespace bench {
 
@@ -29,20 +31,31 @@ bool IsNamed(HMODULE module, const IMAGE_THUNK_DATA64& name, const char* functio
 
 }  // namespace
 
-bool ReplaceImport(HMODULE module, const char* library, const char* function, void* replacement) {
+bool ReplaceImport(HMODULE module, const char* library, const char* function, void* replacement, void** original) {
   const IMAGE_IMPORT_DESCRIPTOR* import = FirstImport(module);
   if (import == nullptr) return false;
   bool replaced = false;
   for (; import->Name != 0; ++import) {
-    if (_stricmp(At<const char>(module, import->Name), library) != 0) continue;
+    if (library != nullptr && _stricmp(At<const char>(module, import->Name), library) != 0) continue;
     const auto* name = At<const IMAGE_THUNK_DATA64>(module, import->OriginalFirstThunk);
     auto* address = At<IMAGE_THUNK_DATA64>(module, import->FirstThunk);
     for (; name->u1.AddressOfData != 0; ++name, ++address) {
       if (!IsNamed(module, *name, function)) continue;
-      replaced = WriteProtected(reinterpret_cast<void**>(&address->u1.Function), replacement) || replaced;
+      auto* const slot = reinterpret_cast<void**>(&address->u1.Function);
+      if (original != nullptr) *original = *slot;
+      replaced = WriteProtected(slot, replacement) || replaced;
     }
   }
   return replaced;
 }
+
+ImportPatch::ImportPatch(HMODULE module, const char* library, const char* function, void* replacement)
+    : module_(module), library_(library), function_(function) {
+  if (!ReplaceImport(module, library, function, replacement, &original_)) {
+    throw std::runtime_error(std::string("no import of ") + function);
+  }
+}
+
+ImportPatch::~ImportPatch() { static_cast<void>(ReplaceImport(module_, library_, function_, original_)); }
 
 }  // namespace bench

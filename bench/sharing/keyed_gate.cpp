@@ -47,8 +47,8 @@ class Deadline {
 // What one look at the record gave: a result, or what to wait for before the next look.
 struct KeyedGate::Attempt {
   std::optional<HRESULT> result;
-  WinHandle released;
-  WinHandle ownerProcess;
+  OwnedHandle released;
+  OwnedHandle ownerProcess;
 
   void Wait(std::chrono::milliseconds limit) const {
     const std::array handles{released.Get(), ownerProcess.Get()};
@@ -94,7 +94,7 @@ KeyedGate::Attempt KeyedGate::Try(std::uint64_t key) {
     return attempt;
   }
   // Reset under the guard, where nothing is to be had: a release after this sets it again.
-  attempt.released = WinHandle(CreateEventA(nullptr, TRUE, FALSE, EventName(key).c_str()));
+  attempt.released = OwnedHandle(CreateEventA(nullptr, TRUE, FALSE, EventName(key).c_str()));
   ResetEvent(attempt.released.Get());
   return attempt;
 }
@@ -138,7 +138,7 @@ std::string KeyedGate::EventName(std::uint64_t key) const { return name_ + ".key
 
 // An event exists only while somebody waits for that key.
 void KeyedGate::Wake(std::uint64_t key) const {
-  const WinHandle event(OpenEventA(EVENT_MODIFY_STATE, FALSE, EventName(key).c_str()));
+  const OwnedHandle event(OpenEventA(EVENT_MODIFY_STATE, FALSE, EventName(key).c_str()));
   if (event) SetEvent(event.Get());
 }
 

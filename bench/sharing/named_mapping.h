@@ -1,6 +1,6 @@
 #pragma once
 
-#include "win_handle.h"
+#include "base/owned_handle.h"
 
 #include <cstddef>
 #include <optional>
@@ -26,10 +26,10 @@ class NamedMapping {
   [[nodiscard]] std::byte* Data() const { return view_; }
 
  private:
-  NamedMapping(WinHandle mapping, std::byte* view);
-  static std::optional<NamedMapping> Map(WinHandle mapping);
+  NamedMapping(OwnedHandle mapping, std::byte* view);
+  static std::optional<NamedMapping> Map(OwnedHandle mapping);
 
-  WinHandle mapping_;
+  OwnedHandle mapping_;
   std::byte* view_;
 };
 

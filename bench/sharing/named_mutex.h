@@ -1,6 +1,6 @@
 #pragma once
 
-#include "win_handle.h"
+#include "base/owned_handle.h"
 
 #include <string>
 
@@ -16,7 +16,7 @@ class NamedMutex {
   void unlock() { ReleaseMutex(mutex_.Get()); }
 
  private:
-  WinHandle mutex_;
+  OwnedHandle mutex_;
 };
 
 }  // namespace bench

@@ -18,7 +18,7 @@ std::uint64_t StartTime(HANDLE process) {
 ProcessIdentity CurrentProcessIdentity() { return {GetCurrentProcessId(), StartTime(GetCurrentProcess())}; }
 
 ProcessWatch::ProcessWatch(const ProcessIdentity& identity) {
-  WinHandle opened(OpenProcess(SYNCHRONIZE | PROCESS_QUERY_LIMITED_INFORMATION, FALSE, identity.id));
+  OwnedHandle opened(OpenProcess(SYNCHRONIZE | PROCESS_QUERY_LIMITED_INFORMATION, FALSE, identity.id));
   if (!opened) {
     alive = GetLastError() == ERROR_ACCESS_DENIED;
     return;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "win_handle.h"
+#include "base/owned_handle.h"
 
 #include <cstdint>
 
@@ -20,7 +20,7 @@ struct ProcessWatch {
   explicit ProcessWatch(const ProcessIdentity& identity);
 
   bool alive = false;
-  WinHandle process;
+  OwnedHandle process;
 };
 
 }  // namespace bench

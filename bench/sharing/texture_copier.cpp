@@ -1,6 +1,7 @@
 #include "texture_copier.h"
 
 #include "group_state.h"
+#include "sharing/textures.h"
 
 #include <cstring>
 
@@ -23,19 +24,6 @@ void CopyRows(Rows to, const std::byte* from, std::size_t fromPitch, const Surfa
   for (std::uint32_t row = 0; row < format.height; ++row) {
     std::memcpy(to.start + row * to.pitch, from + row * fromPitch, format.rowBytes);
   }
-}
-
-D3D11_TEXTURE2D_DESC StagingDescription(const SurfaceFormat& format) {
-  return {.Width = format.width,
-          .Height = format.height,
-          .MipLevels = 1,
-          .ArraySize = 1,
-          .Format = static_cast<DXGI_FORMAT>(format.format),
-          .SampleDesc = {.Count = 1, .Quality = 0},
-          .Usage = D3D11_USAGE_STAGING,
-          .BindFlags = 0,
-          .CPUAccessFlags = D3D11_CPU_ACCESS_READ | D3D11_CPU_ACCESS_WRITE,
-          .MiscFlags = 0};
 }
 
 }  // namespace
@@ -71,7 +59,9 @@ ComPtr<ID3D11DeviceContext> TextureCopier::Prepare() {
   ComPtr<ID3D11Device> device;
   texture_->GetDevice(&device);
   if (staging_ == nullptr) {
-    const D3D11_TEXTURE2D_DESC description = StagingDescription(format_);
+    auto description =
+        StagingDescription(TextureDescription(format_.width, format_.height, static_cast<DXGI_FORMAT>(format_.format)));
+    description.CPUAccessFlags |= D3D11_CPU_ACCESS_WRITE;
     if (FAILED(device->CreateTexture2D(&description, nullptr, &staging_))) return nullptr;
   }
   ComPtr<ID3D11DeviceContext> context;

@@ -4,6 +4,7 @@
 #include "keyed_mutex.h"
 #include "shared_resource.h"
 #include "shared_texture.h"
+#include "sharing/textures.h"
 #include "vtable_patch.h"
 
 #include <array>
@@ -96,16 +97,10 @@ void FillWithPattern(SharedSurface& surface) {
 }
 
 D3D11_TEXTURE2D_DESC DescriptionOf(const SurfaceFormat& format) {
-  return {.Width = format.width,
-          .Height = format.height,
-          .MipLevels = 1,
-          .ArraySize = 1,
-          .Format = static_cast<DXGI_FORMAT>(format.format),
-          .SampleDesc = {.Count = 1, .Quality = 0},
-          .Usage = D3D11_USAGE_DEFAULT,
-          .BindFlags = format.bindFlags,
-          .CPUAccessFlags = 0,
-          .MiscFlags = format.miscFlags};
+  auto description =
+      TextureDescription(format.width, format.height, static_cast<DXGI_FORMAT>(format.format), format.miscFlags);
+  description.BindFlags = format.bindFlags;
+  return description;
 }
 
 }  // namespace

@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <stdexcept>
 
+#include "base/owned_handle.h"
 #include "clocks.h"
-#include "companion/owned_handle.h"
 
 namespace bench::speed {
 

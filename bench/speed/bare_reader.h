@@ -10,7 +10,7 @@
 #include <thread>
 #include <vector>
 
-#include "companion/owned_handle.h"
+#include "base/owned_handle.h"
 #include "companion/pipe_server.h"
 
 namespace bench::speed {

@@ -1,23 +1,20 @@
-// A companion that lives up to a given point and then waits to be killed: Ombrel.exe POINT EVENTS PARENT. It sets the
-// event EVENTS_arrived when it is there, and EVENTS_went_on if the driver went past the point. Ends with the process
-// PARENT in any case.
+// A companion that lives up to a given point and then waits to be killed. It sets the event EVENTS_arrived when it is
+// there, and EVENTS_went_on if the driver went past the point. Ends with its standard input in any case.
 #include <windows.h>
 
-#include <wrl/client.h>
-
-#include <array>
-#include <cstdlib>
+#include <cstdio>
 #include <functional>
 #include <map>
 #include <string>
 #include <thread>
 
-#include <d3d11.h>
+#include <CLI/CLI.hpp>
 
 #include "companion/controller_record.h"
 #include "companion/pipe_server.h"
 #include "companion/tracking_update.h"
 #include "sharing/sharing_device.h"
+#include "sharing/textures.h"
 #include "silent_pipes.h"
 
 namespace {
@@ -64,11 +61,9 @@ void HoldingTexture() {
   const auto message = pipes.Next(kPatienceMs);
   const auto info = message ? bench::DecodeFrameSharingInfo(message->message.payload) : std::nullopt;
   if (!info) return;
-  ComPtr<ID3D11Texture2D> texture;
-  ComPtr<IDXGIKeyedMutex> mutex;
-  const auto handle = reinterpret_cast<HANDLE>(static_cast<std::uintptr_t>(info->sharedHandles[0]));
-  if (device->OpenSharedResource(handle, IID_PPV_ARGS(&texture)) != S_OK || texture.As(&mutex) != S_OK) return;
-  if (mutex->AcquireSync(0, kPatienceMs) == S_OK) Arrive();
+  const auto texture = bench::OpenTexture(*device.Get(), info->sharedHandles[0]);
+  const auto mutex = texture ? bench::FindKeyedMutex(texture.Get()) : nullptr;
+  if (mutex && mutex->AcquireSync(0, kPatienceMs) == S_OK) Arrive();
 }
 
 // A controller is known, and nobody reads what the driver writes to it.
@@ -88,20 +83,21 @@ const std::map<std::string, std::function<void()>> kPoints{
     {"not_reading", NotReading},
 };
 
-void EndWith(DWORD parentId) {
-  const bench::OwnedHandle parent(OpenProcess(SYNCHRONIZE, FALSE, parentId));
-  WaitForSingleObject(parent.Get(), INFINITE);
+void EndWithInput() {
+  while (std::getchar() != EOF) {
+  }
   TerminateProcess(GetCurrentProcess(), 1);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc < 4) return 2;
-  const auto point = kPoints.find(argv[1]);
-  if (point == kPoints.end()) return 2;
-  events = argv[2];
-  std::thread(EndWith, static_cast<DWORD>(std::strtoul(argv[3], nullptr, 10))).detach();
-  point->second();
+  std::string point;
+  CLI::App app("A companion that lives up to a point and then waits to be killed");
+  app.add_option("point", point, "where it stops")->required()->check(CLI::IsMember(kPoints));
+  app.add_option("events", events, "what the names of its events begin with")->required();
+  CLI11_PARSE(app, argc, argv);
+  std::thread(EndWithInput).detach();
+  kPoints.at(point)();
   return 1;
 }

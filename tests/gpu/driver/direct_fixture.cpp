@@ -11,18 +11,12 @@ vr::IVRDriverDirectModeComponent& DirectTest::Direct() const {
   return *static_cast<vr::IVRDriverDirectModeComponent*>(component);
 }
 
-DirectTest::SwapSet DirectTest::CreateSwapSet(std::uint32_t pid, std::uint32_t width, std::uint32_t height,
-                                              std::uint32_t format, std::uint32_t samples) {
-  const vr::IVRDriverDirectModeComponent::SwapTextureSetDesc_t desc{width, height, format, samples};
-  vr::SharedTextureHandle_t handles[3]{};
-  Direct().CreateSwapTextureSet(pid, &desc, &handles);
-  return {handles[0], handles[1], handles[2]};
-}
-
 vr::SharedTextureHandle_t DirectTest::MakeEye(const Painter& painter) {
-  const auto handle = CreateSwapSet()[0];
-  application.Paint(handle, painter);
-  return handle;
+  const vr::IVRDriverDirectModeComponent::SwapTextureSetDesc_t desc{32, 24, kFormat, 1};
+  vr::SharedTextureHandle_t handles[3]{};
+  Direct().CreateSwapTextureSet(1, &desc, &handles);
+  application.Paint(handles[0], painter);
+  return handles[0];
 }
 
 void DirectTest::SubmitLayer(vr::SharedTextureHandle_t left, vr::SharedTextureHandle_t right,
@@ -41,16 +35,6 @@ bool DirectTest::HandOver(vr::SharedTextureHandle_t syncTexture) {
       [&] {
         Direct().Present(syncTexture);
         return OutputsReleased() > before;
-      },
-      kPatience);
-}
-
-bool DirectTest::WaitForLinkDown() {
-  return bench::WaitUntil(
-      [&] {
-        const std::size_t before = OutputsReleased();
-        Direct().Present(0);
-        return OutputsReleased() == before;
       },
       kPatience);
 }

@@ -9,15 +9,12 @@ namespace ombrel::test {
 // A headset that gets its frames in layers.
 class DirectTest : public DriverTest {
  protected:
-  using SwapSet = std::array<vr::SharedTextureHandle_t, 3>;
   static constexpr vr::VRTextureBounds_t kWholeTexture{0.0F, 0.0F, 1.0F, 1.0F};
 
   DirectTest() : DriverTest(0) {}
 
   [[nodiscard]] vr::IVRDriverDirectModeComponent& Direct() const;
 
-  SwapSet CreateSwapSet(std::uint32_t pid = 1, std::uint32_t width = 32, std::uint32_t height = 24,
-                        std::uint32_t format = kFormat, std::uint32_t samples = 1);
   // A texture of a new set, painted.
   vr::SharedTextureHandle_t MakeEye(const Painter& painter);
   vr::SharedTextureHandle_t MakeEye(const bench::Rgba& rgba) { return MakeEye(OneColour(rgba)); }
@@ -32,8 +29,6 @@ class DirectTest : public DriverTest {
   // Presents until the driver hands a frame to the companion: once while streaming is under way, more often while a
   // connection is being set up. False when that takes too long.
   [[nodiscard]] bool HandOver(vr::SharedTextureHandle_t syncTexture = 0);
-  // Presents until the driver has noticed that the companion is gone. False when that takes too long.
-  [[nodiscard]] bool WaitForLinkDown();
 
   // A pose unlike those of other numbers, and how the companion finds it beside a frame.
   [[nodiscard]] static vr::HmdMatrix34_t PoseNumber(int number);

@@ -1,7 +1,6 @@
 #include "driver_fixture.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -85,7 +84,7 @@ bench::FrameSharingInfo DriverTest::TakeAnnouncement(milliseconds timeout) {
   Require(message && message->Is(bench::MessageType::FrameSharingInfo), "waiting for the announcement");
   const auto info = bench::DecodeFrameSharingInfo(message->payload);
   Require(info.has_value(), "reading the announcement");
-  companion->AttachAnnounced(*info);
+  companion->Attach({info->sharedHandles[0], info->sharedHandles[1]}, info->name);
   return *info;
 }
 
@@ -114,13 +113,6 @@ Area EyeMiddle(int eye, const bench::Rgba& rgba, int tolerance) {
           .height = 600 - 2 * kRim,
           .rgba = rgba,
           .tolerance = tolerance};
-}
-
-bench::Rgba Encoded(const bench::Rgba& linear) {
-  const auto encode = [](std::uint8_t level) {
-    return static_cast<std::uint8_t>(std::lround(255.0 * std::pow(level / 255.0, 1.0 / 2.2)));
-  };
-  return {encode(linear[0]), encode(linear[1]), encode(linear[2]), 255};
 }
 
 }  // namespace ombrel::test

@@ -9,14 +9,15 @@
 #include <string>
 #include <vector>
 
+#include "base/wait.h"
 #include "companion/tracking_update.h"
+#include "gpu_support/colours.h"
 #include "gpu_support/companion.h"
 #include "gpu_support/recorded_calls.h"
 #include "gpu_support/runtime_side.h"
 #include "runtime/driver_module.h"
 #include "runtime/fake_runtime.h"
 #include "runtime/msvc_calls.h"
-#include "runtime/wait.h"
 
 namespace ombrel::test {
 
@@ -73,10 +74,5 @@ class DriverTest : public testing::Test {
 
 // An area of an eye's half of the output, away from its rim.
 [[nodiscard]] Area EyeMiddle(int eye, const bench::Rgba& rgba, int tolerance = 0);
-// A linear colour as the companion sees it, computed in double precision.
-[[nodiscard]] bench::Rgba Encoded(const bench::Rgba& linear);
-
-inline constexpr bench::Rgba kRed{255, 0, 0, 255}, kGreen{0, 255, 0, 255}, kBlue{0, 0, 255, 255},
-    kWhite{255, 255, 255, 255}, kBlack{0, 0, 0, 255};
 
 }  // namespace ombrel::test

@@ -1,7 +1,7 @@
 // Somebody else has made a memory block of the name that the driver is going to use.
 #include <future>
 
-#include "companion/owned_handle.h"
+#include "base/owned_handle.h"
 #include "companion/shared_block.h"
 #include "direct_fixture.h"
 

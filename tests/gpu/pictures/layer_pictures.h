@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "companion/image.h"
+#include "picture/image.h"
 
 namespace ombrel::test {
 

@@ -1,3 +1,5 @@
+#include <string>
+
 #include "renderer_fixture.h"
 
 namespace ombrel::test {
@@ -17,8 +19,10 @@ class CopyTest : public RendererPixelTest {
   }
 };
 
-TEST_F(CopyTest, AFinishedFrameArrivesPixelForPixel) {
-  const auto frame = MakeFrame(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX);
+class FrameKindTest : public CopyTest, public testing::WithParamInterface<UINT> {};
+
+TEST_P(FrameKindTest, AFinishedFrameArrivesPixelForPixel) {
+  const auto frame = MakeFrame(GetParam());
   runtime.Paint(frame, Pattern(0x5A));
   ASSERT_TRUE(renderer->AcquireOutput(1, kTimeoutMs));
   ASSERT_TRUE(renderer->CopyToOutput(frame.handle, 1, true, kTimeoutMs));
@@ -26,14 +30,8 @@ TEST_F(CopyTest, AFinishedFrameArrivesPixelForPixel) {
   EXPECT_THAT(Look({{"all", 0, 0, 2 * kEyeWidth, kEyeHeight, {}, 0x5A}}, 1), IsEmpty());
 }
 
-TEST_F(CopyTest, AFrameWithoutKeyedMutexArrivesToo) {
-  const auto frame = MakeFrame(D3D11_RESOURCE_MISC_SHARED);
-  runtime.Paint(frame, Pattern(0x11));
-  ASSERT_TRUE(renderer->AcquireOutput(0, kTimeoutMs));
-  ASSERT_TRUE(renderer->CopyToOutput(frame.handle, 0, true, kTimeoutMs));
-  ASSERT_TRUE(renderer->ReleaseOutput(0));
-  EXPECT_THAT(Look({{"all", 0, 0, 2 * kEyeWidth, kEyeHeight, {}, 0x11}}), IsEmpty());
-}
+INSTANTIATE_TEST_SUITE_P(WithAKeyedMutexAndWithout, FrameKindTest,
+                         testing::Values(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX, D3D11_RESOURCE_MISC_SHARED));
 
 TEST_F(CopyTest, NothingIsCopiedIntoAnOutputThatIsNotHeld) {
   const auto frame = MakeFrame(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX);
@@ -53,9 +51,17 @@ TEST_F(CopyTest, AFrameThatIsHeldElsewhereIsWaitedForAndGivenUp) {
   EXPECT_THAT(calls.Of<Copied>(), SizeIs(0));
 }
 
-TEST_F(CopyTest, AFrameIsGivenBackAfterwards) {
+TEST_F(CopyTest, AFrameIsHeldWhileItIsCopiedAndGivenBack) {
   const auto frame = MakeFrame(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX);
+  calls.Clear();
   ASSERT_TRUE(renderer->CopyToOutput(frame.handle, 0, true, kTimeoutMs));
+  std::string order;
+  for (const RecordedCall& call : calls.All()) {
+    if (std::holds_alternative<Acquired>(call)) order += 'a';
+    if (std::holds_alternative<Copied>(call)) order += 'c';
+    if (const auto* released = std::get_if<Released>(&call)) order += released->key == 0 ? 'r' : '!';
+  }
+  EXPECT_EQ(order, "acr");
   EXPECT_EQ(frame.keyedMutex->AcquireSync(0, 0), S_OK);
 }
 
@@ -80,6 +86,19 @@ TEST_F(CopyTest, ASyncTextureThatIsHeldElsewhereIsNotHad) {
   EXPECT_EQ(calls.Of<Acquired>().back().timeoutMs, 3u);
   renderer->ReleaseSyncTexture();
   EXPECT_EQ(sync.keyedMutex->ReleaseSync(0), S_OK);
+}
+
+TEST_F(CopyTest, AnAbandonedSyncTextureIsNotHadEither) {
+  const auto sync = MakeFrame(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX);
+  calls.Fail(bench::DeviceCall::kAcquireSync, static_cast<HRESULT>(WAIT_ABANDONED));
+  EXPECT_FALSE(renderer->AcquireSyncTexture(sync.handle, kTimeoutMs));
+  EXPECT_FALSE(renderer->CopyToOutput(sync.handle, 0, true, kTimeoutMs));
+  EXPECT_THAT(calls.Of<Copied>(), SizeIs(0));
+}
+
+TEST_F(CopyTest, ASyncTextureThatCannotBeOpenedNeedsNoHold) {
+  EXPECT_TRUE(renderer->AcquireSyncTexture(0x7777, kTimeoutMs));
+  EXPECT_THAT(calls.Of<Acquired>(), SizeIs(0));
 }
 
 TEST_F(CopyTest, ASyncTextureWithoutKeyedMutexNeedsNoHold) {

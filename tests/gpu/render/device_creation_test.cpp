@@ -1,18 +1,12 @@
 #include <d3d11.h>
 #include <dxgi.h>
 
-#include <deque>
 #include <string>
+#include <vector>
 
 #include "fake_adapters.h"
-#include "import_replacement.h"
 #include "renderer_fixture.h"
-
-// The table entries of this program's imports.
-extern "C" {
-extern void* __imp_D3D11CreateDevice;  // NOLINT(bugprone-reserved-identifier)
-extern void* __imp_CreateDXGIFactory;  // NOLINT(bugprone-reserved-identifier)
-}
+#include "sharing/import_patch.h"
 
 namespace ombrel::test {
 namespace {
@@ -52,8 +46,10 @@ class DeviceCreationTest : public RendererTest {
   ~DeviceCreationTest() override { adapters = nullptr; }
 
   FakeAdapters system;
-  ImportReplacement factoryImport{&__imp_CreateDXGIFactory, reinterpret_cast<void*>(&ReplacedCreateFactory)};
-  ImportReplacement deviceImport{&__imp_D3D11CreateDevice, reinterpret_cast<void*>(&ReplacedCreateDevice)};
+  bench::ImportPatch factoryImport{GetModuleHandleA(nullptr), "dxgi.dll", "CreateDXGIFactory",
+                                   reinterpret_cast<void*>(&ReplacedCreateFactory)};
+  bench::ImportPatch deviceImport{GetModuleHandleA(nullptr), "d3d11.dll", "D3D11CreateDevice",
+                                  reinterpret_cast<void*>(&ReplacedCreateDevice)};
 };
 
 TEST_F(DeviceCreationTest, AsksForAHardwareDeviceWithDefaultLevels) {
@@ -67,31 +63,26 @@ TEST_F(DeviceCreationTest, AsksForAHardwareDeviceWithDefaultLevels) {
   EXPECT_EQ(requests[0].version, 7u);
 }
 
-TEST_F(DeviceCreationTest, NamesNoAdapterWhenNoneIsThePreferredOne) {
-  system.Add(L"Some adapter");
-  system.Add(L"");
+struct Adapters {
+  std::vector<std::wstring> descriptions;
+  int named;  // -1 for none
+};
+
+// Two same ones, none, and descriptions that are not exactly the preferred name.
+class AdapterTest : public DeviceCreationTest, public testing::WithParamInterface<Adapters> {};
+
+TEST_P(AdapterTest, TheFirstOneWithExactlyThePreferredNameIsNamed) {
+  std::vector<IDXGIAdapter*> added;
+  for (const std::wstring& description : GetParam().descriptions) added.push_back(system.Add(description));
   renderer->CreateDevice();
   ASSERT_EQ(requests.size(), 1u);
-  EXPECT_EQ(requests[0].adapter, nullptr);
+  EXPECT_EQ(requests[0].adapter, GetParam().named < 0 ? nullptr : added.at(static_cast<std::size_t>(GetParam().named)));
 }
 
-TEST_F(DeviceCreationTest, NamesTheFirstAdapterWithExactlyThePreferredName) {
-  system.Add(L"Some adapter");
-  IDXGIAdapter* const wanted = system.Add(L"NVIDIA");
-  system.Add(L"NVIDIA");
-  renderer->CreateDevice();
-  ASSERT_EQ(requests.size(), 1u);
-  EXPECT_EQ(requests[0].adapter, wanted);
-}
-
-TEST_F(DeviceCreationTest, DoesNotNameAnAdapterWhoseDescriptionGoesOn) {
-  system.Add(L"NVIDIA Model 1");
-  system.Add(L"nvidia");
-  system.Add(L"NVIDI");
-  renderer->CreateDevice();
-  ASSERT_EQ(requests.size(), 1u);
-  EXPECT_EQ(requests[0].adapter, nullptr);
-}
+INSTANTIATE_TEST_SUITE_P(Descriptions, AdapterTest,
+                         testing::Values(Adapters{{L"Some adapter", L"NVIDIA", L"NVIDIA"}, 1},
+                                         Adapters{{L"Some adapter", L""}, -1},
+                                         Adapters{{L"NVIDIA Model 1", L"nvidia", L"NVIDI"}, -1}));
 
 TEST_F(DeviceCreationTest, NamesNoAdapterWithoutAFactory) {
   system.Add(L"NVIDIA");

@@ -7,22 +7,10 @@ namespace {
 
 using testing::IsEmpty;
 
-// An 8-bit level after the power that the companion wants, by arithmetic of its own.
-std::uint8_t Encoded(double linear) {
-  return static_cast<std::uint8_t>(std::lround(255.0 * std::pow(linear, 1.0 / 2.2)));
-}
-std::uint8_t EncodedLevel(int level) { return Encoded(level / 255.0); }
-bench::Rgba EncodedColour(const bench::Rgba& rgba) {
-  return {EncodedLevel(rgba[0]), EncodedLevel(rgba[1]), EncodedLevel(rgba[2]), 255};
-}
-
 double SrgbToLinear(int level) {
   const double value = level / 255.0;
   return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
 }
-
-constexpr bench::Rgba kRed{255, 0, 0, 255}, kGreen{0, 255, 0, 255}, kBlue{0, 0, 255, 255}, kWhite{255, 255, 255, 255},
-    kBlack{0, 0, 0, 255};
 
 // Red and green above, blue and white below.
 bench::Rgba Quarters(int x, int y) {
@@ -36,7 +24,7 @@ TEST_F(LayerPixelsTest, EachEyeShowsItsTextureInItsHalf) {
   ASSERT_TRUE(Start());
   const bench::Rgba left{200, 100, 50, 255}, right{10, 60, 220, 255};
   Compose(MakeEyeTexture(OneColour(left)), MakeEyeTexture(OneColour(right)));
-  EXPECT_THAT(Look({Middle("left", 0, EncodedColour(left)), Middle("right", 1, EncodedColour(right))}), IsEmpty());
+  EXPECT_THAT(Look({Middle("left", 0, Encoded(left)), Middle("right", 1, Encoded(right))}), IsEmpty());
 }
 
 // The left eye's 64 x 48 pixels hold all levels: 16 columns of 4 by 16 rows of 3.
@@ -50,8 +38,8 @@ TEST_F(LayerPixelsTest, EveryLevelIsRaisedToItsPower) {
   Compose(handle, handle);
   std::vector<Area> areas;
   for (int value = 0; value < 256; ++value) {
-    const bench::Rgba wanted = EncodedColour({static_cast<std::uint8_t>(value), static_cast<std::uint8_t>(value),
-                                              static_cast<std::uint8_t>(255 - value), 255});
+    const bench::Rgba wanted = Encoded({static_cast<std::uint8_t>(value), static_cast<std::uint8_t>(value),
+                                        static_cast<std::uint8_t>(255 - value), 255});
     areas.push_back({"level " + std::to_string(value), value % 16 * 4 + 1, value / 16 * 3 + 1, 2, 1, wanted, 0, 1});
   }
   EXPECT_THAT(Look(areas), IsEmpty());
@@ -61,7 +49,7 @@ TEST_F(LayerPixelsTest, ATypelessRgbaTextureIsTakenAsLinear) {
   ASSERT_TRUE(Start());
   const auto handle = MakeEyeTexture(OneColour({128, 64, 192, 255}), kRgbaTypeless);
   Compose(handle, handle);
-  EXPECT_THAT(Look({Middle("left", 0, EncodedColour({128, 64, 192, 255}), 1)}), IsEmpty());
+  EXPECT_THAT(Look({Middle("left", 0, Encoded({128, 64, 192, 255}), 1)}), IsEmpty());
 }
 
 TEST_F(LayerPixelsTest, ATypelessBgraTextureIsTakenAsGammaEncoded) {

@@ -19,19 +19,7 @@ TEST_F(OutputTexturesTest, AreTwoWithAKeyedMutexEach) {
   ASSERT_TRUE(Start({kRgba, 1000, 600, 0}));
   const auto made = calls.Of<TextureMade>();
   ASSERT_EQ(made.size(), 2u);
-  for (const auto& [desc] : made) {
-    EXPECT_EQ(desc.Width, 1000u);
-    EXPECT_EQ(desc.Height, 600u);
-    EXPECT_EQ(desc.MipLevels, 1u);
-    EXPECT_EQ(desc.ArraySize, 1u);
-    EXPECT_EQ(desc.Format, 28);
-    EXPECT_EQ(desc.SampleDesc.Count, 1u);
-    EXPECT_EQ(desc.SampleDesc.Quality, 0u);
-    EXPECT_EQ(desc.Usage, D3D11_USAGE_DEFAULT);
-    EXPECT_EQ(desc.BindFlags, 0x28u);
-    EXPECT_EQ(desc.CPUAccessFlags, 0u);
-    EXPECT_EQ(desc.MiscFlags, 0x100u);
-  }
+  for (const auto& [desc] : made) ExpectTexture(desc, 1000, 600, 28, 0x100);
 }
 
 TEST_F(OutputTexturesTest, FollowTheFormatRuleThemselvesAndInTheirViews) {

@@ -46,6 +46,20 @@ std::vector<std::string> RendererPixelTest::Look(const std::vector<Area>& areas,
   return companion_->Look(output, areas);
 }
 
+void ExpectTexture(const D3D11_TEXTURE2D_DESC& desc, UINT width, UINT height, int format, UINT miscFlags) {
+  EXPECT_EQ(desc.Width, width);
+  EXPECT_EQ(desc.Height, height);
+  EXPECT_EQ(desc.MipLevels, 1u);
+  EXPECT_EQ(desc.ArraySize, 1u);
+  EXPECT_EQ(desc.Format, format);
+  EXPECT_EQ(desc.SampleDesc.Count, 1u);
+  EXPECT_EQ(desc.SampleDesc.Quality, 0u);
+  EXPECT_EQ(desc.Usage, D3D11_USAGE_DEFAULT);
+  EXPECT_EQ(desc.BindFlags, 0x28u);
+  EXPECT_EQ(desc.CPUAccessFlags, 0u);
+  EXPECT_EQ(desc.MiscFlags, miscFlags);
+}
+
 Area Middle(const std::string& name, int eye, const bench::Rgba& rgba, int tolerance) {
   constexpr int kRim = 4;
   return {.name = name,

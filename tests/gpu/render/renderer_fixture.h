@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+#include "gpu_support/colours.h"
 #include "gpu_support/companion.h"
 #include "gpu_support/recorded_calls.h"
 #include "gpu_support/runtime_side.h"
@@ -59,6 +60,9 @@ class RendererPixelTest : public RendererTest {
  private:
   static std::unique_ptr<Companion> companion_;
 };
+
+// A texture as the driver makes them: one level, one sample, sampled and drawn into.
+void ExpectTexture(const D3D11_TEXTURE2D_DESC& desc, UINT width, UINT height, int format, UINT miscFlags);
 
 // The middle of an eye's picture: away from the rim, where filtering mixes in the opposite edge.
 [[nodiscard]] Area Middle(const std::string& name, int eye, const bench::Rgba& rgba, int tolerance = 0);

@@ -1,159 +1,119 @@
-#include "peer_process.h"
-#include "side.h"
-
+// Two processes and one texture: what the keyed mutex and the pixels do between them.
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <future>
 #include <set>
+
+#include "gpu_support/companion.h"
+#include "side.h"
 
 namespace bench::test {
 namespace {
 
-Pixels ReadFile(const std::string& path, UINT width = kWidth, UINT height = kHeight) {
-  Pixels pixels(std::size_t{width} * height + 1);  // one more, to notice a longer file
-  std::ifstream stream(path, std::ios::binary);
-  stream.read(reinterpret_cast<char*>(pixels.data()), static_cast<std::streamsize>(pixels.size() * sizeof(pixels[0])));
-  pixels.resize(static_cast<std::size_t>(stream.gcount()) / sizeof(pixels[0]));
-  return pixels;
-}
-
-HANDLE ReadHandle(const std::string& path) {
-  std::uintptr_t value = 0;
-  std::ifstream(path) >> value;
-  return reinterpret_cast<HANDLE>(value);
-}
+using ombrel::test::Companion;
 
 class CrossProcessTest : public testing::Test {
  protected:
+  void SetUp() override { Make(); }
+  // A texture that the other process has open.
   void Make(UINT width = kWidth, UINT height = kHeight) {
-    auto description = Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX);
-    description.Width = width;
-    description.Height = height;
-    texture = side.Create(description);
+    texture = side.Create(
+        TextureDescription(width, height, DXGI_FORMAT_R8G8B8A8_UNORM, D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
     ASSERT_NE(texture, nullptr);
-    mutex = KeyedMutex(texture.Get());
-    handle = HandleText(SharedHandle(texture.Get()));
+    mutex = FindKeyedMutex(texture.Get());
+    other.Attach({SharedHandle(texture.Get())});
+  }
+  // Draws the pattern here and has the other process look at each pixel.
+  void ExpectToArrive(std::uint8_t seed, UINT width, UINT height) {
+    ASSERT_EQ(mutex->AcquireSync(0, 0), S_OK);
+    side.Write(texture.Get(), Pattern(seed, width, height));
+    ASSERT_EQ(mutex->ReleaseSync(0), S_OK);
+    const auto differences =
+        other.Look(0, {{"all", 0, 0, static_cast<int>(width), static_cast<int>(height), {}, seed}});
+    EXPECT_TRUE(differences.empty()) << differences[0];
   }
 
   Side side;
+  Companion other;
   ComPtr<ID3D11Texture2D> texture;
   ComPtr<IDXGIKeyedMutex> mutex;
-  std::string handle;
 };
 
-TEST_F(CrossProcessTest, EveryPixelArrivesInTheOtherProcess) {
-  Make();
-  ASSERT_EQ(mutex->AcquireSync(0, 0), S_OK);
-  side.Write(texture.Get(), Pattern(0x42));
-  ASSERT_EQ(mutex->ReleaseSync(0), S_OK);
-  const std::string file = TemporaryFile();
-  ASSERT_EQ(PeerProcess({"read", handle, file}).Wait(), 0u);
-  EXPECT_EQ(ReadFile(file), Pattern(0x42));
-}
+TEST_F(CrossProcessTest, EveryPixelArrivesInTheOtherProcess) { ExpectToArrive(0x42, kWidth, kHeight); }
 
 TEST_F(CrossProcessTest, EveryPixelOfALargePictureArrives) {
   Make(2560, 1440);
-  ASSERT_EQ(mutex->AcquireSync(0, 0), S_OK);
-  side.Write(texture.Get(), Pattern(0x17, 2560, 1440));
-  ASSERT_EQ(mutex->ReleaseSync(0), S_OK);
-  const std::string file = TemporaryFile();
-  ASSERT_EQ(PeerProcess({"read", handle, file}).Wait(), 0u);
-  EXPECT_TRUE(ReadFile(file, 2560, 1440) == Pattern(0x17, 2560, 1440));
+  ExpectToArrive(0x17, 2560, 1440);
 }
 
 TEST_F(CrossProcessTest, EveryPixelThatTheOtherProcessDrewArrivesHere) {
-  Make();
-  ASSERT_EQ(PeerProcess({"write", handle, "113"}).Wait(), 0u);
+  ASSERT_EQ(other.Acquire(0, kLongMs), S_OK);
+  other.Paint(0, 113);
+  ASSERT_EQ(other.Release(0), S_OK);
   ASSERT_EQ(mutex->AcquireSync(0, kLongMs), S_OK);
   EXPECT_EQ(side.Read(texture.Get()), Pattern(113));
 }
 
 TEST_F(CrossProcessTest, TheOtherProcessIsKeptOutWhileWeHoldTheMutex) {
-  Make();
   ASSERT_EQ(mutex->AcquireSync(0, 0), S_OK);
-  EXPECT_EQ(PeerProcess({"acquire", handle, "0", "100"}).Wait(), static_cast<DWORD>(WAIT_TIMEOUT));
+  EXPECT_EQ(other.Acquire(0, 100), kTimeout);
 }
 
 TEST_F(CrossProcessTest, WeAreKeptOutWhileTheOtherProcessHoldsTheMutex) {
-  Make();
-  const PeerEvent held;
-  const PeerProcess peer({"hold", handle, held.Name()});
-  ASSERT_TRUE(held.Wait());
+  ASSERT_EQ(other.Acquire(0, kLongMs), S_OK);
   EXPECT_EQ(mutex->AcquireSync(0, 50), kTimeout);
   EXPECT_TRUE(FAILED(mutex->ReleaseSync(0)));
 }
 
 TEST_F(CrossProcessTest, OurReleaseWakesTheOtherProcess) {
-  Make();
   ASSERT_EQ(mutex->AcquireSync(0, 0), S_OK);
-  const PeerProcess peer({"acquire", handle, "5", "20000"});
-  Sleep(1500);  // long enough for the peer to be waiting; if it is not, the release is found later
+  auto acquire = std::async(std::launch::async, [this] { return other.Acquire(0, kLongMs, 5); });
+  EXPECT_EQ(acquire.wait_for(std::chrono::milliseconds(300)), std::future_status::timeout);
   ASSERT_EQ(mutex->ReleaseSync(5), S_OK);
-  EXPECT_EQ(peer.Wait(), 0u);
+  EXPECT_EQ(acquire.get(), S_OK);
 }
 
 TEST_F(CrossProcessTest, AHolderThatWasKilledLeavesTheMutexAbandoned) {
-  Make();
-  const PeerEvent held;
-  const PeerProcess peer({"hold", handle, held.Name()});
-  ASSERT_TRUE(held.Wait());
-  peer.Kill();
+  ASSERT_EQ(other.Acquire(0, kLongMs), S_OK);
+  other.Kill();
   EXPECT_EQ(mutex->AcquireSync(0, 0), kAbandoned);
   EXPECT_TRUE(FAILED(mutex->ReleaseSync(0)));
 }
 
 TEST_F(CrossProcessTest, AWaiterLearnsThatTheHolderWasKilled) {
-  Make();
-  const PeerEvent held;
-  const PeerProcess peer({"hold", handle, held.Name()});
-  ASSERT_TRUE(held.Wait());
+  ASSERT_EQ(other.Acquire(0, kLongMs), S_OK);
   auto waiter = std::async(std::launch::async, [this] { return mutex->AcquireSync(0, kLongMs); });
   ASSERT_EQ(waiter.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
-  peer.Kill();
+  other.Kill();
   EXPECT_EQ(waiter.get(), kAbandoned);
 }
 
 TEST_F(CrossProcessTest, AnExitWithoutReleaseLeavesTheMutexAbandoned) {
-  Make();
-  ASSERT_EQ(PeerProcess({"acquire", handle, "0", "0"}).Wait(), 0u);
+  ASSERT_EQ(other.Acquire(0, kLongMs), S_OK);
+  other.End();
   EXPECT_EQ(mutex->AcquireSync(0, 0), kAbandoned);
 }
 
 TEST_F(CrossProcessTest, ATextureOutlivesTheProcessThatMadeIt) {
-  const PeerEvent made;
-  const std::string file = TemporaryFile();
-  const PeerProcess peer({"make", "77", file, made.Name()});
-  ASSERT_TRUE(made.Wait());
-  const auto opened = side.Open(ReadHandle(file));
+  const auto opened = side.Open(other.MakeTexture(77));
   ASSERT_NE(opened, nullptr);
-  peer.Kill();
-  ASSERT_EQ(KeyedMutex(opened.Get())->AcquireSync(0, 0), S_OK);
+  other.Kill();
+  ASSERT_EQ(FindKeyedMutex(opened.Get())->AcquireSync(0, 0), S_OK);
   EXPECT_EQ(side.Read(opened.Get()), Pattern(77));
 }
 
 TEST_F(CrossProcessTest, AHandleNamesNothingOnceNobodyHasTheTexture) {
-  const PeerEvent made;
-  const std::string file = TemporaryFile();
-  const PeerProcess peer({"make", "1", file, made.Name()});
-  ASSERT_TRUE(made.Wait());
-  peer.Kill();
-  EXPECT_EQ(side.Open(ReadHandle(file)), nullptr);
+  const auto handle = other.MakeTexture(1);
+  other.Kill();
+  EXPECT_EQ(side.Open(handle), nullptr);
 }
 
 TEST_F(CrossProcessTest, HandlesOfTwoProcessesDiffer) {
-  std::set<HANDLE> handles;
+  std::set<std::uint32_t> handles{other.MakeTexture(1), other.MakeTexture(1)};
   std::vector<ComPtr<ID3D11Texture2D>> textures;
   for (int count = 0; count < 20; ++count) {
     textures.push_back(side.Create(Description(D3D11_RESOURCE_MISC_SHARED)));
     handles.insert(SharedHandle(textures.back().Get()));
-  }
-  for (int count = 0; count < 2; ++count) {
-    const PeerEvent made;
-    const std::string file = TemporaryFile();
-    const PeerProcess peer({"make", "1", file, made.Name()});
-    ASSERT_TRUE(made.Wait());
-    handles.insert(ReadHandle(file));
   }
   EXPECT_EQ(handles.size(), 22u);
 }

@@ -40,7 +40,7 @@ TEST_F(InterceptTest, LeavesAModuleAloneThatWasNotIntercepted) {
   const auto description = Description(0);
   ComPtr<ID3D11Texture2D> texture;
   ASSERT_EQ(device->CreateTexture2D(&description, nullptr, &texture), S_OK);
-  EXPECT_EQ(KeyedMutex(texture.Get()), nullptr);
+  EXPECT_EQ(FindKeyedMutex(texture.Get()), nullptr);
 }
 
 TEST_F(InterceptTest, GivesTheModulesDevicesSharing) {

@@ -33,8 +33,8 @@ class KeyedMutexTest : public testing::Test {
     ASSERT_NE(made, nullptr);
     opened = openerSide->Open(SharedHandle(made.Get()));
     ASSERT_NE(opened, nullptr);
-    maker = KeyedMutex(made.Get());
-    opener = KeyedMutex(opened.Get());
+    maker = FindKeyedMutex(made.Get());
+    opener = FindKeyedMutex(opened.Get());
     ASSERT_NE(maker, nullptr);
     ASSERT_NE(opener, nullptr);
   }
@@ -138,7 +138,7 @@ TEST_F(KeyedMutexTest, WaitsWithoutEndForAnInfiniteTimeout) {
 TEST_F(KeyedMutexTest, LetsTwoWaitingTexturesHaveItOneAfterTheOther) {
   const Side thirdSide;
   const auto thirdTexture = thirdSide.Open(SharedHandle(made.Get()));
-  const auto third = KeyedMutex(thirdTexture.Get());
+  const auto third = FindKeyedMutex(thirdTexture.Get());
   ASSERT_EQ(maker->AcquireSync(0, 0), S_OK);
   const auto passThrough = [](IDXGIKeyedMutex* mutex) {
     const HRESULT acquired = mutex->AcquireSync(0, kLongMs);
@@ -161,20 +161,20 @@ TEST_F(KeyedMutexTest, IsTheTexturesAndNotTheInterfacePointers) {
   ASSERT_EQ(maker->AcquireSync(0, 0), S_OK);
   maker.Reset();
   EXPECT_EQ(opener->AcquireSync(0, 0), kTimeout);
-  EXPECT_EQ(KeyedMutex(made.Get())->ReleaseSync(0), S_OK);
+  EXPECT_EQ(FindKeyedMutex(made.Get())->ReleaseSync(0), S_OK);
 }
 
 TEST_F(KeyedMutexTest, RefusesASecondAcquireByItsHolder) {
   ASSERT_EQ(maker->AcquireSync(0, 0), S_OK);
-  EXPECT_TRUE(FAILED(maker->AcquireSync(0, 0)));
+  EXPECT_EQ(maker->AcquireSync(0, 0), DXGI_ERROR_INVALID_CALL);
   EXPECT_EQ(maker->ReleaseSync(0), S_OK);
 }
 
-TEST_F(KeyedMutexTest, RefusesTheReleaseOfWhatNobodyHolds) { EXPECT_TRUE(FAILED(maker->ReleaseSync(0))); }
+TEST_F(KeyedMutexTest, RefusesTheReleaseOfWhatNobodyHolds) { EXPECT_EQ(maker->ReleaseSync(0), E_FAIL); }
 
 TEST_F(KeyedMutexTest, RefusesTheReleaseOfWhatAnotherHolds) {
   ASSERT_EQ(maker->AcquireSync(0, 0), S_OK);
-  EXPECT_TRUE(FAILED(opener->ReleaseSync(0)));
+  EXPECT_EQ(opener->ReleaseSync(0), E_FAIL);
   EXPECT_EQ(opener->AcquireSync(0, 0), kTimeout);
 }
 

@@ -31,7 +31,7 @@ TEST_F(LifetimeTest, ASharedTextureGoesWithItsLastReference) {
 
 TEST_F(LifetimeTest, AKeyedMutexKeepsItsTexture) {
   auto texture = MakeKeyed();
-  auto mutex = KeyedMutex(texture.Get());
+  auto mutex = FindKeyedMutex(texture.Get());
   texture.Reset();
   EXPECT_EQ(Now().liveSharedTextures, before.liveSharedTextures + 1);
   mutex.Reset();
@@ -40,7 +40,7 @@ TEST_F(LifetimeTest, AKeyedMutexKeepsItsTexture) {
 
 TEST_F(LifetimeTest, AViewKeepsItsTextureAndItsHandle) {
   auto texture = MakeKeyed();
-  const HANDLE handle = SharedHandle(texture.Get());
+  const std::uint32_t handle = SharedHandle(texture.Get());
   ComPtr<ID3D11ShaderResourceView> view;
   ASSERT_EQ(side->device->CreateShaderResourceView(texture.Get(), nullptr, &view), S_OK);
   texture.Reset();
@@ -51,8 +51,8 @@ TEST_F(LifetimeTest, AViewKeepsItsTextureAndItsHandle) {
 
 TEST_F(LifetimeTest, TheDeviceGoesAfterItsTexturesWereCopied) {
   auto texture = MakeKeyed();
-  ASSERT_EQ(KeyedMutex(texture.Get())->AcquireSync(0, 0), S_OK);
-  ASSERT_EQ(KeyedMutex(texture.Get())->ReleaseSync(0), S_OK);
+  ASSERT_EQ(FindKeyedMutex(texture.Get())->AcquireSync(0, 0), S_OK);
+  ASSERT_EQ(FindKeyedMutex(texture.Get())->ReleaseSync(0), S_OK);
   texture.Reset();
   side.reset();
   EXPECT_EQ(Now().liveDevices, before.liveDevices);
@@ -63,8 +63,8 @@ TEST_F(LifetimeTest, TheDeviceGoesThoughACopiedTextureIsStillBound) {
   ComPtr<ID3D11RenderTargetView> view;
   ASSERT_EQ(side->device->CreateRenderTargetView(texture.Get(), nullptr, &view), S_OK);
   side->context->OMSetRenderTargets(1, view.GetAddressOf(), nullptr);
-  ASSERT_EQ(KeyedMutex(texture.Get())->AcquireSync(0, 0), S_OK);
-  ASSERT_EQ(KeyedMutex(texture.Get())->ReleaseSync(0), S_OK);
+  ASSERT_EQ(FindKeyedMutex(texture.Get())->AcquireSync(0, 0), S_OK);
+  ASSERT_EQ(FindKeyedMutex(texture.Get())->ReleaseSync(0), S_OK);
   view.Reset();
   texture.Reset();
   side.reset();
@@ -74,7 +74,7 @@ TEST_F(LifetimeTest, TheDeviceGoesThoughACopiedTextureIsStillBound) {
 
 TEST_F(LifetimeTest, AHoldEndsWithItsTexture) {
   auto texture = MakeKeyed();
-  ASSERT_EQ(KeyedMutex(texture.Get())->AcquireSync(0, 0), S_OK);
+  ASSERT_EQ(FindKeyedMutex(texture.Get())->AcquireSync(0, 0), S_OK);
   texture.Reset();
   EXPECT_EQ(Now().heldMutexes, before.heldMutexes);
 }
@@ -85,8 +85,8 @@ TEST_F(LifetimeTest, OpeningAndClosingLeavesNothingBehind) {
   const Counters start = Now();
   for (int count = 0; count < 200; ++count) {
     const auto opened = opener.Open(SharedHandle(texture.Get()));
-    ASSERT_EQ(KeyedMutex(opened.Get())->AcquireSync(0, 0), S_OK);
-    ASSERT_EQ(KeyedMutex(opened.Get())->ReleaseSync(0), S_OK);
+    ASSERT_EQ(FindKeyedMutex(opened.Get())->AcquireSync(0, 0), S_OK);
+    ASSERT_EQ(FindKeyedMutex(opened.Get())->ReleaseSync(0), S_OK);
   }
   EXPECT_EQ(Now().liveTextures, start.liveTextures);
   EXPECT_EQ(Now().liveSharedTextures, start.liveSharedTextures);

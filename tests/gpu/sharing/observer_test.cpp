@@ -51,9 +51,6 @@ class ObserverTest : public testing::Test {
 
   ComPtr<ID3D11Texture2D> MakeKeyed() const { return side.Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX)); }
   void AnswerAll(HRESULT result) { ON_CALL(observer, Answer(_)).WillByDefault(Return(std::optional<HRESULT>(result))); }
-  static std::uint32_t Value(HANDLE handle) {
-    return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(handle));
-  }
 
   NiceMock<MockObserver> observer;
   Side side;
@@ -66,16 +63,16 @@ TEST_F(ObserverTest, SeesTheDescriptionAsTheCallerGaveIt) {
 
 TEST_F(ObserverTest, SeesKeyTimeoutAndResultOfAnAcquire) {
   const auto texture = MakeKeyed();
-  const auto value = Value(SharedHandle(texture.Get()));
+  const auto value = SharedHandle(texture.Get());
   EXPECT_CALL(observer, OnAcquireSync(value, 4, 11, static_cast<HRESULT>(WAIT_TIMEOUT)));
   EXPECT_CALL(observer, OnReleaseSync(value, 9, E_FAIL));
-  KeyedMutex(texture.Get())->AcquireSync(4, 11);
-  KeyedMutex(texture.Get())->ReleaseSync(9);
+  FindKeyedMutex(texture.Get())->AcquireSync(4, 11);
+  FindKeyedMutex(texture.Get())->ReleaseSync(9);
 }
 
 TEST_F(ObserverTest, SeesWhichHandleWasOpened) {
   EXPECT_CALL(observer, OnOpenSharedResource(0x1234, E_INVALIDARG));
-  EXPECT_EQ(side.Open(reinterpret_cast<HANDLE>(0x1234)), nullptr);
+  EXPECT_EQ(side.Open(0x1234), nullptr);
 }
 
 TEST_F(ObserverTest, DoesNotSeeTheCopiesOfTheSharing) {
@@ -83,8 +80,8 @@ TEST_F(ObserverTest, DoesNotSeeTheCopiesOfTheSharing) {
   EXPECT_CALL(observer, OnCreateTexture2D(_)).Times(0);
   EXPECT_CALL(observer, OnCopyResource(_, _)).Times(0);
   EXPECT_CALL(observer, OnMap(_, _)).Times(0);
-  ASSERT_EQ(KeyedMutex(texture.Get())->AcquireSync(0, 0), S_OK);
-  ASSERT_EQ(KeyedMutex(texture.Get())->ReleaseSync(0), S_OK);
+  ASSERT_EQ(FindKeyedMutex(texture.Get())->AcquireSync(0, 0), S_OK);
+  ASSERT_EQ(FindKeyedMutex(texture.Get())->ReleaseSync(0), S_OK);
 }
 
 TEST_F(ObserverTest, SeesTheCallsOfADraw) {
@@ -148,7 +145,7 @@ TEST_F(ObserverTest, SeesTheStatesThatAreMade) {
 
 TEST_F(ObserverTest, CanForceTheResultOfAnAcquireWithoutTakingTheMutex) {
   const auto texture = MakeKeyed();
-  const auto mutex = KeyedMutex(texture.Get());
+  const auto mutex = FindKeyedMutex(texture.Get());
   EXPECT_CALL(observer, Answer(DeviceCall::kAcquireSync))
       .WillOnce(Return(std::optional<HRESULT>(DXGI_ERROR_DEVICE_REMOVED)))
       .WillOnce(Return(std::nullopt));
@@ -173,7 +170,7 @@ TEST_F(ObserverTest, CanMakeEveryCreationFail) {
   auto* texture = reinterpret_cast<ID3D11Texture2D*>(std::uintptr_t{1});
   EXPECT_EQ(side.device->CreateTexture2D(&description, nullptr, &texture), DXGI_ERROR_DEVICE_REMOVED);
   EXPECT_EQ(texture, nullptr);
-  EXPECT_EQ(side.Open(reinterpret_cast<HANDLE>(2)), nullptr);
+  EXPECT_EQ(side.Open(2), nullptr);
   EXPECT_EQ(side.device->GetDeviceRemovedReason(), DXGI_ERROR_DEVICE_REMOVED);
 }
 

@@ -54,7 +54,7 @@ TEST_F(RefreshTest, ADrawSeesWhatWasPublishedBeforeIt) {
 }
 
 TEST_F(RefreshTest, ABoundTextureFollowsEachPublication) {
-  for (std::uint32_t round = 30; round < 33; ++round) {
+  for (std::uint8_t round = 30; round < 33; ++round) {
     writer.Write(drawn.Get(), Pattern(round));
     ASSERT_EQ(PublishSharedTexture(drawn.Get()), S_OK);
     EXPECT_EQ(Draw(), Pattern(round));

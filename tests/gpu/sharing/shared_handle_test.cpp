@@ -22,9 +22,13 @@ class SharedHandleTest : public testing::Test {
 
 TEST_F(SharedHandleTest, IsNotZeroAndFitsInto31Bits) {
   const auto texture = side.Create(Description(D3D11_RESOURCE_MISC_SHARED));
-  const auto value = reinterpret_cast<std::uintptr_t>(SharedHandle(texture.Get()));
-  EXPECT_GT(value, 0u);
-  EXPECT_LT(value, std::uintptr_t{1} << 31);
+  ComPtr<IDXGIResource> resource;
+  HANDLE handle = nullptr;
+  ASSERT_EQ(texture.As(&resource), S_OK);
+  ASSERT_EQ(resource->GetSharedHandle(&handle), S_OK);
+  EXPECT_GT(reinterpret_cast<std::uintptr_t>(handle), 0u);
+  EXPECT_LT(reinterpret_cast<std::uintptr_t>(handle), std::uintptr_t{1} << 31);
+  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(handle), SharedHandle(texture.Get()));
 }
 
 TEST_F(SharedHandleTest, StaysTheSameForOneTexture) {
@@ -40,7 +44,7 @@ TEST_F(SharedHandleTest, IsTheSameOnTheOpenersSide) {
 }
 
 TEST_F(SharedHandleTest, IsNotUsedAgainForLaterTextures) {
-  std::set<HANDLE> handles;
+  std::set<std::uint32_t> handles;
   for (int count = 0; count < 200; ++count) {
     const auto texture = side.Create(Description(D3D11_RESOURCE_MISC_SHARED));
     handles.insert(SharedHandle(texture.Get()));
@@ -50,10 +54,11 @@ TEST_F(SharedHandleTest, IsNotUsedAgainForLaterTextures) {
 
 TEST_F(SharedHandleTest, NamesNothingOnceItsTextureIsGone) {
   auto texture = side.Create(Description(D3D11_RESOURCE_MISC_SHARED));
-  const HANDLE handle = SharedHandle(texture.Get());
+  const std::uint32_t handle = SharedHandle(texture.Get());
   texture.Reset();
   ComPtr<ID3D11Texture2D> opened;
-  EXPECT_EQ(side.device->OpenSharedResource(handle, IID_PPV_ARGS(&opened)), E_INVALIDARG);
+  EXPECT_EQ(side.device->OpenSharedResource(reinterpret_cast<HANDLE>(std::uintptr_t{handle}), IID_PPV_ARGS(&opened)),
+            E_INVALIDARG);
   EXPECT_EQ(opened, nullptr);
 }
 
@@ -61,7 +66,8 @@ TEST_F(SharedHandleTest, OpensAsAnyOfTheTexturesInterfaces) {
   const auto texture = side.Create(Description(D3D11_RESOURCE_MISC_SHARED));
   const Side opener;
   ComPtr<ID3D11Resource> resource;
-  ASSERT_EQ(opener.device->OpenSharedResource(SharedHandle(texture.Get()), IID_PPV_ARGS(&resource)), S_OK);
+  const auto handle = reinterpret_cast<HANDLE>(std::uintptr_t{SharedHandle(texture.Get())});
+  ASSERT_EQ(opener.device->OpenSharedResource(handle, IID_PPV_ARGS(&resource)), S_OK);
   ComPtr<ID3D11Texture2D> opened;
   EXPECT_EQ(resource.As(&opened), S_OK);
 }
@@ -84,7 +90,7 @@ TEST_F(SharedHandleTest, ComesWithTheCreatorsDescription) {
 
 TEST_F(SharedHandleTest, HasNoKeyedMutexWithoutTheFlag) {
   const auto texture = side.Create(Description(D3D11_RESOURCE_MISC_SHARED));
-  EXPECT_EQ(KeyedMutex(texture.Get()), nullptr);
+  EXPECT_EQ(FindKeyedMutex(texture.Get()), nullptr);
 }
 
 TEST_F(SharedHandleTest, BelongsToTheObjectThatTheTextureIs) {
@@ -92,7 +98,7 @@ TEST_F(SharedHandleTest, BelongsToTheObjectThatTheTextureIs) {
   ComPtr<IUnknown> identity;
   ComPtr<IUnknown> mutexIdentity;
   ASSERT_EQ(texture.As(&identity), S_OK);
-  ASSERT_EQ(KeyedMutex(texture.Get()).As(&mutexIdentity), S_OK);
+  ASSERT_EQ(FindKeyedMutex(texture.Get()).As(&mutexIdentity), S_OK);
   EXPECT_EQ(identity, mutexIdentity);
 }
 

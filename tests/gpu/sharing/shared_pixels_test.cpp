@@ -17,9 +17,9 @@ class SharedPixelsTest : public testing::Test {
 TEST_F(SharedPixelsTest, ArriveWithTheKeyedMutex) {
   const auto made = writer.Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
   const auto opened = reader.Open(SharedHandle(made.Get()));
-  const auto writing = KeyedMutex(made.Get());
-  const auto reading = KeyedMutex(opened.Get());
-  for (std::uint32_t round = 1; round <= 3; ++round) {
+  const auto writing = FindKeyedMutex(made.Get());
+  const auto reading = FindKeyedMutex(opened.Get());
+  for (std::uint8_t round = 1; round <= 3; ++round) {
     ASSERT_EQ(writing->AcquireSync(0, 0), S_OK);
     writer.Write(made.Get(), Pattern(round));
     ASSERT_EQ(writing->ReleaseSync(0), S_OK);
@@ -32,10 +32,10 @@ TEST_F(SharedPixelsTest, ArriveWithTheKeyedMutex) {
 TEST_F(SharedPixelsTest, TravelBackToTheCreator) {
   const auto made = writer.Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
   const auto opened = reader.Open(SharedHandle(made.Get()));
-  ASSERT_EQ(KeyedMutex(opened.Get())->AcquireSync(0, 0), S_OK);
+  ASSERT_EQ(FindKeyedMutex(opened.Get())->AcquireSync(0, 0), S_OK);
   reader.Write(opened.Get(), Pattern(9));
-  ASSERT_EQ(KeyedMutex(opened.Get())->ReleaseSync(0), S_OK);
-  ASSERT_EQ(KeyedMutex(made.Get())->AcquireSync(0, 0), S_OK);
+  ASSERT_EQ(FindKeyedMutex(opened.Get())->ReleaseSync(0), S_OK);
+  ASSERT_EQ(FindKeyedMutex(made.Get())->AcquireSync(0, 0), S_OK);
   EXPECT_EQ(writer.Read(made.Get()), Pattern(9));
 }
 
@@ -46,7 +46,7 @@ TEST_F(SharedPixelsTest, ArriveOnTheOpenersSideWithInitialData) {
   ComPtr<ID3D11Texture2D> made;
   ASSERT_EQ(writer.device->CreateTexture2D(&description, &data, &made), S_OK);
   const auto opened = reader.Open(SharedHandle(made.Get()));
-  ASSERT_EQ(KeyedMutex(opened.Get())->AcquireSync(0, 0), S_OK);
+  ASSERT_EQ(FindKeyedMutex(opened.Get())->AcquireSync(0, 0), S_OK);
   EXPECT_EQ(reader.Read(opened.Get()), pixels);
 }
 
@@ -55,14 +55,14 @@ TEST_F(SharedPixelsTest, AreNotCopiedBackByATextureThatIsMarkedReadOnly) {
   const auto opened = reader.Open(SharedHandle(made.Get()));
   ASSERT_EQ(MarkReadOnly(opened.Get()), S_OK);
   const auto before = ReadCounters(DeviceGroup::kOwn).downloads;
-  ASSERT_EQ(KeyedMutex(opened.Get())->AcquireSync(0, 0), S_OK);
-  ASSERT_EQ(KeyedMutex(opened.Get())->ReleaseSync(0), S_OK);
+  ASSERT_EQ(FindKeyedMutex(opened.Get())->AcquireSync(0, 0), S_OK);
+  ASSERT_EQ(FindKeyedMutex(opened.Get())->ReleaseSync(0), S_OK);
   EXPECT_EQ(ReadCounters(DeviceGroup::kOwn).downloads, before);
 }
 
 TEST_F(SharedPixelsTest, AreTakenOverOnlyWhenTheyAreNewer) {
   const auto made = writer.Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
-  const auto mutex = KeyedMutex(made.Get());
+  const auto mutex = FindKeyedMutex(made.Get());
   const auto before = ReadCounters(DeviceGroup::kOwn).uploads;
   for (int round = 0; round < 3; ++round) {
     ASSERT_EQ(mutex->AcquireSync(0, 0), S_OK);
@@ -74,7 +74,7 @@ TEST_F(SharedPixelsTest, AreTakenOverOnlyWhenTheyAreNewer) {
 TEST_F(SharedPixelsTest, WithoutKeyedMutexArriveOncePublished) {
   const auto made = reader.Create(Description(D3D11_RESOURCE_MISC_SHARED));
   const auto opened = writer.Open(SharedHandle(made.Get()));
-  for (std::uint32_t round = 1; round <= 3; ++round) {
+  for (std::uint8_t round = 1; round <= 3; ++round) {
     writer.Write(opened.Get(), Pattern(round));
     ASSERT_EQ(PublishSharedTexture(opened.Get()), S_OK);
     EXPECT_EQ(reader.Read(made.Get()), Pattern(round));
@@ -103,10 +103,10 @@ TEST_P(SharedFormatsTest, CarryEveryBit) {
   const auto made = writer.Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX, GetParam()));
   ASSERT_NE(made, nullptr);
   const auto opened = reader.Open(SharedHandle(made.Get()));
-  ASSERT_EQ(KeyedMutex(made.Get())->AcquireSync(0, 0), S_OK);
+  ASSERT_EQ(FindKeyedMutex(made.Get())->AcquireSync(0, 0), S_OK);
   writer.Write(made.Get(), pixels);
-  ASSERT_EQ(KeyedMutex(made.Get())->ReleaseSync(0), S_OK);
-  ASSERT_EQ(KeyedMutex(opened.Get())->AcquireSync(0, 0), S_OK);
+  ASSERT_EQ(FindKeyedMutex(made.Get())->ReleaseSync(0), S_OK);
+  ASSERT_EQ(FindKeyedMutex(opened.Get())->AcquireSync(0, 0), S_OK);
   EXPECT_EQ(reader.Read(opened.Get()), pixels);
 }
 

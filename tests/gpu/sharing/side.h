@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "sharing/textures.h"
+
 namespace bench::test {
 
 using Microsoft::WRL::ComPtr;
@@ -21,14 +23,13 @@ inline constexpr DWORD kLongMs = 20'000;
 // 32-bit words, row by row without gaps: one to a pixel, or two where pixels have 64 bits.
 using Pixels = std::vector<std::uint32_t>;
 
-// No two words of one picture, and no word of pictures with other seeds, are alike.
-[[nodiscard]] Pixels Pattern(std::uint32_t seed, UINT width = kWidth, UINT height = kHeight);
+// bench::Pattern in words.
+[[nodiscard]] Pixels Pattern(std::uint8_t seed, UINT width = kWidth, UINT height = kHeight);
 
 // A shareable description: 61 x 37, RGBA, one level, default usage, shader resource and render target.
-[[nodiscard]] D3D11_TEXTURE2D_DESC Description(UINT miscFlags, DXGI_FORMAT format = DXGI_FORMAT_R8G8B8A8_UNORM);
-
-[[nodiscard]] HANDLE SharedHandle(ID3D11Texture2D* texture);
-[[nodiscard]] ComPtr<IDXGIKeyedMutex> KeyedMutex(ID3D11Texture2D* texture);
+[[nodiscard]] inline D3D11_TEXTURE2D_DESC Description(UINT miscFlags, DXGI_FORMAT format = DXGI_FORMAT_R8G8B8A8_UNORM) {
+  return TextureDescription(kWidth, kHeight, format, miscFlags);
+}
 
 // A device with its context: one side of a shared texture.
 class Side {
@@ -36,10 +37,10 @@ class Side {
   Side();
 
   [[nodiscard]] ComPtr<ID3D11Texture2D> Create(const D3D11_TEXTURE2D_DESC& description) const;
-  [[nodiscard]] ComPtr<ID3D11Texture2D> Open(HANDLE handle) const;
+  [[nodiscard]] ComPtr<ID3D11Texture2D> Open(std::uint32_t handle) const { return OpenTexture(*device.Get(), handle); }
   void Write(ID3D11Texture2D* texture, const Pixels& pixels) const;
   // What this device sees in a texture.
-  [[nodiscard]] Pixels Read(ID3D11Texture2D* texture) const;
+  [[nodiscard]] static Pixels Read(ID3D11Texture2D* texture);
 
   ComPtr<ID3D11Device> device;
   ComPtr<ID3D11DeviceContext> context;

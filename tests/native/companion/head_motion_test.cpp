@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "companion/statistics.h"
+#include "base/percentile.h"
 
 namespace bench {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "picture.h"
+#include "picture/drawing.h"
 
 namespace bench {
 namespace {

@@ -8,9 +8,9 @@
 #include <cstdint>
 #include <string>
 
-#include "companion/image.h"
+#include "picture/image.h"
 #include "companion/messages.h"
-#include "companion/owned_handle.h"
+#include "base/owned_handle.h"
 #include "companion/pose_history.h"
 
 // Hands frames over in the way the protocol page tells of the driver: two textures in turns, a pose beside each.

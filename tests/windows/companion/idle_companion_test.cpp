@@ -8,7 +8,7 @@ class IdleCompanion : public testing::Test {
  protected:
   void Start(const std::string& name, const std::string& seconds) {
     std::filesystem::copy_file(TestArgument("idle"), folder_ / name);
-    ASSERT_TRUE(idle_.Start(folder_ / name, {seconds}, folder_ / "out.txt"));
+    idle_.Start(folder_ / name, {seconds}, folder_ / "out.txt");
   }
   TestFolder folder_;
   Program idle_;

@@ -5,7 +5,7 @@
 #include <atomic>
 #include <thread>
 
-#include "companion/clock.h"
+#include "base/clock.h"
 #include "plain_client.h"
 
 namespace bench {

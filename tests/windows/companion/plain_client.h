@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "companion/message_assembler.h"
-#include "companion/owned_handle.h"
+#include "base/owned_handle.h"
 
 // The driver's end of the pipes with plain file calls, opened and written in the way the protocol page tells.
 class PlainClient {

@@ -5,55 +5,10 @@
 #include <fstream>
 #include <sstream>
 
-namespace {
-
-SECURITY_ATTRIBUTES Inheritable() {
-  SECURITY_ATTRIBUTES attributes{};
-  attributes.nLength = sizeof(attributes);
-  attributes.bInheritHandle = TRUE;
-  return attributes;
-}
-
-}  // namespace
-
-bool Program::Start(const std::filesystem::path& path, const std::vector<std::string>& arguments,
+void Program::Start(const std::filesystem::path& path, const std::vector<std::string>& arguments,
                     const std::filesystem::path& output) {
   output_ = output;
-  std::string line = '"' + path.string() + '"';
-  for (const std::string& argument : arguments) line += " \"" + argument + '"';
-  SECURITY_ATTRIBUTES inheritable = Inheritable();
-  HANDLE readEnd = nullptr, writeEnd = nullptr;
-  if (!CreatePipe(&readEnd, &writeEnd, &inheritable, 0)) return false;
-  const bench::OwnedHandle childInput(readEnd);
-  input_ = bench::OwnedHandle(writeEnd);
-  SetHandleInformation(writeEnd, HANDLE_FLAG_INHERIT, 0);
-  const bench::OwnedHandle childOutput(CreateFileA(output.string().c_str(), GENERIC_WRITE, FILE_SHARE_READ,
-                                                   &inheritable, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-  STARTUPINFOA startup{};
-  startup.cb = sizeof(startup);
-  startup.dwFlags = STARTF_USESTDHANDLES;
-  startup.hStdInput = childInput.Get();
-  startup.hStdOutput = startup.hStdError = childOutput.Get();
-  PROCESS_INFORMATION started{};
-  if (!CreateProcessA(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &started))
-    return false;
-  const bench::OwnedHandle thread(started.hThread);
-  process_ = bench::OwnedHandle(started.hProcess);
-  return true;
-}
-
-std::optional<std::uint32_t> Program::Wait(std::uint32_t timeoutMs) {
-  if (WaitForSingleObject(process_.Get(), timeoutMs) != WAIT_OBJECT_0) return std::nullopt;
-  DWORD code = 0;
-  GetExitCodeProcess(process_.Get(), &code);
-  return code;
-}
-
-Program::~Program() {
-  if (process_ && !Wait(0)) {
-    TerminateProcess(process_.Get(), 99);
-    Wait(5000);
-  }
+  process_.emplace(path, arguments, output);
 }
 
 std::string Program::Output() const {

@@ -6,27 +6,21 @@
 #include <string>
 #include <vector>
 
-#include "companion/owned_handle.h"
+#include "base/child_process.h"
 
-// A program that runs beside the test. What it prints goes into a file.
+// A program that runs beside the test, ended with its owner. What it prints goes into a file.
 class Program {
  public:
-  Program() = default;
-  // Ends the program if it still runs.
-  ~Program();
-  Program(const Program&) = delete;
-  Program& operator=(const Program&) = delete;
-
-  bool Start(const std::filesystem::path& path, const std::vector<std::string>& arguments,
+  // Throws std::runtime_error when the program cannot be started.
+  void Start(const std::filesystem::path& path, const std::vector<std::string>& arguments,
              const std::filesystem::path& output);
   // The exit code; nothing when the program still runs after `timeoutMs`.
-  std::optional<std::uint32_t> Wait(std::uint32_t timeoutMs = 30000);
-  void CloseInput() { input_.Reset(); }
+  std::optional<std::uint32_t> Wait(std::uint32_t timeoutMs = 30000) { return process_->WaitForEnd(timeoutMs); }
+  void CloseInput() { process_->CloseInput(); }
   std::string Output() const;
 
  private:
-  bench::OwnedHandle process_;
-  bench::OwnedHandle input_;
+  std::optional<bench::ChildProcess> process_;
   std::filesystem::path output_;
 };
 

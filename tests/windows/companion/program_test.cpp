@@ -24,7 +24,7 @@ class CompanionProgram : public testing::Test {
  protected:
   void Start(std::vector<std::string> arguments) {
     arguments.push_back("--no-frames");
-    ASSERT_TRUE(program_.Start(TestArgument("companion"), arguments, folder_ / "output.txt"));
+    program_.Start(TestArgument("companion"), arguments, folder_ / "output.txt");
   }
   void Play(const std::string& steps, std::vector<std::string> arguments = {}) {
     arguments.insert(arguments.end(), {"--script", folder_.Write("script.json", "{\"steps\": [" + steps + "]}")});

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "companion/controller_record.h"
-#include "companion/owned_handle.h"
+#include "base/owned_handle.h"
 #include "companion/pipe_server.h"
 #include "companion/tracking_update.h"
 #include "runtime/wait.h"

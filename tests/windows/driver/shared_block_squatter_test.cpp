@@ -5,7 +5,7 @@
 
 #include <thread>
 
-#include "companion/owned_handle.h"
+#include "base/owned_handle.h"
 #include "support/driver_test.h"
 #include "support/module_import.h"
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <thread>
 
-#include "companion/owned_handle.h"
+#include "base/owned_handle.h"
 #include "support/driver_test.h"
 #include "support/module_import.h"
 

@@ -10,9 +10,9 @@
 #include <optional>
 
 #include "companion/frame_turns.h"
-#include "companion/image.h"
 #include "companion/messages.h"
 #include "companion/shared_block.h"
+#include "picture/image.h"
 
 namespace bench {
 
@@ -59,7 +59,6 @@ class FrameReader : private FrameLocks {
   std::array<Microsoft::WRL::ComPtr<ID3D11Texture2D>, 2> textures_;
   std::array<Microsoft::WRL::ComPtr<IDXGIKeyedMutex>, 2> locks_;
   Microsoft::WRL::ComPtr<ID3D11Texture2D> copy_;
-  D3D11_TEXTURE2D_DESC description_{};
   SharedBlock block_;
   bool hasBlock_ = false;
   std::optional<FrameTurns> turns_;

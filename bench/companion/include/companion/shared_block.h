@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "companion/owned_handle.h"
+#include "base/owned_handle.h"
 #include "companion/pose_history.h"
 
 namespace bench {

@@ -9,6 +9,8 @@
 
 #include <openvr_driver.h>
 
+#include "sharing/textures.h"
+
 namespace bench {
 
 /// A texture of the runtime's own that it shares with the driver under a keyed mutex (key 0 on both sides).
@@ -31,8 +33,5 @@ class KeyedTexture {
   Microsoft::WRL::ComPtr<IDXGIKeyedMutex> mutex_;
   vr::SharedTextureHandle_t handle_ = 0;
 };
-
-/// Throws std::runtime_error with `what` and the result's number unless the result is S_OK.
-void RequireOk(HRESULT result, const char* what);
 
 }  // namespace bench

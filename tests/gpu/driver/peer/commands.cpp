@@ -1,77 +1,48 @@
 #include "commands.h"
 
-#include <array>
-#include <cstdio>
 #include <stdexcept>
 
 namespace ombrel::test {
-namespace {
 
 using nlohmann::json;
 
-bench::Bytes FromHex(const std::string& text) {
-  bench::Bytes bytes;
-  for (std::size_t i = 0; i + 1 < text.size(); i += 2) {
-    bytes.push_back(static_cast<std::uint8_t>(std::stoul(text.substr(i, 2), nullptr, 16)));
-  }
-  return bytes;
+Commands::Commands() : pipes_(bench::PipeServerOptions{}) {
+  commands_["say hello"] = [](const json&) { return true; };
+  AddPipes();
+  AddTextures();
 }
-
-std::string ToHex(const bench::Bytes& bytes) {
-  std::string text;
-  for (const std::uint8_t byte : bytes) {
-    std::array<char, 3> digits{};
-    std::snprintf(digits.data(), digits.size(), "%02x", static_cast<unsigned>(byte));
-    text += digits.data();
-  }
-  return text;
-}
-
-}  // namespace
-
-Commands::Commands() : pipes_(bench::PipeServerOptions{}) {}
 
 json Commands::Run(const json& command) {
   const auto verb = command.at("do").get<std::string>();
-  json answer = RunPipes(verb, command);
-  if (answer.is_null()) answer = RunTextures(verb, command);
-  if (answer.is_null()) throw std::runtime_error("unknown command " + verb);
-  return answer;
+  const auto found = commands_.find(verb);
+  if (found == commands_.end()) throw std::runtime_error("unknown command " + verb);
+  return found->second(command);
 }
 
-json Commands::RunPipes(const std::string& verb, const json& command) {
-  if (verb == "say hello") return true;
-  if (verb == "open pipes") return pipes_.Open();
-  if (verb == "close pipes") {
-    pipes_.Close();
-    return true;
-  }
-  if (verb == "wait for connection") return pipes_.WaitForConnection(command.at("timeout"));
-  if (verb == "wait for disconnection") return pipes_.WaitForDisconnection(command.at("timeout"));
-  if (verb == "send") return pipes_.Send(FromHex(command.at("bytes")));
-  if (verb == "flush") {
-    pipes_.Flush();
-    return true;
-  }
-  if (verb == "next message") return NextMessage(command.at("timeout"));
-  return {};
+void Commands::AddPipes() {
+  commands_["open pipes"] = [this](const json&) { return pipes_.Open(); };
+  commands_["close pipes"] = [this](const json&) { return pipes_.Close(), true; };
+  commands_["wait for connection"] = [this](const json& its) { return pipes_.WaitForConnection(its.at("timeout")); };
+  commands_["send"] = [this](const json& its) { return pipes_.Send(its.at("bytes").get<bench::Bytes>()); };
+  commands_["next message"] = [this](const json& its) { return NextMessage(its.at("timeout")); };
 }
 
 json Commands::NextMessage(std::uint32_t timeoutMs) {
   const auto received = pipes_.Next(timeoutMs);
   if (!received) return false;
-  return {{"connection", received->connection},
-          {"type", received->message.type},
-          {"payload", ToHex(received->message.payload)}};
+  return {{"type", received->message.type}, {"payload", received->message.payload}};
 }
 
-json Commands::RunTextures(const std::string& verb, const json& command) {
-  if (verb == "attach") return outputs_.Attach(command.at("handles"), command.at("block"));
-  if (verb == "acquire") return outputs_.Acquire(command.at("texture"), command.at("timeout"));
-  if (verb == "release") return outputs_.Release(command.at("texture"));
-  if (verb == "compare") return outputs_.Compare(command.at("texture"), command.at("areas"));
-  if (verb == "slot") return outputs_.Slot(command.at("texture"));
-  return {};
+void Commands::AddTextures() {
+  commands_["attach"] = [this](const json& its) { return outputs_.Attach(its.at("handles"), its.at("block")), true; };
+  commands_["make"] = [this](const json& its) { return outputs_.Make(its.at("pattern")); };
+  commands_["paint"] = [this](const json& its) { return outputs_.Paint(its.at("texture"), its.at("pattern")), true; };
+  commands_["acquire"] = [this](const json& its) {
+    return outputs_.Acquire(its.at("texture"), its.at("key"), its.at("timeout"));
+  };
+  commands_["release"] = [this](const json& its) { return outputs_.Release(its.at("texture")); };
+  commands_["compare"] = [this](const json& its) { return outputs_.Compare(its.at("texture"), its.at("areas")); };
+  commands_["slot"] = [this](const json& its) { return outputs_.Slot(its.at("texture")); };
 }
 
 }  // namespace ombrel::test

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <functional>
+#include <map>
+#include <string>
+
 #include <nlohmann/json.hpp>
 
 #include "companion/pipe_server.h"
@@ -7,7 +11,7 @@
 
 namespace ombrel::test {
 
-// What the program can be told to do. Times are in milliseconds, bytes are hexadecimal text. One thread.
+// What the program can be told to do. Times are in milliseconds, bytes are lists of numbers. One thread.
 class Commands {
  public:
   Commands();
@@ -16,12 +20,15 @@ class Commands {
   nlohmann::json Run(const nlohmann::json& command);
 
  private:
-  nlohmann::json RunPipes(const std::string& verb, const nlohmann::json& command);
-  nlohmann::json RunTextures(const std::string& verb, const nlohmann::json& command);
+  using Command = std::function<nlohmann::json(const nlohmann::json& arguments)>;
+
+  void AddPipes();
+  void AddTextures();
   nlohmann::json NextMessage(std::uint32_t timeoutMs);
 
   bench::PipeServer pipes_;
   OutputReader outputs_;
+  std::map<std::string, Command> commands_;
 };
 
 }  // namespace ombrel::test

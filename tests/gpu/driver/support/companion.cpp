@@ -1,9 +1,11 @@
 #include "gpu_support/companion.h"
 
 #include <array>
-#include <cstdio>
+#include <chrono>
 #include <cstdlib>
 #include <stdexcept>
+
+#include "base/wait.h"
 
 namespace ombrel::test {
 namespace {
@@ -19,22 +21,10 @@ std::string ProgramName() {
   return name;
 }
 
-std::string ToHex(const bench::Bytes& bytes) {
-  std::string text;
-  for (const std::uint8_t byte : bytes) {
-    std::array<char, 3> digits{};
-    std::snprintf(digits.data(), digits.size(), "%02x", static_cast<unsigned>(byte));
-    text += digits.data();
-  }
-  return text;
-}
-
-bench::Bytes FromHex(const std::string& text) {
-  bench::Bytes bytes;
-  for (std::size_t i = 0; i + 1 < text.size(); i += 2) {
-    bytes.push_back(static_cast<std::uint8_t>(std::stoul(text.substr(i, 2), nullptr, 16)));
-  }
-  return bytes;
+// Whether a read of the pipe would return at once, also because its other end has gone.
+bool CanRead(HANDLE pipe) {
+  DWORD waiting = 0;
+  return !PeekNamedPipe(pipe, nullptr, 0, nullptr, &waiting, nullptr) || waiting != 0;
 }
 
 json ToJson(const Area& area) {
@@ -51,49 +41,61 @@ json ToJson(const Area& area) {
 }  // namespace
 
 // When it has answered, the system lists the process under its name.
-Companion::Companion() : process_(ProgramName()) { Do({{"do", "say hello"}}); }
+Companion::Companion() : process_(ProgramName(), {}, bench::ChildProcess::Output::kPipe) { Do({{"do", "say hello"}}); }
 
-json Companion::Do(json command) {
-  json answer = json::parse(process_.Ask(command.dump(), kAnswerTimeout));
+json Companion::Do(const json& command) {
+  const std::string line = command.dump() + '\n';
+  DWORD written = 0;
+  if (!WriteFile(process_.Input(), line.data(), static_cast<DWORD>(line.size()), &written, nullptr)) {
+    throw std::runtime_error("the program has ended: " + line);
+  }
+  json answer = json::parse(ReadLine());
   if (answer.is_object() && answer.contains("error")) {
-    throw std::runtime_error(command.dump() + ": " + answer.at("error").get<std::string>());
+    throw std::runtime_error(line + answer.at("error").get<std::string>());
   }
   return answer;
+}
+
+std::string Companion::ReadLine() {
+  std::string line;
+  std::array<char, 4096> buffer;
+  while (!line.ends_with('\n')) {
+    DWORD count = 0;
+    if (!bench::WaitUntil([this] { return CanRead(process_.OutputEnd()); }, kAnswerTimeout) ||
+        !ReadFile(process_.OutputEnd(), buffer.data(), buffer.size(), &count, nullptr)) {
+      throw std::runtime_error("the program does not answer");
+    }
+    line.append(buffer.data(), count);
+  }
+  return line;
 }
 
 bool Companion::OpenPipes() { return Do({{"do", "open pipes"}}); }
 void Companion::ClosePipes() { Do({{"do", "close pipes"}}); }
 bool Companion::WaitForConnection() { return Do({{"do", "wait for connection"}, {"timeout", kPatienceMs}}); }
-bool Companion::WaitForDisconnection() { return Do({{"do", "wait for disconnection"}, {"timeout", kPatienceMs}}); }
-bool Companion::Send(const bench::Bytes& bytes) { return Do({{"do", "send"}, {"bytes", ToHex(bytes)}}); }
-
-void Companion::WaitUntilRead() { Do({{"do", "flush"}}); }
+bool Companion::Send(const bench::Bytes& bytes) { return Do({{"do", "send"}, {"bytes", bytes}}); }
 
 std::optional<bench::Message> Companion::NextMessage(std::uint32_t timeoutMs) {
   const json answer = Do({{"do", "next message"}, {"timeout", timeoutMs}});
   if (!answer.is_object()) return std::nullopt;
-  return bench::Message{answer.at("type"), FromHex(answer.at("payload"))};
+  return bench::Message{answer.at("type"), answer.at("payload").get<bench::Bytes>()};
 }
 
-json Companion::Attach(const std::vector<std::uint64_t>& handles, const std::string& block) {
-  return Do({{"do", "attach"}, {"handles", handles}, {"block", block}});
+void Companion::Attach(const std::vector<std::uint64_t>& handles, const std::string& block) {
+  Do({{"do", "attach"}, {"handles", handles}, {"block", block}});
 }
 
-json Companion::AttachAnnounced(const bench::FrameSharingInfo& info) {
-  return Attach({info.sharedHandles[0], info.sharedHandles[1]}, info.name);
+std::uint32_t Companion::MakeTexture(std::uint8_t pattern) { return Do({{"do", "make"}, {"pattern", pattern}}); }
+
+void Companion::Paint(int texture, std::uint8_t pattern) {
+  Do({{"do", "paint"}, {"texture", texture}, {"pattern", pattern}});
 }
 
-HRESULT Companion::Acquire(int texture, std::uint32_t timeoutMs) {
-  return Do({{"do", "acquire"}, {"texture", texture}, {"timeout", timeoutMs}});
+HRESULT Companion::Acquire(int texture, std::uint32_t timeoutMs, std::uint64_t key) {
+  return Do({{"do", "acquire"}, {"texture", texture}, {"timeout", timeoutMs}, {"key", key}});
 }
 
 HRESULT Companion::Release(int texture) { return Do({{"do", "release"}, {"texture", texture}}); }
-
-std::vector<std::string> Companion::Compare(int texture, const std::vector<Area>& areas) {
-  json list = json::array();
-  for (const Area& area : areas) list.push_back(ToJson(area));
-  return Do({{"do", "compare"}, {"texture", texture}, {"areas", list}});
-}
 
 bench::PoseSlot Companion::Slot(int texture) { return Do({{"do", "slot"}, {"texture", texture}}); }
 
@@ -101,9 +103,16 @@ std::vector<std::string> Companion::Look(int texture, const std::vector<Area>& a
   if (const HRESULT result = Acquire(texture, kPatienceMs); result != S_OK) {
     return {"acquiring texture " + std::to_string(texture) + " gave " + std::to_string(result)};
   }
-  std::vector<std::string> differences = Compare(texture, areas);
+  json list = json::array();
+  for (const Area& area : areas) list.push_back(ToJson(area));
+  std::vector<std::string> differences = Do({{"do", "compare"}, {"texture", texture}, {"areas", list}});
   if (Release(texture) != S_OK) differences.push_back("could not give the texture back");
   return differences;
+}
+
+void Companion::End() {
+  process_.CloseInput();
+  if (!process_.WaitForEnd(kPatienceMs)) throw std::runtime_error("the program does not end");
 }
 
 }  // namespace ombrel::test

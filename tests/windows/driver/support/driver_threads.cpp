@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "companion/owned_handle.h"
+#include "base/owned_handle.h"
 
 namespace ombrel::test {
 namespace {

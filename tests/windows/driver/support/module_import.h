@@ -1,23 +1,18 @@
 #pragma once
 
+#include "sharing/import_patch.h"
+
 namespace ombrel::test {
 
-// Puts a function of the test in the place of one that a loaded module imports through its import table, and returns
-// what stood there. Throws std::runtime_error when the module has no such import.
+// Puts a function of the test in the place of one that a loaded module imports, from whichever library, and returns what
+// stood there. Throws std::runtime_error when the module has no such import.
 void* ReplaceImport(void* module, const char* function, void* replacement);
 
 // The same for as long as the owner lives. The module must stay loaded that long.
-class ModuleImport {
+class ModuleImport : public bench::ImportPatch {
  public:
-  ModuleImport(void* module, const char* function, void* replacement);
-  ~ModuleImport();
-  ModuleImport(const ModuleImport&) = delete;
-  ModuleImport& operator=(const ModuleImport&) = delete;
-
- private:
-  void* module_;
-  const char* function_;
-  void* original_;
+  ModuleImport(void* module, const char* function, void* replacement)
+      : ImportPatch(static_cast<HMODULE>(module), nullptr, function, replacement) {}
 };
 
 }  // namespace ombrel::test

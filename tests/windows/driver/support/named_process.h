@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "companion/owned_handle.h"
+#include "base/owned_handle.h"
 
 namespace ombrel::test {
 

@@ -1,4 +1,4 @@
-#include "companion/statistics.h"
+#include "base/percentile.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,12 +1,17 @@
-#include "picture.h"
+#include "picture/drawing.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <memory>
 
+#define STB_IMAGE_IMPLEMENTATION
+#define STB_IMAGE_STATIC
+#define STBI_ONLY_PNG
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #define STB_IMAGE_WRITE_STATIC
 #include "stb/stb_easy_font.h"
+#include "stb/stb_image.h"
 #include "stb/stb_image_write.h"
 
 namespace bench {
@@ -81,6 +86,15 @@ void WriteCaption(Image& image, int x, int y, const std::string& text) {
 bool SavePng(const Image& image, const std::filesystem::path& path) {
   stbi_write_png_compression_level = 4;
   return stbi_write_png(path.string().c_str(), image.width, image.height, 4, image.pixels.data(), image.width * 4) != 0;
+}
+
+Image LoadPng(const std::filesystem::path& path) {
+  int width = 0, height = 0, channels = 0;
+  const std::unique_ptr<stbi_uc, decltype(&stbi_image_free)> pixels(
+      stbi_load(path.string().c_str(), &width, &height, &channels, 4), &stbi_image_free);
+  Image image(width, height);
+  if (pixels) std::memcpy(image.pixels.data(), pixels.get(), image.pixels.size());
+  return image;
 }
 
 }  // namespace bench

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-#include "companion/image.h"
+#include "picture/image.h"
 
 namespace bench {
 
@@ -18,5 +18,7 @@ void WriteCaption(Image& image, int x, int y, const std::string& text);
 
 // False when the file could not be written.
 bool SavePng(const Image& image, const std::filesystem::path& path);
+// Empty when the file cannot be read.
+Image LoadPng(const std::filesystem::path& path);
 
 }  // namespace bench

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace bench {
@@ -20,6 +21,8 @@ struct Image {
       : width(imageWidth),
         height(imageHeight),
         pixels(static_cast<std::size_t>(imageWidth) * static_cast<std::size_t>(imageHeight) * 4) {}
+  Image(int imageWidth, int imageHeight, std::vector<std::uint8_t> rgba)
+      : width(imageWidth), height(imageHeight), pixels(std::move(rgba)) {}
 
   std::size_t Offset(int x, int y) const {
     return (static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x)) * 4;

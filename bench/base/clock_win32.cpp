@@ -1,6 +1,6 @@
-#include "companion/clock.h"
-
 #include <windows.h>
+
+#include "base/clock.h"
 
 namespace bench {
 
