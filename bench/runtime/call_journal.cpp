@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "runtime/clock.h"
+#include "base/clock.h"
 #include "runtime/thread_id.h"
 
 namespace bench {
@@ -30,8 +30,7 @@ void CallJournal::Append(std::string call, nlohmann::ordered_json arguments) {
     } else {
       ++counter->second;
     }
-    entries_.push_back(
-        {nextSequence_++, runtime::NowTicks(), runtime::ThreadId(), std::move(call), std::move(arguments)});
+    entries_.push_back({nextSequence_++, NowTicks(), runtime::ThreadId(), std::move(call), std::move(arguments)});
     if (recording_.is_open()) {
       recording_ << JsonLine(entries_.back()) << '\n';
     }

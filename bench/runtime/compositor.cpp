@@ -4,7 +4,7 @@
 #include <exception>
 #include <stdexcept>
 
-#include "runtime/clock.h"
+#include "base/clock.h"
 
 namespace bench {
 namespace {
@@ -41,7 +41,7 @@ std::int64_t Compositor::PeriodTicks(double hertz) const {
   if (hertz <= 0.0) {
     hertz = runtime_.Properties().Get<float>(headset_.container, vr::Prop_DisplayFrequency_Float).value_or(0.0F);
   }
-  return runtime::SecondsToTicks(1.0 / (hertz > 0.0 ? hertz : kFallbackHertz));
+  return SecondsToTicks(1.0 / (hertz > 0.0 ? hertz : kFallbackHertz));
 }
 
 EyeView Compositor::ViewOf(vr::EVREye eye, const runtime::PoseMatrix& head) const {
@@ -58,7 +58,7 @@ FrameReport Compositor::RunFrame() {
   const auto pose = runtime_.Poses().Latest(headset_.added.index);
   report.poseTicks = pose ? pose->ticks : 0;
   report.pose = pose ? runtime::WorldFromHead(pose->pose) : runtime::IdentityPose();
-  report.renderTicks = runtime::NowTicks();
+  report.renderTicks = NowTicks();
   HandOver(report);
   if (lastPresentTicks_ != 0) {
     report.missedIntervals = MissedIntervals(report.presentTicks - lastPresentTicks_, PeriodTicks(hertz_));
@@ -75,12 +75,12 @@ FrameReport Compositor::RunFrame() {
 
 void Compositor::Run(double hertz) {
   hertz_ = hertz;
-  std::int64_t dueTicks = runtime::NowTicks();
+  std::int64_t dueTicks = NowTicks();
   while (!StopRequested()) {
-    runtime::SleepUntilTicks(dueTicks);
+    SleepUntilTicks(dueTicks);
     // Counted from the frame's own start: the driver waits for its display as well, and two fixed
     // rhythms of one rate would wait for each other.
-    dueTicks = runtime::NowTicks() + PeriodTicks(hertz);
+    dueTicks = NowTicks() + PeriodTicks(hertz);
     RunFrame();
   }
 }

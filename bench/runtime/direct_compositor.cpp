@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "runtime/clock.h"
+#include "base/clock.h"
 #include "sharing/sharing_device.h"
 
 namespace bench {
@@ -83,9 +83,9 @@ void DirectCompositor::HandOver(FrameReport& report) {
     layer[eye].mProjection = ViewOf(static_cast<vr::EVREye>(eye), report.pose).projection;
   }
   component_.SubmitLayer(layer, &report.pose);
-  report.presentTicks = runtime::NowTicks();
+  report.presentTicks = NowTicks();
   component_.Present(sync_.Handle());
-  report.presentedTicks = runtime::NowTicks();
+  report.presentedTicks = NowTicks();
 }
 
 void DirectCompositor::AfterPresent(const FrameReport&) {

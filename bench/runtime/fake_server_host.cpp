@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "runtime/clock.h"
+#include "base/clock.h"
 #include "runtime/pose_matrix.h"
 #include "runtime/thread_id.h"
 
@@ -137,7 +137,7 @@ bool FakeServerHost::TrackedDeviceAdded(const char* pchDeviceSerialNumber, vr::E
 void FakeServerHost::TrackedDevicePoseUpdated(uint32_t unWhichDevice, const vr::DriverPose_t& newPose,
                                               uint32_t unPoseStructSize) {
   PoseRecord record;
-  record.ticks = runtime::NowTicks();
+  record.ticks = NowTicks();
   record.threadId = runtime::ThreadId();
   record.device = unWhichDevice;
   record.structSize = unPoseStructSize;

@@ -4,7 +4,7 @@
 #include <ranges>
 #include <utility>
 
-#include "runtime/clock.h"
+#include "base/clock.h"
 
 namespace bench {
 
@@ -48,9 +48,9 @@ void RuntimeSession::ActivatePendingHere() {
 
 void RuntimeSession::RunFrameHere() {
   ActivatePendingHere();
-  const std::int64_t start = runtime::NowTicks();
+  const std::int64_t start = NowTicks();
   provider_.RunFrame();
-  longestFrameMs_ = std::max(longestFrameMs_.load(), runtime::TicksToMilliseconds(runtime::NowTicks() - start));
+  longestFrameMs_ = std::max(longestFrameMs_.load(), TicksToMilliseconds(NowTicks() - start));
   ++frames_;
 }
 

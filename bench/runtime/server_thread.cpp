@@ -6,7 +6,7 @@
 #include <future>
 #include <utility>
 
-#include "runtime/clock.h"
+#include "base/clock.h"
 #include "runtime/thread_id.h"
 
 namespace bench {
@@ -51,8 +51,8 @@ void ServerThread::SetTick(std::function<void()> tick, double hertz) {
   Run([&] {
     const std::lock_guard lock(mutex_);
     tick_ = hertz > 0 ? std::move(tick) : nullptr;
-    periodTicks_ = hertz > 0 ? runtime::SecondsToTicks(1.0 / hertz) : 0;
-    lastTickTicks_ = runtime::NowTicks() - periodTicks_;
+    periodTicks_ = hertz > 0 ? SecondsToTicks(1.0 / hertz) : 0;
+    lastTickTicks_ = NowTicks() - periodTicks_;
   });
 }
 
@@ -75,9 +75,9 @@ void ServerThread::Loop() {
       changed_.wait(lock);
       continue;
     }
-    const std::int64_t now = runtime::NowTicks();
+    const std::int64_t now = NowTicks();
     if (now < *next) {
-      changed_.wait_for(lock, std::chrono::duration<double>(runtime::TicksToSeconds(*next - now)));
+      changed_.wait_for(lock, std::chrono::duration<double>(TicksToSeconds(*next - now)));
       continue;
     }
     // On time, the next tick is due one period after this one was; late, one period from now.

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "runtime/clock.h"
+#include "base/clock.h"
 
 namespace bench {
 namespace {
@@ -55,9 +55,9 @@ void VirtualCompositor::HandOver(FrameReport& report) {
   info.vsync = vr::VSync_None;
   info.nFrameId = report.index;
   info.flVSyncTimeInSeconds = lastVsyncSeconds_;
-  report.presentTicks = runtime::NowTicks();
+  report.presentTicks = NowTicks();
   display_.Present(&info, sizeof info);
-  report.presentedTicks = runtime::NowTicks();
+  report.presentedTicks = NowTicks();
 }
 
 void VirtualCompositor::AfterPresent(const FrameReport&) {
@@ -65,7 +65,7 @@ void VirtualCompositor::AfterPresent(const FrameReport&) {
   float sinceVsync = 0.0F;
   std::uint64_t frameCounter = 0;
   if (display_.GetTimeSinceLastVsync(&sinceVsync, &frameCounter)) {
-    lastVsyncSeconds_ = runtime::TicksToSeconds(runtime::NowTicks()) - static_cast<double>(sinceVsync);
+    lastVsyncSeconds_ = TicksToSeconds(NowTicks()) - static_cast<double>(sinceVsync);
   }
 }
 

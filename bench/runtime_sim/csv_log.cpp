@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "runtime/clock.h"
+#include "base/clock.h"
 #include "runtime/pose_matrix.h"
 
 namespace bench {
@@ -44,9 +44,8 @@ FrameCsv::FrameCsv(const std::filesystem::path& file)
 
 void FrameCsv::Add(const FrameReport& report) {
   if (stream_.is_open()) {
-    stream_ << report.index << ',' << report.presentTicks << ',' << runtime::TicksPerSecond() << ','
-            << report.presentedTicks << ',' << report.renderTicks << ',' << report.poseTicks << ','
-            << report.missedIntervals;
+    stream_ << report.index << ',' << report.presentTicks << ',' << TicksPerSecond() << ',' << report.presentedTicks
+            << ',' << report.renderTicks << ',' << report.poseTicks << ',' << report.missedIntervals;
     WriteMatrix(stream_, report.pose);
   }
 }
@@ -58,9 +57,8 @@ void PoseCsv::Add(const PoseRecord& record) {
   const std::lock_guard lock(mutex_);
   if (stream_.is_open()) {
     const vr::HmdQuaternion_t& rotation = record.pose.qRotation;
-    stream_ << number_++ << ',' << record.ticks << ',' << runtime::TicksPerSecond() << ','
-            << (record.pose.poseIsValid ? 1 : 0) << ',' << rotation.w << ',' << rotation.x << ',' << rotation.y << ','
-            << rotation.z;
+    stream_ << number_++ << ',' << record.ticks << ',' << TicksPerSecond() << ',' << (record.pose.poseIsValid ? 1 : 0)
+            << ',' << rotation.w << ',' << rotation.x << ',' << rotation.y << ',' << rotation.z;
     WriteMatrix(stream_, runtime::WorldFromHead(record.pose));
   }
 }

@@ -9,9 +9,9 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include "base/percentile.h"
 #include "csv_table.h"
 #include "latency.h"
-#include "runtime/percentile.h"
 
 namespace bench {
 namespace {
@@ -94,11 +94,11 @@ void WriteJson(const Report& report, const std::filesystem::path& file) {
                                        {"framesPresented", report.framesPresented},
                                        {"framesReceived", report.framesReceived},
                                        {"droppedFrames", report.dropped},
-                                       {"poseToRuntimeMedianMs", runtime::Percentile(report.poseMs, 0.5)},
-                                       {"poseToRuntimeP99Ms", runtime::Percentile(report.poseMs, 0.99)},
+                                       {"poseToRuntimeMedianMs", Percentile(report.poseMs, 0.5)},
+                                       {"poseToRuntimeP99Ms", Percentile(report.poseMs, 0.99)},
                                        {"posesMeasured", report.poseMs.size()},
-                                       {"frameToCompanionMedianMs", runtime::Percentile(report.frameMs, 0.5)},
-                                       {"frameToCompanionP99Ms", runtime::Percentile(report.frameMs, 0.99)},
+                                       {"frameToCompanionMedianMs", Percentile(report.frameMs, 0.5)},
+                                       {"frameToCompanionP99Ms", Percentile(report.frameMs, 0.99)},
                                        {"framesMeasured", report.frameMs.size()},
                                        {"framesMeasuredByTime", report.framesByTime}};
   std::ofstream stream(file, std::ios::binary | std::ios::trunc);
@@ -123,9 +123,8 @@ void Print(const Report& report) {
       "summary: %.1f poses/s, %.1f frames/s, %zu of %zu frames received, %llu dropped, pose to runtime median %.2f ms "
       "p99 %.2f ms, frame to companion median %.2f ms p99 %.2f ms%s\n",
       report.posesPerSecond, report.framesPerSecond, report.framesReceived, report.framesPresented,
-      static_cast<unsigned long long>(report.dropped), runtime::Percentile(report.poseMs, 0.5),
-      runtime::Percentile(report.poseMs, 0.99), runtime::Percentile(report.frameMs, 0.5),
-      runtime::Percentile(report.frameMs, 0.99), report.framesByTime ? " (by time)" : "");
+      static_cast<unsigned long long>(report.dropped), Percentile(report.poseMs, 0.5), Percentile(report.poseMs, 0.99),
+      Percentile(report.frameMs, 0.5), Percentile(report.frameMs, 0.99), report.framesByTime ? " (by time)" : "");
 }
 
 int Main(int argc, char** argv) {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <span>
 
-#include "runtime/clock.h"
-#include "runtime/percentile.h"
+#include "base/clock.h"
+#include "base/percentile.h"
 
 namespace bench {
 namespace {
@@ -19,16 +19,16 @@ FrameFigures FiguresOf(std::span<const FrameReport> frames) {
   std::vector<double> presents;
   for (const FrameReport& frame : frames) {
     figures.missedIntervals += frame.missedIntervals;
-    presents.push_back(runtime::TicksToMilliseconds(frame.presentedTicks - frame.presentTicks));
+    presents.push_back(TicksToMilliseconds(frame.presentedTicks - frame.presentTicks));
     if (frame.poseTicks != 0) {
-      poseAges.push_back(runtime::TicksToMilliseconds(frame.renderTicks - frame.poseTicks));
+      poseAges.push_back(TicksToMilliseconds(frame.renderTicks - frame.poseTicks));
     }
   }
-  figures.seconds = runtime::TicksToSeconds(frames.back().presentTicks - frames.front().presentTicks);
-  figures.poseAgeMedianMs = runtime::Percentile(poseAges, 0.5);
-  figures.poseAgeP99Ms = runtime::Percentile(poseAges, 0.99);
-  figures.presentMedianMs = runtime::Percentile(presents, 0.5);
-  figures.presentP99Ms = runtime::Percentile(presents, 0.99);
+  figures.seconds = TicksToSeconds(frames.back().presentTicks - frames.front().presentTicks);
+  figures.poseAgeMedianMs = Percentile(poseAges, 0.5);
+  figures.poseAgeP99Ms = Percentile(poseAges, 0.99);
+  figures.presentMedianMs = Percentile(presents, 0.5);
+  figures.presentP99Ms = Percentile(presents, 0.99);
   return figures;
 }
 

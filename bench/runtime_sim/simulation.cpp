@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <stdexcept>
 
-#include "runtime/clock.h"
-#include "runtime/wait.h"
+#include "base/clock.h"
+#include "base/wait.h"
 #include "sharing/device_group.h"
 #include "sharing/sharing_device.h"
 
@@ -128,9 +128,9 @@ bool Simulation::Finished(double seconds) const {
 }
 
 void Simulation::Watch() {
-  const std::int64_t start = runtime::NowTicks();
+  const std::int64_t start = NowTicks();
   double nextLine = 1.0;
-  const auto seconds = [start] { return runtime::TicksToSeconds(runtime::NowTicks() - start); };
+  const auto seconds = [start] { return TicksToSeconds(NowTicks() - start); };
   while (!Finished(seconds())) {
     haptics_.Advance(seconds(), runtime_, session_);
     if (graphics_->WaitStopped(10ms)) {  // it ends by itself only when it fails

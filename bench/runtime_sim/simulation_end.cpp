@@ -4,7 +4,7 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "runtime/clock.h"
+#include "base/clock.h"
 #include "simulation.h"
 
 namespace bench {
@@ -33,9 +33,9 @@ void Simulation::Shutdown() {
   } else {
     graphics_->AbandonDriver();
   }
-  const std::int64_t start = runtime::NowTicks();
+  const std::int64_t start = NowTicks();
   session_.Cleanup();
-  cleanupMs_ = runtime::TicksToMilliseconds(runtime::NowTicks() - start);
+  cleanupMs_ = TicksToMilliseconds(NowTicks() - start);
   if (!stopped && !graphics_->WaitStopped(5s)) {
     throw std::runtime_error("the driver keeps a frame after Cleanup");
   }

@@ -5,10 +5,10 @@
 #include <chrono>
 #include <stdexcept>
 
+#include "base/wait.h"
 #include "companion/controller_record.h"
 #include "companion/messages.h"
 #include "companion/tracking_update.h"
-#include "runtime/wait.h"
 #include "sharing/import_patch.h"
 #include "sharing/sharing_device.h"
 

@@ -2,9 +2,9 @@
 
 #include <stdexcept>
 
+#include "base/wait.h"
 #include "clocks.h"
 #include "runtime/keyed_texture.h"
-#include "runtime/wait.h"
 #include "sharing/sharing_device.h"
 
 namespace bench::speed {

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "base/percentile.h"
 
 namespace bench {
 namespace {
@@ -33,15 +32,6 @@ TEST(HeadMotion, HoldsItsStartBeforeAndItsEndAfter) {
   EXPECT_FLOAT_EQ(motion.At(-1).yaw, 0.1F);
   EXPECT_FLOAT_EQ(motion.At(1).yaw, 0.3F);
   EXPECT_FLOAT_EQ(motion.At(100).yaw, 0.5F);
-}
-
-TEST(Percentile, IsAValueOfTheList) {
-  EXPECT_EQ(Percentile({}, 0.5), 0);
-  EXPECT_EQ(Percentile({3, 1, 2}, 0.5), 2);
-  std::vector<double> hundred(100);
-  for (std::size_t i = 0; i < hundred.size(); ++i) hundred[i] = static_cast<double>(i + 1);
-  EXPECT_EQ(Percentile(hundred, 0.99), 99);
-  EXPECT_EQ(Percentile(hundred, 1), 100);
 }
 
 }  // namespace

@@ -2,17 +2,17 @@
 
 #include <gtest/gtest.h>
 
-#include "runtime/clock.h"
+#include "base/clock.h"
 
 namespace bench {
 namespace {
 
 FrameReport At(double seconds, double poseAgeMs, std::uint32_t missed) {
   FrameReport report;
-  report.presentTicks = runtime::SecondsToTicks(100.0 + seconds);
-  report.presentedTicks = report.presentTicks + runtime::SecondsToTicks(0.002);
-  report.renderTicks = report.presentTicks - runtime::SecondsToTicks(0.005);
-  report.poseTicks = report.renderTicks - runtime::SecondsToTicks(poseAgeMs / 1000.0);
+  report.presentTicks = SecondsToTicks(100.0 + seconds);
+  report.presentedTicks = report.presentTicks + SecondsToTicks(0.002);
+  report.renderTicks = report.presentTicks - SecondsToTicks(0.005);
+  report.poseTicks = report.renderTicks - SecondsToTicks(poseAgeMs / 1000.0);
   report.missedIntervals = missed;
   return report;
 }

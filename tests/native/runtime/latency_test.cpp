@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "runtime/percentile.h"
+#include "base/percentile.h"
 
 namespace bench {
 namespace {
@@ -74,10 +74,11 @@ TEST(Latency, ByTimeTheLastPresentCounts) {
 }
 
 TEST(Percentile, IsTheSmallestThatCoversTheShare) {
-  EXPECT_EQ(runtime::Percentile({5, 1, 4, 2, 3}, 0.5), 3);
-  EXPECT_EQ(runtime::Percentile({5, 1, 4, 2, 3}, 0.99), 5);
-  EXPECT_EQ(runtime::Percentile({7, 8}, 0.5), 7);
-  EXPECT_EQ(runtime::Percentile({}, 0.5), 0);
+  EXPECT_EQ(Percentile({5, 1, 4, 2, 3}, 0.5), 3);
+  EXPECT_EQ(Percentile({5, 1, 4, 2, 3}, 0.99), 5);
+  EXPECT_EQ(Percentile({7, 8}, 0.5), 7);
+  EXPECT_EQ(Percentile({7, 8}, 1), 8);
+  EXPECT_EQ(Percentile({}, 0.5), 0);
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 
 #include "runtime/thread_id.h"
 
-#include "runtime/wait.h"
+#include "base/wait.h"
 
 namespace bench {
 namespace {

@@ -7,11 +7,11 @@
 #include <chrono>
 #include <string>
 
-#include "companion/controller_record.h"
 #include "base/owned_handle.h"
+#include "base/wait.h"
+#include "companion/controller_record.h"
 #include "companion/pipe_server.h"
 #include "companion/tracking_update.h"
-#include "runtime/wait.h"
 #include "support/driver_test.h"
 #include "support/module_import.h"
 

@@ -2,7 +2,7 @@
 
 #include <chrono>
 
-#include "runtime/wait.h"
+#include "base/wait.h"
 #include "silent_pipes.h"
 #include "support/link_test.h"
 

@@ -7,7 +7,7 @@
 #include <chrono>
 #include <future>
 
-#include "runtime/wait.h"
+#include "base/wait.h"
 #include "support/link_test.h"
 #include "support/module_import.h"
 

@@ -7,9 +7,9 @@
 #include <thread>
 #include <vector>
 
+#include "base/wait.h"
 #include "companion/controller_record.h"
 #include "companion/tracking_update.h"
-#include "runtime/wait.h"
 #include "silent_pipes.h"
 #include "support/driver_test.h"
 

@@ -11,8 +11,8 @@
 #include <thread>
 #include <vector>
 
+#include "base/wait.h"
 #include "handle_count.h"
-#include "runtime/wait.h"
 #include "support/driver_threads.h"
 #include "support/link_test.h"
 #include "support/test_files.h"

@@ -7,10 +7,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "runtime/clock.h"
+#include "base/clock.h"
+#include "base/wait.h"
 #include "runtime/direct_compositor.h"
 #include "runtime/virtual_compositor.h"
-#include "runtime/wait.h"
 #include "sharing/sharing_device.h"
 #include "toy_headset.h"
 
@@ -170,7 +170,7 @@ TEST_F(CompositorTest, TheLoopNeverRunsAheadOfItsRate) {
   EXPECT_TRUE(compositor.Failure().empty());
   for (std::size_t index = 1; index < reports.size(); ++index) {
     EXPECT_EQ(reports[index].index, index);
-    EXPECT_GE(reports[index].renderTicks - reports[index - 1].renderTicks, runtime::SecondsToTicks(0.0199));
+    EXPECT_GE(reports[index].renderTicks - reports[index - 1].renderTicks, SecondsToTicks(0.0199));
   }
 }
 

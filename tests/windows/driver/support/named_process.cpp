@@ -7,7 +7,7 @@
 #include <chrono>
 #include <stdexcept>
 
-#include "runtime/wait.h"
+#include "base/wait.h"
 #include "support/test_files.h"
 
 namespace ombrel::test {
