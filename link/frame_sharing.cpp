@@ -16,12 +16,9 @@ std::string MakeFrameSharingName() {
   return name;
 }
 
-void FrameSharing::CreateBlock() {
+void FrameSharing::Create() {
   frameSharingName_ = MakeFrameSharingName();
   block_.Create(frameSharingName_, kFrameSharingBlockSize);
-}
-
-void FrameSharing::CreateMutexes() {
   frameMutex0_ = CreateNamedMutex(frameSharingName_ + "0");
   frameMutex1_ = CreateNamedMutex(frameSharingName_ + "1");
 }

@@ -14,11 +14,10 @@ OmbrelCore::OmbrelCore(std::unique_ptr<IFrameRenderer> renderer)
 
 void OmbrelCore::SetUp() {
   if (initialised_) return;
-  sharing_.CreateBlock();
+  sharing_.Create();
   client_.AddListener(static_cast<IConnectionStateChangedListener*>(this));
   client_.AddListener(static_cast<IFramerateUpdatedListener*>(this));
   client_.AskBeforeConnecting([this] { return MayConnect(); });
-  sharing_.CreateMutexes();
   initialised_ = true;
 }
 

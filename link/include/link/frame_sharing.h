@@ -27,8 +27,7 @@ inline constexpr std::int32_t kFrameSharingBlockSize = 128;
 class FrameSharing {
  public:
   // Server thread, once.
-  void CreateBlock();
-  void CreateMutexes();
+  void Create();
 
   // The thread that holds the output texture of that index.
   void WriteSlot(std::int32_t slot, const FramePose& pose);

@@ -56,8 +56,7 @@ TEST(FrameSharing, HasANameOnceItsBlockIsMadeAndTakesPosesForBothSlots) {
   FrameSharing sharing;
   EXPECT_TRUE(sharing.Name().empty());
   sharing.WriteSlot(0, {});
-  sharing.CreateBlock();
-  sharing.CreateMutexes();
+  sharing.Create();
   EXPECT_EQ(sharing.Name().size(), 58U);
   // The address sanitizer watches the block's bounds.
   sharing.WriteSlot(0, {});
