@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <stdexcept>
+#include <vector>
 
 #include "base/wait.h"
 #include "support/test_files.h"
@@ -32,56 +33,18 @@ std::string ListedName(std::uint32_t id) {
 NamedProcess::NamedProcess(const std::string& executableName) : folder_(MakeTemporaryFolder()) {
   const std::filesystem::path program = folder_ / executableName;
   std::filesystem::copy_file(IdleProgram(), program);
-  Start(program);
-  if (!bench::WaitUntil([&] { return ListedName(id_) == executableName; }, kStartTimeout)) {
+  process_ = std::make_unique<bench::ChildProcess>(program, std::vector<std::string>{kLifetimeSeconds});
+  if (!bench::WaitUntil([&] { return ListedName(process_->Id()) == executableName; }, kStartTimeout)) {
     throw std::runtime_error(executableName + " is not listed");
   }
 }
 
 NamedProcess::~NamedProcess() {
-  End();
+  const std::uint32_t id = process_->Id();
+  process_.reset();
+  static_cast<void>(bench::WaitUntil([&] { return ListedName(id).empty(); }, kStartTimeout));
   std::error_code ignored;
   std::filesystem::remove_all(folder_, ignored);
-}
-
-void NamedProcess::Start(const std::filesystem::path& program) {
-  SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
-  HANDLE readEnd = nullptr;
-  HANDLE writeEnd = nullptr;
-  if (CreatePipe(&readEnd, &writeEnd, &inheritable, 0) == 0) throw std::runtime_error("no pipe");
-  const bench::OwnedHandle childInput(readEnd);
-  standardInput_ = bench::OwnedHandle(writeEnd);
-  SetHandleInformation(writeEnd, HANDLE_FLAG_INHERIT, 0);
-  STARTUPINFOA startup{};
-  startup.cb = sizeof(startup);
-  startup.dwFlags = STARTF_USESTDHANDLES;
-  startup.hStdInput = readEnd;
-  PROCESS_INFORMATION information{};
-  // Detached: the process that serves a console outlives it for a while, and keeps this program's output open.
-  std::string commandLine = "\"" + program.string() + "\" " + kLifetimeSeconds;
-  if (CreateProcessA(program.string().c_str(), commandLine.data(), nullptr, nullptr, TRUE, DETACHED_PROCESS, nullptr,
-                     nullptr, &startup, &information) == 0) {
-    throw std::runtime_error("cannot start " + program.string());
-  }
-  CloseHandle(information.hThread);
-  process_ = bench::OwnedHandle(information.hProcess);
-  id_ = information.dwProcessId;
-}
-
-bool NamedProcess::IsRunning() const { return WaitForSingleObject(process_.Get(), 0) == WAIT_TIMEOUT; }
-
-std::optional<std::uint32_t> NamedProcess::WaitForEnd(std::uint32_t timeoutMs) const {
-  DWORD code = 0;
-  if (WaitForSingleObject(process_.Get(), timeoutMs) != WAIT_OBJECT_0) return std::nullopt;
-  return GetExitCodeProcess(process_.Get(), &code) != 0 ? std::optional<std::uint32_t>(code) : std::nullopt;
-}
-
-void NamedProcess::End() {
-  if (!process_) return;
-  TerminateProcess(process_.Get(), 1);
-  WaitForSingleObject(process_.Get(), INFINITE);
-  process_.Reset();
-  static_cast<void>(bench::WaitUntil([&] { return ListedName(id_).empty(); }, kStartTimeout));
 }
 
 }  // namespace ombrel::test

@@ -2,10 +2,11 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 
-#include "base/owned_handle.h"
+#include "base/child_process.h"
 
 namespace ombrel::test {
 
@@ -19,20 +20,15 @@ class NamedProcess {
   NamedProcess(const NamedProcess&) = delete;
   NamedProcess& operator=(const NamedProcess&) = delete;
 
-  [[nodiscard]] std::uint32_t Id() const { return id_; }
-  [[nodiscard]] bool IsRunning() const;
+  [[nodiscard]] bool IsRunning() const { return process_->IsRunning(); }
   // Its exit code once it has ended; nothing when it runs on for `timeoutMs`.
-  [[nodiscard]] std::optional<std::uint32_t> WaitForEnd(std::uint32_t timeoutMs) const;
-  // Ends it and returns when the system lists it no longer.
-  void End();
+  [[nodiscard]] std::optional<std::uint32_t> WaitForEnd(std::uint32_t timeoutMs) const {
+    return process_->WaitForEnd(timeoutMs);
+  }
 
  private:
-  void Start(const std::filesystem::path& program);
-
   std::filesystem::path folder_;
-  bench::OwnedHandle process_;
-  bench::OwnedHandle standardInput_;  // the program ends when this closes
-  std::uint32_t id_ = 0;
+  std::unique_ptr<bench::ChildProcess> process_;
 };
 
 }  // namespace ombrel::test
