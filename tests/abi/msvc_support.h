@@ -25,7 +25,7 @@ class GuardedResult {
     return value;
   }
   [[nodiscard]] bool IsUntouchedAround() const {
-    const auto isCanary = [](std::uint8_t byte) { return byte == kCanary; };
+    const auto isCanary = [](std::uint8_t guard) { return guard == kCanary; };
     return std::all_of(memory_.begin(), memory_.begin() + kGuardBytes, isCanary) &&
            std::all_of(memory_.end() - kGuardBytes, memory_.end(), isCanary);
   }
