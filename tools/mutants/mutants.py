@@ -96,6 +96,7 @@ def try_out(trees, mutant):
             status, by = judge(tree, mutant)
         if status != 'survived':
             break
+    by = ' '.join(by.split())
     print(f'{status}: {mutant.file}:{mutant.line}  {mutant.becomes}  {by and f"({by})"}', flush=True)
     return status, by
 
