@@ -79,6 +79,8 @@ TEST_F(StoppingTest, ForgetsItsListenersAndCanStartAgain) {
   client_.Start();
   ASSERT_TRUE(companion_.Connect());
   ASSERT_TRUE(WaitUntil([this] { return client_.IsConnected(); }));
+  ASSERT_TRUE(companion_.Send(9, Bytes().U32(72)));
+  ASSERT_TRUE(companion_.Send(10, Bytes().U32(5).Fill(188)));
   ASSERT_TRUE(companion_.SendPose(0, 0, 0, 1));
   EXPECT_TRUE(WaitUntil([this] { return client_.HasTrackingData(); }));
   EXPECT_EQ(listener_.journal.Size(), heard);
