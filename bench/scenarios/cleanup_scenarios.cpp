@@ -2,6 +2,7 @@
 #include <windows.h>
 
 #include <array>
+#include <atomic>
 #include <future>
 #include <thread>
 
@@ -64,9 +65,12 @@ void DuringWaitForPose(ScenarioRun& run) {
   life.Start();
   FrameCompanion companion;
   run.Check(companion.Connect(), "the driver connects");
+  std::atomic<bool> isAnnounced = false;
   auto present = std::async(std::launch::async, [&] {
-    while (!companion.TakeAnnouncement(5)) life.Present(texture.Handle());
+    for (life.Present(texture.Handle()); !isAnnounced; life.Present(texture.Handle())) Sleep(1);
   });
+  run.Check(companion.TakeAnnouncement(kPatienceMs), "the driver takes a frame");
+  isAnnounced = true;
   EndDuring(run, life, present);
 }
 
