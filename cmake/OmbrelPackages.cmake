@@ -13,14 +13,15 @@ set(CMAKE_INSTALL_MESSAGE NEVER)
 
 # For Windows' editors and for cmd.exe, which misses labels in files without carriage returns.
 set(with_carriage_returns "${PROJECT_BINARY_DIR}/installed")
-foreach(file resources/windows/install.cmd resources/windows/uninstall.cmd THIRD_PARTY_NOTICES.txt)
+foreach(file resources/windows/check.cmd resources/windows/install.cmd resources/windows/uninstall.cmd
+    THIRD_PARTY_NOTICES.txt)
   cmake_path(GET file FILENAME name)
   configure_file("${PROJECT_SOURCE_DIR}/${file}" "${with_carriage_returns}/${name}" @ONLY NEWLINE_STYLE CRLF)
 endforeach()
 
 set(resources "${PROJECT_SOURCE_DIR}/resources")
 install(FILES "${resources}/driver.vrdrivermanifest" "${with_carriage_returns}/THIRD_PARTY_NOTICES.txt"
-  "${with_carriage_returns}/install.cmd" "${with_carriage_returns}/uninstall.cmd"
+  "${with_carriage_returns}/check.cmd" "${with_carriage_returns}/install.cmd" "${with_carriage_returns}/uninstall.cmd"
   DESTINATION ombrel COMPONENT driver)
 install(FILES "${resources}/driver.vrresources" DESTINATION ombrel/resources COMPONENT driver)
 install(DIRECTORY "${resources}/icons" "${resources}/input" "${resources}/localization" "${resources}/settings"
@@ -33,7 +34,11 @@ if(TARGET driver_ombrel)
   install(FILES "${symbols}" "${with_carriage_returns}/THIRD_PARTY_NOTICES.txt" DESTINATION symbols COMPONENT symbols)
 endif()
 
-# By the lists of this version and of those before it, install.cmd knows the files that only an older version had.
+if(TARGET ombrel_doctor)
+  install(TARGETS ombrel_doctor RUNTIME DESTINATION ombrel/bin/win64 COMPONENT driver)
+endif()
+
+# By the lists of this version and of those before it, installing knows the files that only an older version had.
 install(CODE "set(list_of_files \"resources/files-${PROJECT_VERSION}.txt\")" COMPONENT driver)
 install(SCRIPT "${PROJECT_SOURCE_DIR}/cmake/list_installed_files.cmake" COMPONENT driver)
 
@@ -59,5 +64,8 @@ add_custom_target(dist ALL
   COMMAND "${CMAKE_COMMAND}" "-DBUILD=${PROJECT_BINARY_DIR}" "-DCONFIG=$<CONFIG>" "-DDIST=${OMBREL_DIST_DIR}"
     -P "${PROJECT_SOURCE_DIR}/cmake/make_dist.cmake"
   DEPENDS driver_ombrel VERBATIM COMMENT "Laying out ${OMBREL_DIST_DIR}")
+if(TARGET ombrel_doctor)
+  add_dependencies(dist ombrel_doctor)
+endif()
 set_property(GLOBAL PROPERTY OMBREL_DIST_DLL "${OMBREL_DIST_DIR}/ombrel/bin/win64/driver_ombrel.dll")
 set_property(GLOBAL PROPERTY OMBREL_DIST_ARCHIVE "${OMBREL_DIST_DIR}/ombrel-${PROJECT_VERSION}-win64.zip")

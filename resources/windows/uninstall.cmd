@@ -1,4 +1,4 @@
 @echo off
 rem Makes SteamVR forget the driver in this folder: uninstall.cmd [/quiet]
-rem Hands over to install.cmd, which finds SteamVR and says what it did. No call: it would expand the path twice.
-"%~dp0install.cmd" /uninstall %*
+rem Exit codes as of install.cmd. No call: it would expand the path twice.
+"%~dp0check.cmd" --uninstall %*

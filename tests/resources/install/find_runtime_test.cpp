@@ -1,10 +1,5 @@
-// How the scripts read the runtime's folder out of its path registry.
-#include <windows.h>
-
+// How installing reads the runtime's folder out of its path registry.
 #include <algorithm>
-#include <cstdlib>
-#include <fstream>
-#include <iterator>
 
 #include "install_test.h"
 
@@ -12,19 +7,6 @@ namespace ombrel::test {
 namespace {
 
 using testing::ElementsAre;
-
-bool IsWine() { return GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") != nullptr; }
-
-std::string InAnsiCodePage(const std::string& utf8) {
-  std::wstring wide(utf8.size(), L'\0');
-  wide.resize(static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()),
-                                                           wide.data(), static_cast<int>(wide.size()))));
-  std::string ansi(wide.size() * 2, '\0');
-  ansi.resize(
-      static_cast<std::size_t>(WideCharToMultiByte(CP_ACP, 0, wide.data(), static_cast<int>(wide.size()), ansi.data(),
-                                                   static_cast<int>(ansi.size()), nullptr, nullptr)));
-  return ansi;
-}
 
 class FindRuntimeTest : public InstallTest {
  protected:
@@ -50,25 +32,22 @@ TEST_F(FindRuntimeTest, InAFolderWithExclamationMarksAndCarets) {
   ExpectFound();
 }
 
-// The runtime writes UTF-8, which the script makes the console's code page. Windows' cmd.exe reads files in that one,
-// Wine's in the ANSI one whatever the console's is.
 TEST_F(FindRuntimeTest, InAFolderWithUmlauts) {
   PutRuntime("Spiele f\u00fcr J\u00f6rg/SteamVR");
-  const std::string text = "{\n\t\"runtime\" : \n\t[\n\t\t" + Json(runtime) + "\n\t]\n}\n";
-  WriteRegistryText(IsWine() ? InAnsiCodePage(text) : text);
-  LetVrpathregAnswer(0);
+  WriteRegistry(runtime);
   ExpectFound();
 }
 
-TEST_F(FindRuntimeTest, TheCodePageIsUtf8WhileReadingAndThenAsBefore) {
-  // What stands in the current folder comes before the system's.
-  const std::filesystem::path folder = At("current");
-  std::filesystem::create_directories(folder);
-  std::filesystem::copy_file(std::getenv("OMBREL_TEST_CHCP"), folder / "chcp.exe");
-  EXPECT_EQ(RunIn(folder, "\"" + TextOf(driver + "/install.cmd") + "\" /quiet").exitCode, 0);
-  std::ifstream calls(folder / "chcp.calls");
-  const std::vector<std::string> words{std::istream_iterator<std::string>(calls), {}};
-  EXPECT_THAT(words, ElementsAre("?", "65001", "850"));
+TEST_F(FindRuntimeTest, WrittenWithEscapedLetters) {
+  PutRuntime("Spiele f\u00fcr J\u00f6rg/SteamVR");
+  WriteRegistryText("{ \"runtime\" : [ " + nlohmann::json(TextOf(runtime)).dump(-1, ' ', true) + " ] }");
+  ExpectFound();
+}
+
+TEST_F(FindRuntimeTest, InAFileWithAMarkOfByteOrderAndComments) {
+  WriteRegistryText("\xEF\xBB\xBF// by hand\n{ \"runtime\" : /* here */ [ " + Json(runtime) + " ] }");
+  LetVrpathregAnswer(0);
+  ExpectFound();
 }
 
 TEST_F(FindRuntimeTest, InAFolderWhoseNameBeginsWithTheLetterU) {

@@ -60,12 +60,23 @@ int WaitForExitCode(const PROCESS_INFORMATION& process) {
   return static_cast<int>(code);
 }
 
+// A program's file can be removed a moment after its process has ended, not at once.
+void RemoveAll(const fs::path& folder) {
+  std::error_code error;
+  for (int tries = 0; tries < 100; ++tries) {
+    fs::remove_all(folder, error);
+    if (!error) return;
+    Sleep(20);
+  }
+}
+
 }  // namespace
 
 void InstallTest::SetUp() {
   static std::atomic<int> count = 0;
   const std::string name = "ombrel_install_" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(++count);
   root_ = fs::weakly_canonical(fs::temp_directory_path()) / name;
+  RemoveAll(root_);
   fs::create_directories(At("AppData/openvr"));
   PutRuntime("Program Files (x86)/SteamVR");
   PutDriver("My drivers/ombrel");
@@ -73,10 +84,7 @@ void InstallTest::SetUp() {
   SetEnvironmentVariableW(L"LOCALAPPDATA", At("AppData").c_str());
 }
 
-void InstallTest::TearDown() {
-  std::error_code ignored;
-  fs::remove_all(root_, ignored);
-}
+void InstallTest::TearDown() { RemoveAll(root_); }
 
 void InstallTest::PutRuntime(const std::string& folder) {
   runtime = folder;
@@ -89,8 +97,8 @@ void InstallTest::PutDriver(const std::string& folder) {
   Touch(At(folder + "/driver.vrdrivermanifest"));
   Touch(At(folder + "/bin/win64/driver_ombrel.dll"));
   const fs::path shipped = FromEnvironment("OMBREL_TEST_DRIVER_FOLDER");
-  for (const char* script : {"install.cmd", "uninstall.cmd"}) {
-    fs::copy_file(shipped / script, At(folder) / script);
+  for (const char* file : {"check.cmd", "install.cmd", "uninstall.cmd", "bin/win64/ombrel_doctor.exe"}) {
+    fs::copy_file(shipped / file, At(folder) / file);
   }
   Touch(At(folder + kListOfFiles));
 }

@@ -70,9 +70,13 @@ TEST_F(RefusalTest, WhenTheRegistryHasNoRuntimes) {
   ExpectRefused("uninstall.cmd", 3, "does not name its folder");
 }
 
-TEST_F(RefusalTest, WhenLettersAreEscapedSayingWhatToDoByHand) {
-  WriteRegistryText("{ \"runtime\" : [ \"C:\\\\Spiele f\\u00fcr alle\\\\SteamVR\" ] }");
-  ExpectBothRefused(3, "escaped letters");
+TEST_F(RefusalTest, WithoutTheProgram) {
+  Remove(driver + "/bin/win64/ombrel_doctor.exe");
+  ExpectBothRefused(1, "not complete");
+}
+
+TEST_F(RefusalTest, SayingWhatToDoByHand) {
+  WriteRegistryText("{ \"runtime\" : [] }");
   const std::string command = "vrpathreg.exe\" adddriver \"" + TextOf(driver) + "\"";
   EXPECT_THAT(Run("install.cmd").output, HasSubstr(command));
 }

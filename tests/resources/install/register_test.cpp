@@ -35,6 +35,19 @@ TEST_F(RegisterTest, InstallNamesTheSameFolderFromWhereverItIsCalled) {
   EXPECT_THAT(Calls(), ElementsAre(Call{"adddriver", TextOf(driver)}, Call{"adddriver", TextOf(driver)}));
 }
 
+TEST_F(RegisterTest, InstallTakesAnotherCopyOutWhenToldTo) {
+  PutDriver("Old/ombrel");
+  const std::string old = TextOf(driver);
+  Write(driver + "/driver.vrdrivermanifest", R"({ "name" : "ombrel" })");
+  EXPECT_EQ(Run("install.cmd").exitCode, 0);
+  PutDriver("New/ombrel");
+  const Outcome outcome = Run("install.cmd");
+  EXPECT_EQ(outcome.exitCode, 7) << outcome.output;
+  EXPECT_THAT(outcome.output, HasSubstr(old));
+  EXPECT_EQ(Run("install.cmd", " --replace /quiet").exitCode, 0);
+  EXPECT_THAT(Drivers(), ElementsAre("C:\\one", "C:\\runtime\\two", TextOf(driver)));
+}
+
 TEST_F(RegisterTest, UninstallLeavesTheRegistryAsItWas) {
   const nlohmann::json before = Registry();
   EXPECT_EQ(Run("install.cmd").exitCode, 0);

@@ -70,7 +70,7 @@ TEST_F(UpgradeTest, WorksInAFolderWithBlanksBracketsAmpersandsAndCarets) {
     UnpackOver(folder);
     Write(driver + kOldBindings, "{}");
     Write(driver + kOldList, "resources\\input\\bindings_of_old.json\r\n");
-    EXPECT_EQ(Run("install.cmd").exitCode, 0) << folder;
+    EXPECT_EQ(Run("install.cmd", " --replace /quiet").exitCode, 0) << folder;
     EXPECT_FALSE(Has(kOldBindings)) << folder;
     EXPECT_FALSE(Has(kOldList)) << folder;
   }

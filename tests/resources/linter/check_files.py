@@ -8,7 +8,7 @@ from PIL import Image
 import runtime
 from folder import exactly, fault, in_resources, schema_faults, texts_in
 
-SCRIPTS = ("install.cmd", "uninstall.cmd")
+SCRIPTS = ("check.cmd", "install.cmd", "uninstall.cmd")
 LANGUAGES = ("en_US", "de_DE")
 
 
