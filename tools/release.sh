@@ -30,6 +30,7 @@ build_from_nothing() {
   (
     cd "$1"
     cmake --preset mingw-release "-DOMBREL_OPENVR_DIR=$openvr" -DOMBREL_BUILD_BENCH=OFF -DOMBREL_BUILD_TESTS=OFF \
+      -DOMBREL_BUILD_DOCTOR=ON \
       -Wno-dev --log-level=WARNING
     cmake --build --preset mingw-release --target dist
     WINEPREFIX=$PWD/build/mingw-release/wine /usr/lib/wine/wineserver -k || true
