@@ -1,7 +1,6 @@
 #include "runtime/runtime_session.h"
 
 #include <algorithm>
-#include <ranges>
 #include <utility>
 
 #include "base/clock.h"
@@ -83,7 +82,8 @@ void RuntimeSession::Deactivate() {
       const std::lock_guard lock(mutex_);
       devices_.clear();
     }
-    for (const ActiveDevice& device : devices | std::views::reverse) {
+    std::ranges::reverse(devices);  // the last one first
+    for (const ActiveDevice& device : devices) {
       runtime_.Journal().Append("driver.Deactivate", {{"serial", device.added.serial}});
       device.added.driver->Deactivate();
     }
