@@ -3,6 +3,8 @@
 # both held against known hashes. Nothing of the package is run. Does nothing when the header is there already.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+# shellcheck source=tools/npm.sh
+. tools/npm.sh
 
 package=native-openvr-deps@0.0.17
 package_sha512=fjFo4yqeiXSEOCTe2wlxpjHbHCj/3fkQV2/HIiwc5MpgFnBsCLSU4iEte6KNgqrzMkwTfTPs8IkS62Ta0L08qA==
@@ -13,11 +15,6 @@ has_sha256() {
   echo "$2  $1" | sha256sum --check --status 2>/dev/null
 }
 
-# Hex, since that is what sha512sum reads; the package's hash is written as registries publish it.
-has_sha512() {
-  echo "$(base64 -d <<<"$2" | od -An -v -tx1 | tr -d ' \n')  $1" | sha512sum --check --status 2>/dev/null
-}
-
 if has_sha256 "$header" "$header_sha256"; then
   exit 0
 fi
@@ -25,13 +22,7 @@ fi
 echo "fetching the driver interface header ($package)"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-npm pack --loglevel=error --ignore-scripts --pack-destination "$work" "$package" >/dev/null
-archive=$(echo "$work"/*.tgz)
-if ! has_sha512 "$archive" "$package_sha512"; then
-  echo "$package is not the package it was: its hash differs" >&2
-  exit 1
-fi
-tar -xzf "$archive" -C "$work" package/lib.zip
+fetch_package "$package" "$package_sha512" "$work" package/lib.zip
 unzip -q -j "$work/package/lib.zip" headers/openvr_driver.h -d "$work"
 if ! has_sha256 "$work/openvr_driver.h" "$header_sha256"; then
   echo "the header in $package is not the one it was: its hash differs" >&2

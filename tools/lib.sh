@@ -12,7 +12,7 @@ display_packages=(xvfb libgl1 libgl1-mesa-dri libglx-mesa0)
 fuzz_packages=(g++ clang libclang-rt-dev llvm)
 msvc_packages=(clang-19 libc++-19-dev libwine-dev)
 test_packages=(mesa-vulkan-drivers libvulkan1 "${fuzz_packages[@]}" "${msvc_packages[@]}" vkd3d-compiler spirv-tools
-  python3-jsonschema python3-pil python3-pytest)
+  python3-jsonschema python3-pil python3-pytest python3-selenium chromium chromium-driver)
 
 say() {
   printf '\n== %s\n' "$*"
@@ -46,15 +46,17 @@ need() {
     -o Dpkg::Options::=--force-unsafe-io "${missing[@]}" | sed -nu 's/^Setting up \([^ ]*\).*/  \1/p'
 }
 
-# prepare PACKAGE...: the packages, the driver interface header, and the tools that fetch it while it is not here.
+# prepare PACKAGE...: the packages, the driver interface header, the report's chart library, and the tools that fetch both
+# while they are not here.
 prepare() {
   local packages=("$@")
-  if [ ! -e third_party/openvr/openvr_driver.h ]; then
+  if [ ! -e third_party/openvr/openvr_driver.h ] || [ ! -e third_party/uplot/LICENSE ]; then
     command -v npm >/dev/null || packages+=(npm ca-certificates)
     command -v unzip >/dev/null || packages+=(unzip)
   fi
   need "${packages[@]}"
   tools/fetch_openvr.sh
+  tools/fetch_uplot.sh
 }
 
 # build PRESET [TARGET...]

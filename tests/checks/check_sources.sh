@@ -94,7 +94,7 @@ check_msvc() {
 }
 
 check_size() {
-  for folder in $driver_folders bench tests; do
+  for folder in $driver_folders report bench tests; do
     for file in $(files_of "$folder"); do
       case $file in
         *.h) limit=119 ;;
