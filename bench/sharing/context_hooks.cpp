@@ -18,7 +18,10 @@ constexpr UINT kRefreshedSlots = 16;
 
 void RefreshResource(const Caller& caller, ID3D11Resource* resource) {
   if (caller.Device() == nullptr || resource == nullptr) return;
-  if (const auto shared = SharedTextures().Find(resource)) shared->Refresh();
+  const auto shared = SharedTextures().Find(resource);
+  if (shared == nullptr) return;
+  caller.Observer().OnReadSharedTexture(shared->Handle());
+  shared->Refresh();
 }
 
 // Asked of the context at each draw, so that it does not matter when and how a texture was bound.

@@ -30,6 +30,7 @@ class MockObserver : public DeviceObserver {
   MOCK_METHOD(void, OnOpenSharedResource, (std::uint32_t, HRESULT), (override));
   MOCK_METHOD(void, OnAcquireSync, (std::uint32_t, UINT64, DWORD, HRESULT), (override));
   MOCK_METHOD(void, OnReleaseSync, (std::uint32_t, UINT64, HRESULT), (override));
+  MOCK_METHOD(void, OnReadSharedTexture, (std::uint32_t), (override));
   MOCK_METHOD(void, OnOMSetRenderTargets, (std::span<ID3D11RenderTargetView* const>, ID3D11DepthStencilView*),
               (override));
   MOCK_METHOD(void, OnOMSetBlendState, (ID3D11BlendState*, const FLOAT*, UINT), (override));
@@ -75,10 +76,18 @@ TEST_F(ObserverTest, SeesWhichHandleWasOpened) {
   EXPECT_EQ(side.Open(0x1234), nullptr);
 }
 
+TEST_F(ObserverTest, SeesWhichSharedTextureACopyReads) {
+  const auto source = MakeKeyed(), target = MakeKeyed();
+  EXPECT_CALL(observer, OnReadSharedTexture(SharedHandle(source.Get()))).Times(2);
+  side.context->CopyResource(target.Get(), source.Get());
+  side.context->CopySubresourceRegion(target.Get(), 0, 0, 0, 0, source.Get(), 0, nullptr);
+}
+
 TEST_F(ObserverTest, DoesNotSeeTheCopiesOfTheSharing) {
   const auto texture = MakeKeyed();
   EXPECT_CALL(observer, OnCreateTexture2D(_)).Times(0);
   EXPECT_CALL(observer, OnCopyResource(_, _)).Times(0);
+  EXPECT_CALL(observer, OnReadSharedTexture(_)).Times(0);
   EXPECT_CALL(observer, OnMap(_, _)).Times(0);
   ASSERT_EQ(FindKeyedMutex(texture.Get())->AcquireSync(0, 0), S_OK);
   ASSERT_EQ(FindKeyedMutex(texture.Get())->ReleaseSync(0), S_OK);

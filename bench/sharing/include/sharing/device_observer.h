@@ -53,6 +53,9 @@ class DeviceObserver {
   virtual void OnAcquireSync(std::uint32_t /*handle*/, UINT64 /*key*/, DWORD /*timeoutMs*/, HRESULT) {}
   virtual void OnReleaseSync(std::uint32_t /*handle*/, UINT64 /*key*/, HRESULT) {}
 
+  // A draw or a copy is about to read a shared texture, held or not.
+  virtual void OnReadSharedTexture(std::uint32_t /*handle*/) {}
+
   // Context calls, before they run.
   virtual void OnOMSetRenderTargets(std::span<ID3D11RenderTargetView* const>, ID3D11DepthStencilView*) {}
   virtual void OnOMSetBlendState(ID3D11BlendState*, const FLOAT* /*factor, or null*/, UINT /*sampleMask*/) {}
