@@ -80,6 +80,8 @@ bool InterceptModule(HMODULE module) {
   return ReplaceImport(module, "d3d11.dll", "D3D11CreateDevice", reinterpret_cast<void*>(&InterceptedCreateDevice));
 }
 
+bool ShareTexturesOf(ID3D11Device* device) { return Adopt(device, DeviceGroup::kIntercepted); }
+
 HRESULT PublishSharedTexture(ID3D11Texture2D* texture) {
   const auto shared = SharedTextures().Find(texture);
   return shared == nullptr ? E_INVALIDARG : shared->Publish();

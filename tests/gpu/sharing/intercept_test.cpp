@@ -43,6 +43,15 @@ TEST_F(InterceptTest, LeavesAModuleAloneThatWasNotIntercepted) {
   EXPECT_EQ(FindKeyedMutex(texture.Get()), nullptr);
 }
 
+TEST_F(InterceptTest, GivesSharingToADeviceThatWasMadeWithoutIt) {
+  ASSERT_EQ(makeDevice(&device, &context), S_OK);
+  ASSERT_TRUE(ShareTexturesOf(device.Get()));
+  const auto description = Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX);
+  ComPtr<ID3D11Texture2D> texture;
+  ASSERT_EQ(device->CreateTexture2D(&description, nullptr, &texture), S_OK);
+  EXPECT_NE(Side().Open(SharedHandle(texture.Get())), nullptr);
+}
+
 TEST_F(InterceptTest, GivesTheModulesDevicesSharing) {
   ASSERT_TRUE(InterceptModule(module));
   ASSERT_EQ(makeDevice(&device, &context), S_OK);

@@ -6,7 +6,7 @@ namespace bench {
 // under test is told apart from what the program around it does.
 enum class DeviceGroup {
   kOwn,          // made by CreateSharingDevice
-  kIntercepted,  // made by a module that InterceptModule was called for
+  kIntercepted,  // made by a module that InterceptModule was called for, or given to ShareTexturesOf
 };
 
 }  // namespace bench

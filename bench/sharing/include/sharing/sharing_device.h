@@ -22,6 +22,10 @@ class DeviceObserver;
 // and loaded again has to be intercepted again.
 [[nodiscard]] bool InterceptModule(HMODULE module);
 
+// Makes a device that somebody else made a sharing device, in DeviceGroup::kIntercepted. False when its methods cannot
+// be replaced.
+[[nodiscard]] bool ShareTexturesOf(ID3D11Device* device);
+
 // For textures made with D3D11_RESOURCE_MISC_SHARED, which have no keyed mutex: makes what this device drew
 // into the texture visible to the other devices. They take it over before their next Draw, DrawIndexed,
 // CopyResource or CopySubresourceRegion that reads the texture. Call it where a real program would Flush.
