@@ -1,5 +1,5 @@
 const kChartHeight = 260;
-const kMostLabels = 12;  // of marks; more would cover each other
+const kMostLabels = 12;  // of marks: more would cover each other
 const drawn = [];
 
 function colour(name) {
@@ -26,17 +26,18 @@ function seriesStyle(name, index, stepped) {
   return { label: name, stroke: () => seriesColour(index), width: 1.5, ...(stepped ? steps : {}) };
 }
 
-function drawMark(plot, mark, row, labelled) {
+// Few marks are lines with labels; many are short ticks, which leave the values to be seen.
+function drawMark(plot, mark, row, isOneOfFew) {
   const { ctx, bbox } = plot;
   const x = plot.valToPos(mark.at, "x", true);
   if (x < bbox.left || x > bbox.left + bbox.width) {
     return;
   }
   ctx.beginPath();
-  ctx.moveTo(x, bbox.top);
+  ctx.moveTo(x, isOneOfFew ? bbox.top : bbox.top + bbox.height - 10 * devicePixelRatio);
   ctx.lineTo(x, bbox.top + bbox.height);
   ctx.stroke();
-  if (labelled) {
+  if (isOneOfFew) {
     const fitsRight = x + ctx.measureText(mark.label).width + 8 < bbox.left + bbox.width;
     ctx.textAlign = fitsRight ? "left" : "right";
     ctx.fillText(mark.label, x + (fitsRight ? 4 : -4), bbox.top + (row + 1) * 14 * devicePixelRatio);
@@ -45,12 +46,13 @@ function drawMark(plot, mark, row, labelled) {
 
 function drawMarks(plot, marks) {
   const { ctx } = plot;
+  const areFew = marks.length <= kMostLabels;
   ctx.save();
   ctx.strokeStyle = ctx.fillStyle = colour("--mark");
   ctx.lineWidth = devicePixelRatio;
-  ctx.setLineDash([4 * devicePixelRatio, 3 * devicePixelRatio]);
+  ctx.setLineDash(areFew ? [4 * devicePixelRatio, 3 * devicePixelRatio] : []);
   ctx.font = `${12 * devicePixelRatio}px system-ui`;
-  marks.forEach((mark, index) => drawMark(plot, mark, index % 4, marks.length <= kMostLabels));
+  marks.forEach((mark, index) => drawMark(plot, mark, index % 4, areFew));
   ctx.restore();
 }
 

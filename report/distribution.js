@@ -1,4 +1,5 @@
-const kBins = 40;
+const kFewestBins = 20;
+const kMostBins = 120;
 
 // The smallest sample that covers the share of all; the samples are sorted.
 function percentile(sorted, share) {
@@ -23,13 +24,20 @@ function niceStep(step) {
   return [1, 2, 5, 10].find((factor) => factor * power >= step * 0.999) * power;
 }
 
+// As wide as Freedman and Diaconis advise, within limits.
+function binWidth(sorted, range) {
+  const spread = percentile(sorted, 0.75) - percentile(sorted, 0.25);
+  const advised = (2 * spread) / Math.cbrt(sorted.length);
+  return niceStep(Math.min(Math.max(advised, range / kMostBins), range / kFewestBins));
+}
+
 // Edges of bins of equal width. A few large samples would press all others into one bin, so the last bin is for
 // everything from its edge upwards.
 function binEdges(sorted) {
   const low = sorted[0];
   const p99 = percentile(sorted, 0.99);
   const high = Math.min(percentile(sorted, 1), p99 + (p99 - low));
-  const width = niceStep((high - low) / kBins || Math.abs(low) / kBins || 1);
+  const width = binWidth(sorted, high - low || Math.abs(low) || 1);
   const first = Math.floor(low / width);
   const bins = Math.floor(high / width) - first + 1;
   return Array.from({ length: bins }, (_, bin) => Number(((first + bin) * width).toPrecision(12)));

@@ -31,6 +31,9 @@ function drawLines(figure, chart) {
     data, names, xLabel: axisLabel(chart.x), marks: chart.marks ?? [], stepped: false,
     title: `${chart.title}. ${ranges}`,
   });
+  if (chart.x_range) {
+    plot.setScale("x", { min: chart.x_range[0], max: chart.x_range[1] });
+  }
   const rows = () => data[0].map((x, row) => [x, ...data.slice(1).map((values) => values[row])]);
   figure.append(legend(plot, names), zoomButtons(plot),
     closedTable(chart.title, [axisLabel(chart.x), ...names], rows));

@@ -1,8 +1,13 @@
-"""A headless browser for tests of pages: what it fetched and what it wrote to the console can be asked for."""
+"""A headless browser for tests of pages: what it fetched and what it wrote to the console can be asked for.
+
+browser.py PAGE[#section] PICTURE takes a picture of a file, from that section on.
+"""
 import base64
 import json
+import sys
 import tempfile
 from contextlib import contextmanager
+from pathlib import Path
 
 from selenium import webdriver
 from selenium.webdriver.chrome.options import Options
@@ -51,8 +56,19 @@ def requested_addresses(driver):
     return [address for address in addresses if not address.startswith("data:")]
 
 
-def screenshot(driver, path, whole_page=True):
-    """The page as PNG."""
-    shot = driver.execute_cdp_cmd("Page.captureScreenshot", {"captureBeyondViewport": whole_page})
-    with open(path, "wb") as file:
-        file.write(base64.b64decode(shot["data"]))
+def screenshot(driver, path):
+    """What the screen shows, as PNG."""
+    shot = driver.execute_cdp_cmd("Page.captureScreenshot", {})
+    Path(path).write_bytes(base64.b64decode(shot["data"]))
+
+
+def main():
+    page, _, section = sys.argv[1].partition("#")
+    with open_browser() as driver:
+        set_screen(driver, 1100, 1500)
+        driver.get(f"{Path(page).resolve().as_uri()}#{section}")
+        screenshot(driver, sys.argv[2])
+
+
+if __name__ == "__main__":
+    main()

@@ -17,7 +17,7 @@ DISTRIBUTION = {
 REPORT = {
     "title": "A <b>made-up</b> session", "subtitle": "</script><script>console.log('injected')</script>",
     "verdict": "bad",
-    "facts": [{"name": "Processor", "value": "two cores"}, {"name": "Memory", "value": None}],
+    "facts": [{"name": "Processor", "value": "two <i>cores</i>"}, {"name": "Memory", "value": None}],
     "verdicts": [
         {"group": "Direct mode", "name": "Frames", "result": "good", "expected": "at least 420", "found": 840},
         {"group": "Direct mode", "name": "Poses", "result": "bad", "expected": "at least 420", "found": 3.14159,

@@ -9,4 +9,7 @@ namespace report {
 /// Throws std::invalid_argument when the template has no marker.
 [[nodiscard]] std::string FillTemplate(std::string_view pageTemplate, std::string_view json);
 
+/// A PNG file's bytes as the source of an image.
+[[nodiscard]] std::string PngDataUrl(std::string_view png);
+
 }  // namespace report

@@ -19,5 +19,12 @@ TEST(Page, ATemplateWithoutMarkerIsRefused) {
   EXPECT_THROW(static_cast<void>(FillTemplate("<html>", "{}")), std::invalid_argument);
 }
 
+TEST(Page, APictureIsWrittenInBase64) {
+  EXPECT_EQ(PngDataUrl("\xff\xef"), "data:image/png;base64,/+8=");
+  EXPECT_EQ(PngDataUrl("Man"), "data:image/png;base64,TWFu");
+  EXPECT_EQ(PngDataUrl("M"), "data:image/png;base64,TQ==");
+  EXPECT_EQ(PngDataUrl(""), "data:image/png;base64,");
+}
+
 }  // namespace
 }  // namespace report
