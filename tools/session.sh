@@ -45,10 +45,17 @@ run_session() {
     --record "$out/calls.jsonl" --csv "$out/runtime_frames.csv" --poses-csv "$out/runtime_poses.csv" || failed=1
   wait "$companion" || failed=1
 
-  say "$mode mode: results, in $out"
+  say "$mode mode: what the companion says, more is in $out"
   grep '^companion: ' "$out/companion.log" | tail -n 1
-  windows "$bench/runtime_sim/demo_report.exe" --json "$out/summary.json" \
-    --companion-poses "$out/companion_poses.csv" --runtime-poses "$out/runtime_poses.csv" \
-    --runtime-frames "$out/runtime_frames.csv" --companion-frames "$out/companion_frames.csv" || failed=1
   return "$failed"
+}
+
+# report_sessions FOLDER: a line of figures for each of the two sessions in FOLDER/direct and FOLDER/virtual, and a page
+# that shows both, FOLDER/report.html. Fails when one of its verdicts is not good.
+report_sessions() {
+  windows build/mingw-release/bench/runtime_sim/demo_report.exe --out "$1" \
+    --template build/mingw-release/report/template.html \
+    --session "Direct mode" "$1/direct" --session "Virtual display" "$1/virtual" \
+    --fact "Driver" "dist/ombrel at commit $(git describe --always --dirty 2>/dev/null || echo unknown)" \
+    --fact "System" "$(/usr/lib/wine/wine64 --version), a software rasterizer, $(nproc) processors"
 }

@@ -53,7 +53,7 @@ std::string SummaryLine(const Outcome& outcome) {
   return text;
 }
 
-bool WriteSummary(const Outcome& outcome, const std::filesystem::path& path) {
+bool WriteSummary(const Options& options, const Outcome& outcome) {
   const nlohmann::ordered_json summary = {
       {"ok", outcome.failures.empty()},
       {"failures", outcome.failures},
@@ -74,8 +74,13 @@ bool WriteSummary(const Outcome& outcome, const std::filesystem::path& path) {
       {"skippedPictures", outcome.skippedPictures},
       {"expectations", outcome.expectations},
       {"expectationsMet", outcome.expectationsMet},
+      {"required",
+       {{"frames", options.requireFrames},
+        {"matching", options.requireMatching},
+        {"namedPictures", options.requireNamed},
+        {"haptics", options.requireHaptics}}},
   };
-  std::ofstream file(path);
+  std::ofstream file(options.summary);
   file << summary.dump(2) << '\n';
   return static_cast<bool>(file.flush());
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -38,7 +37,7 @@ void CheckRequirements(const Options& options, Outcome& outcome);
 // One line for people.
 std::string SummaryLine(const Outcome& outcome);
 
-// All of it as JSON. False when the file cannot be written.
-bool WriteSummary(const Outcome& outcome, const std::filesystem::path& path);
+// All of it as JSON, with what was required, in the file that the options name. False when it cannot be written.
+bool WriteSummary(const Options& options, const Outcome& outcome);
 
 }  // namespace bench

@@ -163,7 +163,7 @@ Outcome Session::End() {
   if (outcome.connections == 0) outcome.failures.push_back("no driver came");
   outcome.failures.insert(outcome.failures.end(), expectations_.Failures().begin(), expectations_.Failures().end());
   CheckRequirements(options_, outcome);
-  if (!options_.summary.empty() && !WriteSummary(outcome, options_.summary)) {
+  if (!options_.summary.empty() && !WriteSummary(options_, outcome)) {
     outcome.failures.push_back("the summary could not be written");
   }
   return outcome;

@@ -1,148 +1,79 @@
-// Lays the files of the stand-in runtime beside those of the stand-in companion and prints one line of figures.
+// Lays the files of the stand-in runtime beside those of the stand-in companion: a line of figures for each session, and a
+// page that shows them all.
 
 #include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <stdexcept>
 
 #include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
 
-#include "base/percentile.h"
-#include "csv_table.h"
-#include "latency.h"
+#include "report/page.h"
+#include "session_report.h"
 
 namespace bench {
 namespace {
 
-struct Files {
-  std::filesystem::path runtimeFrames;
-  std::filesystem::path runtimePoses;
-  std::filesystem::path companionFrames;
-  std::filesystem::path companionPoses;
-  std::filesystem::path json;
+using Json = nlohmann::ordered_json;
+
+struct Options {
+  std::vector<std::pair<std::string, std::filesystem::path>> sessions;
+  std::vector<std::pair<std::string, std::string>> facts;
+  std::filesystem::path pageTemplate;
+  std::filesystem::path out;
 };
 
-struct Report {
-  double posesPerSecond = 0.0;
-  double framesPerSecond = 0.0;
-  std::size_t framesPresented = 0;
-  std::size_t framesReceived = 0;
-  std::uint64_t dropped = 0;
-  std::vector<double> poseMs;
-  std::vector<double> frameMs;
-  bool framesByTime = false;
-};
-
-std::int64_t Frequency(const CsvTable& table) {
-  const std::size_t column = table.Column("qpc_frequency");
-  return table.rows.empty() ? 0 : std::strtoll(table.rows.front()[column].c_str(), nullptr, 10);
-}
-
-double PerSecond(const std::vector<TimedPose>& events, std::int64_t frequency) {
-  if (events.size() < 2) {
-    return 0.0;
+Json MakeReport(const Options& options) {
+  Json facts = Json::array();
+  for (const auto& [name, value] : options.facts) {
+    facts.push_back({{"name", name}, {"value", value}});
   }
-  const auto seconds = static_cast<double>(events.back().ticks - events.front().ticks) / static_cast<double>(frequency);
-  return seconds > 0.0 ? static_cast<double>(events.size() - 1) / seconds : 0.0;
-}
-
-std::vector<double> ToMilliseconds(const std::vector<std::int64_t>& ticks, std::int64_t frequency) {
-  std::vector<double> milliseconds;
-  for (const std::int64_t value : ticks) {
-    milliseconds.push_back(1000.0 * static_cast<double>(value) / static_cast<double>(frequency));
+  Json verdicts = Json::array();
+  Json sections = Json::array();
+  for (const auto& [mode, folder] : options.sessions) {
+    SessionReport session = ReportOf(mode, folder);
+    std::printf("summary: %s: %s\n", mode.c_str(), session.line.c_str());
+    verdicts.insert(verdicts.end(), session.verdicts.begin(), session.verdicts.end());
+    sections.push_back(std::move(session.section));
   }
-  return milliseconds;
+  return {{"title", "A session with the driver"}, {"subtitle", "between stand-ins of the runtime and of the companion"},
+          {"verdict", Overall(verdicts)},         {"facts", std::move(facts)},
+          {"verdicts", std::move(verdicts)},      {"sections", std::move(sections)}};
 }
 
-std::uint64_t SumOf(const CsvTable& table, const std::string& name) {
-  const std::size_t column = table.Column(name);
-  std::uint64_t sum = 0;
-  for (const auto& row : table.rows) {
-    sum += std::strtoull(row[column].c_str(), nullptr, 10);
-  }
-  return sum;
-}
-
-Report Build(const Files& files) {
-  const CsvTable runtimeFrames = ReadCsvFile(files.runtimeFrames);
-  const CsvTable runtimePoses = ReadCsvFile(files.runtimePoses);
-  const std::vector<TimedPose> presented = ReadTimedPoses(runtimeFrames);
-  const std::vector<TimedPose> arrived = ReadTimedPoses(runtimePoses);
-  const std::vector<TimedPose> held = ReadTimedPoses(ReadCsvFile(files.companionFrames));
-  const std::vector<TimedPose> sent = ReadTimedPoses(ReadCsvFile(files.companionPoses));
-  const std::int64_t frequency = Frequency(runtimePoses);
-  Report report;
-  report.posesPerSecond = PerSecond(arrived, frequency);
-  report.framesPerSecond = PerSecond(held, frequency);
-  report.framesPresented = presented.size();
-  report.framesReceived = held.size();
-  report.dropped = SumOf(runtimeFrames, "missed");
-  report.poseMs = ToMilliseconds(PoseLatencies(sent, arrived), frequency);
-  report.frameMs = ToMilliseconds(FrameLatencies(presented, held), frequency);
-  if (report.frameMs.empty()) {
-    report.framesByTime = true;
-    report.frameMs = ToMilliseconds(FrameLatenciesByTime(presented, held), frequency);
-  }
-  return report;
-}
-
-void WriteJson(const Report& report, const std::filesystem::path& file) {
-  const nlohmann::ordered_json json = {{"posesPerSecond", report.posesPerSecond},
-                                       {"framesPerSecond", report.framesPerSecond},
-                                       {"framesPresented", report.framesPresented},
-                                       {"framesReceived", report.framesReceived},
-                                       {"droppedFrames", report.dropped},
-                                       {"poseToRuntimeMedianMs", Percentile(report.poseMs, 0.5)},
-                                       {"poseToRuntimeP99Ms", Percentile(report.poseMs, 0.99)},
-                                       {"posesMeasured", report.poseMs.size()},
-                                       {"frameToCompanionMedianMs", Percentile(report.frameMs, 0.5)},
-                                       {"frameToCompanionP99Ms", Percentile(report.frameMs, 0.99)},
-                                       {"framesMeasured", report.frameMs.size()},
-                                       {"framesMeasuredByTime", report.framesByTime}};
-  std::ofstream stream(file, std::ios::binary | std::ios::trunc);
-  stream << json.dump(2) << '\n';
+std::string ReadText(const std::filesystem::path& file) {
+  std::ifstream stream(file, std::ios::binary);
   if (!stream) {
+    throw std::runtime_error("cannot read " + file.string());
+  }
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+void WriteText(const std::filesystem::path& file, const std::string& text) {
+  std::ofstream stream(file, std::ios::binary | std::ios::trunc);
+  stream << text;
+  if (!stream.flush()) {
     throw std::runtime_error("cannot write " + file.string());
   }
 }
 
-// Every figure must rest on something: a line of zeros is no summary.
-void RequireFigures(const Report& report) {
-  if (report.posesPerSecond <= 0.0 || report.framesPerSecond <= 0.0) {
-    throw std::runtime_error("too few poses or frames for a rate");
-  }
-  if (report.poseMs.empty() || report.frameMs.empty()) {
-    throw std::runtime_error("no pose or no frame was found at both ends, so there is no latency");
-  }
-}
-
-void Print(const Report& report) {
-  std::printf(
-      "summary: %.1f poses/s, %.1f frames/s, %zu of %zu frames received, %llu dropped, pose to runtime median %.2f ms "
-      "p99 %.2f ms, frame to companion median %.2f ms p99 %.2f ms%s\n",
-      report.posesPerSecond, report.framesPerSecond, report.framesReceived, report.framesPresented,
-      static_cast<unsigned long long>(report.dropped), Percentile(report.poseMs, 0.5), Percentile(report.poseMs, 0.99),
-      Percentile(report.frameMs, 0.5), Percentile(report.frameMs, 0.99), report.framesByTime ? " (by time)" : "");
-}
-
 int Main(int argc, char** argv) {
-  CLI::App app("Prints one line of figures of a session from the files of both its ends");
-  Files files;
-  app.add_option("--runtime-frames", files.runtimeFrames, "runtime_sim's --csv")->required();
-  app.add_option("--runtime-poses", files.runtimePoses, "runtime_sim's --poses-csv")->required();
-  app.add_option("--companion-frames", files.companionFrames, "companion_sim's --csv")->required();
-  app.add_option("--companion-poses", files.companionPoses, "companion_sim's --poses-csv")->required();
-  app.add_option("--json", files.json, "File for the same figures as JSON");
+  CLI::App app(
+      "Prints a line of figures of each session, and writes a page of all of them: report.html and report.json");
+  Options options;
+  app.add_option("--session", options.sessions, "A title, and the folder with the files of both ends; may be repeated")
+      ->required();
+  app.add_option("--fact", options.facts, "A name and a value for the page; may be repeated");
+  app.add_option("--template", options.pageTemplate, "The page without a report")->required();
+  app.add_option("--out", options.out, "Folder for the page")->required();
   CLI11_PARSE(app, argc, argv);
-  const Report report = Build(files);
-  RequireFigures(report);
-  Print(report);
-  if (!files.json.empty()) {
-    WriteJson(report, files.json);
-  }
-  return 0;
+  const Json report = MakeReport(options);
+  const std::string json = report.dump();
+  WriteText(options.out / "report.json", json + '\n');
+  WriteText(options.out / "report.html", report::FillTemplate(ReadText(options.pageTemplate), json));
+  return report["verdict"] == "good" ? 0 : 1;
 }
 
 }  // namespace

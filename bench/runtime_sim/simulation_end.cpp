@@ -73,6 +73,8 @@ void Simulation::WriteSummary() {
                                           {"posesPerSecond", static_cast<double>(poses) / secondsRun_},
                                           {"frames", all.frames},
                                           {"framesPerSecond", all.FramesPerSecond()},
+                                          {"framesPerSecondDue", options_.fps > 0.0 ? options_.fps : displayFrequency_},
+                                          {"framesRequired", options_.requireFrames},
                                           {"droppedFrames", all.missedIntervals},
                                           {"poseAgeMedianMs", all.poseAgeMedianMs},
                                           {"poseAgeP99Ms", all.poseAgeP99Ms},
