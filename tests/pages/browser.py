@@ -66,7 +66,9 @@ def main():
     page, _, section = sys.argv[1].partition("#")
     with open_browser() as driver:
         set_screen(driver, 1100, 1500)
-        driver.get(f"{Path(page).resolve().as_uri()}#{section}")
+        driver.get(Path(page).resolve().as_uri())
+        if section:
+            driver.execute_script("document.getElementById(arguments[0]).scrollIntoView()", section)
         screenshot(driver, sys.argv[2])
 
 
