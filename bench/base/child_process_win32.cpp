@@ -26,7 +26,7 @@ Pipe MakePipe(bool childReads) {
 
 OwnedHandle MakeFile(const std::filesystem::path& path) {
   SECURITY_ATTRIBUTES inheritable = Inheritable();
-  OwnedHandle file(CreateFileA(path.string().c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inheritable, CREATE_ALWAYS,
+  OwnedHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inheritable, CREATE_ALWAYS,
                                FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!file) throw std::runtime_error("cannot make " + path.string());
   return file;
@@ -53,10 +53,10 @@ ChildProcess::ChildProcess(const std::filesystem::path& program, const std::vect
 
 void ChildProcess::Start(const std::filesystem::path& program, const std::vector<std::string>& arguments, HANDLE output,
                          HANDLE error) {
-  std::string line = '"' + program.string() + '"';
-  for (const std::string& argument : arguments) line += " \"" + argument + '"';
+  std::wstring line = L'"' + program.native() + L'"';
+  for (const std::string& argument : arguments) line += L" \"" + std::filesystem::path(argument).native() + L'"';
   Pipe input = MakePipe(true);
-  STARTUPINFOA startup{};
+  STARTUPINFOW startup{};
   startup.cb = sizeof(startup);
   startup.dwFlags = STARTF_USESTDHANDLES;
   startup.hStdInput = input.readEnd.Get();
@@ -64,7 +64,7 @@ void ChildProcess::Start(const std::filesystem::path& program, const std::vector
   startup.hStdError = error;
   PROCESS_INFORMATION started{};
   // Detached: the process that serves a console outlives it for a while, and keeps this program's output open.
-  if (!CreateProcessA(program.string().c_str(), line.data(), nullptr, nullptr, TRUE, DETACHED_PROCESS, nullptr, nullptr,
+  if (!CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE, DETACHED_PROCESS, nullptr, nullptr,
                       &startup, &started)) {
     throw std::runtime_error("cannot start " + program.string());
   }

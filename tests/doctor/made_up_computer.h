@@ -4,24 +4,31 @@
 
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include <nlohmann/json.hpp>
 
+#include "base/child_process.h"
+#include "test_files/command_line.h"
+#include "test_files/scratch_folder.h"
+
 namespace ombrel::doctor::test {
+
+using ombrel::test::FromEnvironment;
+using ombrel::test::Outcome;
+using ombrel::test::ReadAll;
+using ombrel::test::RunCommandLine;
+using ombrel::test::ScratchFolder;
+using ombrel::test::ToUtf8;
 
 // A runtime, a companion and the driver's folder on a disk, all below one new folder, with the doctor in its place. As
 // made it is sound. Paths are UTF-8, relative to that folder.
-class MadeUpComputer : public testing::Test {
+class MadeUpComputer : public testing::Test, protected ScratchFolder {
  protected:
-  struct Outcome {
-    int exitCode = -1;
-    std::string output;
-  };
-
   void SetUp() override;
-  void TearDown() override;
+  void TearDown() override { ForgetInstalledRuntime(); }
 
   // Runs the doctor that lies in the driver's folder.
   Outcome RunDoctor(const std::string& arguments) const;
@@ -29,11 +36,8 @@ class MadeUpComputer : public testing::Test {
   [[nodiscard]] std::vector<std::string> Found() const;
 
   void PutDriver(const std::string& folder);
-  void Write(const std::string& file, const std::string& bytes) const;
-  [[nodiscard]] std::string Read(const std::string& file) const;
   // Replaces the one place in a file, and keeps its length.
   void Patch(const std::string& file, const std::string& from, const std::string& to) const;
-  void Remove(const std::string& file) const { std::filesystem::remove(At(file)); }
   void WriteRegistry(const std::vector<std::string>& runtimes, const std::vector<std::string>& drivers) const;
   void WriteSettings(const std::string& sections) const {
     Write("Steam/config/steamvr.vrsettings", "{" + sections + "}");
@@ -45,19 +49,13 @@ class MadeUpComputer : public testing::Test {
   // In the machine's registry, which outlives a test.
   static void ForgetInstalledRuntime();
 
-  [[nodiscard]] std::filesystem::path At(const std::string& path) const;
-  [[nodiscard]] std::string TextOf(const std::string& path) const;
   // Every file with its contents.
   [[nodiscard]] std::map<std::string, std::string> Files() const;
 
   std::string driver;  // the driver's folder
 
  private:
-  // Beside the computer, which is not to change.
-  [[nodiscard]] std::filesystem::path OutputFile() const { return root_.native() + L".txt"; }
-
-  std::filesystem::path root_;
-  void* companion_ = nullptr;
+  std::unique_ptr<bench::ChildProcess> companion_;
   int companions_ = 0;
 };
 

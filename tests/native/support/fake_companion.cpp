@@ -1,10 +1,6 @@
 #include "support/fake_companion.h"
 
-#include <unistd.h>
-
 #include <cstdlib>
-#include <filesystem>
-#include <stdexcept>
 
 namespace ombrel::test {
 namespace {
@@ -17,17 +13,7 @@ std::uint32_t LittleU32(std::span<const std::byte> bytes) {
 
 }  // namespace
 
-PipeFolder::PipeFolder() {
-  std::string pattern = (std::filesystem::temp_directory_path() / "pipes-XXXXXX").string();
-  if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no folder for the pipes");
-  path_ = pattern;
-  setenv("OMBREL_PIPE_DIR", path_.c_str(), 1);
-}
-
-PipeFolder::~PipeFolder() {
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
-}
+PipeFolder::PipeFolder() { setenv("OMBREL_PIPE_DIR", folder_.TextOf("").c_str(), 1); }
 
 void FakeCompanion::Offer() {
   in.Offer();

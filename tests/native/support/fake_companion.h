@@ -8,6 +8,7 @@
 
 #include "support/bytes.h"
 #include "support/server_pipe.h"
+#include "test_files/scratch_folder.h"
 
 namespace ombrel::test {
 
@@ -15,14 +16,11 @@ namespace ombrel::test {
 class PipeFolder {
  public:
   PipeFolder();
-  ~PipeFolder();
-  PipeFolder(const PipeFolder&) = delete;
-  PipeFolder& operator=(const PipeFolder&) = delete;
 
-  [[nodiscard]] std::string PathOf(const std::string& pipe) const { return path_ + "/" + pipe; }
+  [[nodiscard]] std::string PathOf(const std::string& pipe) const { return folder_.TextOf(pipe); }
 
  private:
-  std::string path_;
+  ScratchFolder folder_;
 };
 
 // The companion program's side of the link.

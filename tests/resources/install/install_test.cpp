@@ -3,11 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <atomic>
-#include <cstdlib>
 #include <fstream>
-#include <iterator>
-#include <stdexcept>
 
 namespace ombrel::test {
 namespace {
@@ -16,75 +12,15 @@ namespace fs = std::filesystem;
 
 constexpr const char* kRegistry = "AppData/openvr/openvrpaths.vrpath";
 constexpr const char* kListOfFiles = "/resources/files-" OMBREL_TEST_VERSION ".txt";
-constexpr DWORD kTimeoutMs = 60'000;
-
-fs::path FromUtf8(const std::string& text) { return fs::path(std::u8string(text.begin(), text.end())); }
-
-std::string ToUtf8(const fs::path& path) {
-  const std::u8string bytes = path.u8string();
-  return {bytes.begin(), bytes.end()};
-}
-
-fs::path FromEnvironment(const char* name) {
-  const char* value = std::getenv(name);
-  if (value == nullptr) throw std::runtime_error(std::string(name) + " is not set");
-  return value;
-}
-
-std::string ReadAll(const fs::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-}
-
-void Touch(const fs::path& file) {
-  fs::create_directories(file.parent_path());
-  std::ofstream(file, std::ios::binary) << "\n";
-}
-
-HANDLE OpenInheritable(const wchar_t* path, DWORD access, DWORD disposition) {
-  SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
-  return CreateFileW(path, access, FILE_SHARE_READ | FILE_SHARE_WRITE, &inheritable, disposition, 0, nullptr);
-}
-
-int WaitForExitCode(const PROCESS_INFORMATION& process) {
-  DWORD code = 0;
-  const bool ended = WaitForSingleObject(process.hProcess, kTimeoutMs) == WAIT_OBJECT_0;
-  if (ended) {
-    GetExitCodeProcess(process.hProcess, &code);
-  } else {
-    TerminateProcess(process.hProcess, 1);
-  }
-  CloseHandle(process.hThread);
-  CloseHandle(process.hProcess);
-  if (!ended) throw std::runtime_error("the script does not end");
-  return static_cast<int>(code);
-}
-
-// A program's file can be removed a moment after its process has ended, not at once.
-void RemoveAll(const fs::path& folder) {
-  std::error_code error;
-  for (int tries = 0; tries < 100; ++tries) {
-    fs::remove_all(folder, error);
-    if (!error) return;
-    Sleep(20);
-  }
-}
 
 }  // namespace
 
 void InstallTest::SetUp() {
-  static std::atomic<int> count = 0;
-  const std::string name = "ombrel_install_" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(++count);
-  root_ = fs::weakly_canonical(fs::temp_directory_path()) / name;
-  RemoveAll(root_);
-  fs::create_directories(At("AppData/openvr"));
   PutRuntime("Program Files (x86)/SteamVR");
   PutDriver("My drivers/ombrel");
   WriteRegistry(runtime);
   SetEnvironmentVariableW(L"LOCALAPPDATA", At("AppData").c_str());
 }
-
-void InstallTest::TearDown() { RemoveAll(root_); }
 
 void InstallTest::PutRuntime(const std::string& folder) {
   runtime = folder;
@@ -94,13 +30,13 @@ void InstallTest::PutRuntime(const std::string& folder) {
 
 void InstallTest::PutDriver(const std::string& folder) {
   driver = folder;
-  Touch(At(folder + "/driver.vrdrivermanifest"));
-  Touch(At(folder + "/bin/win64/driver_ombrel.dll"));
+  for (const char* file : {"/driver.vrdrivermanifest", "/bin/win64/driver_ombrel.dll", kListOfFiles}) {
+    Write(folder + file, "\n");
+  }
   const fs::path shipped = FromEnvironment("OMBREL_TEST_DRIVER_FOLDER");
   for (const char* file : {"check.cmd", "install.cmd", "uninstall.cmd", "bin/win64/ombrel_doctor.exe"}) {
     fs::copy_file(shipped / file, At(folder) / file);
   }
-  Touch(At(folder + kListOfFiles));
 }
 
 void InstallTest::UnpackOver(const std::string& folder) {
@@ -109,13 +45,6 @@ void InstallTest::UnpackOver(const std::string& folder) {
   fs::copy(FromEnvironment("OMBREL_TEST_DRIVER_FOLDER"), At(folder),
            fs::copy_options::recursive | fs::copy_options::overwrite_existing);
 }
-
-void InstallTest::Write(const std::string& file, const std::string& bytes) const {
-  fs::create_directories(At(file).parent_path());
-  std::ofstream(At(file), std::ios::binary) << bytes;
-}
-
-std::string InstallTest::Read(const std::string& file) const { return ReadAll(At(file)); }
 
 std::vector<std::string> InstallTest::Files() const {
   std::vector<std::string> files;
@@ -136,41 +65,19 @@ void InstallTest::WriteRegistry(const std::string& runtimeFolder) const {
       named + "\n\t],\n\t\"version\" : 1\n}\n");
 }
 
-void InstallTest::WriteRegistryText(const std::string& bytes) const {
-  std::ofstream(At(kRegistry), std::ios::binary) << bytes;
-}
+void InstallTest::WriteRegistryText(const std::string& bytes) const { Write(kRegistry, bytes); }
 
 void InstallTest::LetVrpathregAnswer(int code) const {
-  std::ofstream(At(runtime + "/bin/win64/vrpathreg.answer")) << code;
+  Write(runtime + "/bin/win64/vrpathreg.answer", std::to_string(code));
 }
 
-InstallTest::Outcome InstallTest::Run(const std::string& script, const std::string& arguments) const {
-  return RunIn(root_, "\"" + TextOf(driver + "/" + script) + "\"" + arguments);
+Outcome InstallTest::Run(const std::string& script, const std::string& arguments) const {
+  return RunIn(At(""), "\"" + TextOf(driver + "/" + script) + "\"" + arguments);
 }
 
-// The console without a window gives the script a code page to change; nothing comes from standard input.
-InstallTest::Outcome InstallTest::RunIn(const fs::path& workingFolder, const std::string& command) const {
-  const fs::path output = At("output.txt");
-  STARTUPINFOW startup{};
-  startup.cb = sizeof(startup);
-  startup.dwFlags = STARTF_USESTDHANDLES;
-  startup.hStdInput = OpenInheritable(L"NUL", GENERIC_READ, OPEN_EXISTING);
-  startup.hStdOutput = OpenInheritable(output.c_str(), GENERIC_WRITE, CREATE_ALWAYS);
-  startup.hStdError = startup.hStdOutput;
-  PROCESS_INFORMATION process{};
-  std::wstring line = FromUtf8("cmd.exe /d /c \"" + command + "\"").native();
-  const BOOL started = CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr,
-                                      workingFolder.c_str(), &startup, &process);
-  CloseHandle(startup.hStdInput);
-  CloseHandle(startup.hStdOutput);
-  if (started == 0) throw std::runtime_error("cannot start cmd.exe");
-  const int exitCode = WaitForExitCode(process);
-  return {exitCode, ReadAll(output)};
+Outcome InstallTest::RunIn(const fs::path& workingFolder, const std::string& command) const {
+  return RunCommandLine("cmd.exe /d /c \"" + command + "\"", workingFolder);
 }
-
-fs::path InstallTest::At(const std::string& path) const { return (root_ / FromUtf8(path)).make_preferred(); }
-
-std::string InstallTest::TextOf(const std::string& path) const { return ToUtf8(At(path)); }
 
 std::vector<InstallTest::Call> InstallTest::Calls() const {
   std::vector<Call> calls;
@@ -179,8 +86,6 @@ std::vector<InstallTest::Call> InstallTest::Calls() const {
   return calls;
 }
 
-nlohmann::json InstallTest::Registry() const {
-  return nlohmann::json::parse(std::ifstream(At(kRegistry), std::ios::binary));
-}
+nlohmann::json InstallTest::Registry() const { return nlohmann::json::parse(Read(kRegistry)); }
 
 }  // namespace ombrel::test

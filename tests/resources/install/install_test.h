@@ -8,32 +8,25 @@
 
 #include <nlohmann/json.hpp>
 
+#include "test_files/command_line.h"
+#include "test_files/scratch_folder.h"
+
 namespace ombrel::test {
 
 // A computer with a runtime, its path registry, and the driver's folder on it, all below one new folder.
-// Paths are given as UTF-8 text, relative to that folder.
-class InstallTest : public testing::Test {
+class InstallTest : public testing::Test, protected ScratchFolder {
  protected:
   using Call = std::vector<std::string>;
 
-  struct Outcome {
-    int exitCode = -1;
-    std::string output;
-  };
-
   void SetUp() override;
-  void TearDown() override;
 
   // Sets up a runtime with a stand-in vrpathreg.exe, and the driver's folder with what the scripts look for in it.
   void PutRuntime(const std::string& folder);
   void PutDriver(const std::string& folder);
   // Unpacks what is shipped there, over whatever is there; it is the driver's folder from now on.
   void UnpackOver(const std::string& folder);
-  void Write(const std::string& file, const std::string& bytes) const;
-  [[nodiscard]] std::string Read(const std::string& file) const;
   // All files in the driver's folder, sorted.
   [[nodiscard]] std::vector<std::string> Files() const;
-  void Remove(const std::string& file) const { std::filesystem::remove(At(file)); }
   // The registry as the runtime writes it, naming that runtime and two other drivers.
   void WriteRegistry(const std::string& runtime) const;
   void WriteRegistryText(const std::string& bytes) const;
@@ -45,18 +38,12 @@ class InstallTest : public testing::Test {
   // Runs a command line in a folder.
   Outcome RunIn(const std::filesystem::path& workingFolder, const std::string& command) const;
 
-  [[nodiscard]] std::filesystem::path At(const std::string& path) const;
-  // As Windows writes it.
-  [[nodiscard]] std::string TextOf(const std::string& path) const;
   [[nodiscard]] std::vector<Call> Calls() const;
   [[nodiscard]] nlohmann::json Registry() const;
   [[nodiscard]] std::vector<std::string> Drivers() const { return Registry()["external_drivers"]; }
 
   std::string driver;   // the driver's folder
   std::string runtime;  // the runtime's folder
-
- private:
-  std::filesystem::path root_;
 };
 
 }  // namespace ombrel::test

@@ -41,8 +41,8 @@ PoseSlot SlotOf(const PoseMatrix& pose) {
 class FrameProgram : public testing::Test {
  protected:
   void Start(std::vector<std::string> arguments) {
-    arguments.insert(arguments.end(), {"--print-frames", "--summary", (folder_ / "summary.json").string()});
-    program_.Start(TestArgument("companion"), arguments, folder_ / "output.txt");
+    arguments.insert(arguments.end(), {"--print-frames", "--summary", folder_.TextOf("summary.json")});
+    program_.Start(TestArgument("companion"), arguments, folder_.At("output.txt"));
     Connect();
   }
   void Connect() {
@@ -52,7 +52,7 @@ class FrameProgram : public testing::Test {
   }
   void StartScript(const nlohmann::json& steps) {
     const std::string script = folder_.Write("script.json", nlohmann::json{{"steps", steps}}.dump());
-    Start({"--script", script, "--out", (folder_ / "out").string(), "--require-named", "1"});
+    Start({"--script", script, "--out", folder_.TextOf("out"), "--require-named", "1"});
   }
   // The newest pose that the companion sent, at least one newer than before, as the runtime would render with it.
   PoseSlot NextPose() { return SlotOf(NextMatrix()); }
@@ -84,17 +84,11 @@ class FrameProgram : public testing::Test {
     for (auto at = output.find(" texture "); at != std::string::npos; at = output.find(" texture ", at + 1)) ++count;
     return count;
   }
-  std::string ContactSheet() const {
-    std::ifstream file(folder_ / "out" / "contact_sheet.txt");
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  }
-  nlohmann::json Summary() const {
-    std::ifstream file(folder_ / "summary.json");
-    return nlohmann::json::parse(file);
-  }
+  std::string ContactSheet() const { return folder_.Read("out/contact_sheet.txt"); }
+  nlohmann::json Summary() const { return nlohmann::json::parse(folder_.Read("summary.json")); }
   void ExpectExit(std::uint32_t code) { EXPECT_EQ(program_.Wait(), code) << program_.Output(); }
 
-  TestFolder folder_;
+  ombrel::test::ScratchFolder folder_;
   Program program_;
   PlainClient client_;
   std::optional<FrameSource> source_;
@@ -172,16 +166,16 @@ TEST_F(FrameProgram, ReadsFreshFramesAfterAReconnect) {
 }
 
 TEST_F(FrameProgram, SavesPicturesAContactSheetAndItsLogs) {
-  const std::string out = (folder_ / "out").string(), csv = (folder_ / "frames.csv").string(),
-                    poses = (folder_ / "poses.csv").string();
+  const std::string out = folder_.TextOf("out"), csv = folder_.TextOf("frames.csv"),
+                    poses = folder_.TextOf("poses.csv");
   Start({"--out", out, "--save-every", "2", "--frames", "4", "--csv", csv, "--poses-csv", poses});
   for (int i = 0; i < 4; ++i) PresentSlowly(kRed, kGreen, NextPose());
   ExpectExit(0);
   for (const char* name : {"frame_000000.png", "frame_000002.png", "contact_sheet.png", "contact_sheet.txt"}) {
-    EXPECT_TRUE(std::filesystem::exists(folder_ / "out" / name)) << name;
+    EXPECT_TRUE(std::filesystem::exists(folder_.At("out/" + std::string(name)))) << name;
   }
-  EXPECT_FALSE(std::filesystem::exists(folder_ / "out" / "frame_000001.png"));
-  std::ifstream frames(folder_ / "frames.csv"), sent(folder_ / "poses.csv");
+  EXPECT_FALSE(std::filesystem::exists(folder_.At("out/frame_000001.png")));
+  std::ifstream frames(folder_.At("frames.csv")), sent(folder_.At("poses.csv"));
   const auto lines = [](std::istream& file) {
     return std::count(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>(), '\n');
   };

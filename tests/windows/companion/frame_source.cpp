@@ -29,12 +29,8 @@ bool FrameSource::Create(std::uint32_t width, std::uint32_t height, std::uint32_
   name_ = "FrameSource" + std::to_string(GetCurrentProcessId()) + 'x' + std::to_string(handles_[0]);
   mapping_ =
       bench::OwnedHandle(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 128, name_.c_str()));
-  block_ = MapViewOfFile(mapping_.Get(), FILE_MAP_ALL_ACCESS, 0, 0, 128);
+  block_.reset(MapViewOfFile(mapping_.Get(), FILE_MAP_ALL_ACCESS, 0, 0, 128));
   return block_ != nullptr && locks_[0]->AcquireSync(0, acquireTimeoutMs_) == S_OK;
-}
-
-FrameSource::~FrameSource() {
-  if (block_ != nullptr) UnmapViewOfFile(block_);
 }
 
 bench::FrameSharingInfo FrameSource::Info() const {
@@ -53,7 +49,7 @@ void FrameSource::FillHalf(std::uint32_t half, const bench::Rgba& colour) {
 bool FrameSource::Present(const bench::Rgba& left, const bench::Rgba& right, const bench::PoseSlot& slot) {
   FillHalf(0, left);
   FillHalf(1, right);
-  std::memcpy(static_cast<char*>(block_) + 64 * current_, slot.data(), sizeof(slot));
+  std::memcpy(static_cast<char*>(block_.get()) + 64 * current_, slot.data(), sizeof(slot));
   if (locks_[current_]->ReleaseSync(0) != S_OK) return false;
   current_ = 1 - current_;
   return locks_[current_]->AcquireSync(0, acquireTimeoutMs_) == S_OK;

@@ -6,21 +6,17 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <string>
 
-#include "picture/image.h"
-#include "companion/messages.h"
 #include "base/owned_handle.h"
+#include "companion/messages.h"
 #include "companion/pose_history.h"
+#include "picture/image.h"
 
 // Hands frames over in the way the protocol page tells of the driver: two textures in turns, a pose beside each.
 class FrameSource {
  public:
-  FrameSource() = default;
-  ~FrameSource();
-  FrameSource(const FrameSource&) = delete;
-  FrameSource& operator=(const FrameSource&) = delete;
-
   // `width` and `height` of both eyes together. False when there is no device.
   bool Create(std::uint32_t width, std::uint32_t height, std::uint32_t acquireTimeoutMs = 1000);
 
@@ -31,6 +27,9 @@ class FrameSource {
   bool Present(const bench::Rgba& left, const bench::Rgba& right, const bench::PoseSlot& slot);
 
  private:
+  struct Unmap {
+    void operator()(void* view) const { UnmapViewOfFile(view); }
+  };
   void FillHalf(std::uint32_t half, const bench::Rgba& colour);
 
   Microsoft::WRL::ComPtr<ID3D11Device> device_;
@@ -40,7 +39,7 @@ class FrameSource {
   std::array<std::uint32_t, 2> handles_{};
   std::string name_;
   bench::OwnedHandle mapping_;
-  void* block_ = nullptr;
+  std::unique_ptr<void, Unmap> block_;
   std::uint32_t width_ = 0;
   std::uint32_t height_ = 0;
   std::uint32_t acquireTimeoutMs_ = 0;

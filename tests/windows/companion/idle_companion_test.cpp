@@ -7,10 +7,10 @@ namespace {
 class IdleCompanion : public testing::Test {
  protected:
   void Start(const std::string& name, const std::string& seconds) {
-    std::filesystem::copy_file(TestArgument("idle"), folder_ / name);
-    idle_.Start(folder_ / name, {seconds}, folder_ / "out.txt");
+    std::filesystem::copy_file(TestArgument("idle"), folder_.At(name));
+    idle_.Start(folder_.At(name), {seconds}, folder_.At("out.txt"));
   }
-  TestFolder folder_;
+  ombrel::test::ScratchFolder folder_;
   Program idle_;
 };
 

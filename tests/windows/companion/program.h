@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/child_process.h"
+#include "test_files/scratch_folder.h"
 
 // A program that runs beside the test, ended with its owner. What it prints goes into a file.
 class Program {
@@ -26,18 +27,3 @@ class Program {
 
 // The value of a --name=value on the test's command line; fails the test when there is none.
 std::string TestArgument(const std::string& name);
-
-// A folder for one test, empty at first and gone afterwards.
-class TestFolder {
- public:
-  TestFolder();
-  ~TestFolder();
-  TestFolder(const TestFolder&) = delete;
-  TestFolder& operator=(const TestFolder&) = delete;
-
-  std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
-  std::string Write(const std::string& name, const std::string& text) const;
-
- private:
-  std::filesystem::path path_;
-};

@@ -24,7 +24,7 @@ class CompanionProgram : public testing::Test {
  protected:
   void Start(std::vector<std::string> arguments) {
     arguments.push_back("--no-frames");
-    program_.Start(TestArgument("companion"), arguments, folder_ / "output.txt");
+    program_.Start(TestArgument("companion"), arguments, folder_.At("output.txt"));
   }
   void Play(const std::string& steps, std::vector<std::string> arguments = {}) {
     arguments.insert(arguments.end(), {"--script", folder_.Write("script.json", "{\"steps\": [" + steps + "]}")});
@@ -38,7 +38,7 @@ class CompanionProgram : public testing::Test {
   }
   void ExpectExit(std::uint32_t code) { EXPECT_EQ(program_.Wait(), code) << program_.Output(); }
 
-  TestFolder folder_;
+  ombrel::test::ScratchFolder folder_;
   Program program_;
   PlainClient client_;
 };
@@ -140,7 +140,7 @@ TEST_F(CompanionProgram, FailsOnAMessageThatNoDriverSends) {
 }
 
 TEST_F(CompanionProgram, FailsWithoutTheRequiredFramesAndSaysSoInItsSummary) {
-  const std::string summary = (folder_ / "summary.json").string();
+  const std::string summary = folder_.TextOf("summary.json");
   Play(kConnected, {"--require-frames", "1", "--summary", summary});
   ExpectExit(1);
   std::ifstream file(summary);

@@ -15,7 +15,7 @@
 #include "handle_count.h"
 #include "support/driver_threads.h"
 #include "support/link_test.h"
-#include "support/test_files.h"
+#include "test_files/scratch_folder.h"
 
 namespace ombrel::test {
 namespace {
@@ -104,7 +104,7 @@ TEST_F(UnloadTest, LibraryMayComeAndGoManyTimesWhileTheCompanionKeepsSending) {
   const PoseStream stream(server);
   for (int round = 0; round < 8; ++round) {
     bench::FakeRuntime fresh;
-    bench::DriverModule driver(DriverLibrary());
+    bench::DriverModule driver(FromEnvironment("OMBREL_TEST_DRIVER"));
     vr::IServerTrackedDeviceProvider& provider = driver.Provider();
     ASSERT_EQ(provider.Init(&fresh), vr::VRInitError_None);
     fresh.Host().Added().at(0).driver->Activate(0);
@@ -121,7 +121,7 @@ TEST_F(UnloadTest, LibraryThatIsAskedForItsProviderLeavesNoHandleWhenItGoes) {
   const HMODULE imported = LoadLibraryA("winmm.dll");
   std::vector<std::int64_t> handles;
   for (int round = 0; round < 4; ++round) {
-    bench::DriverModule driver(DriverLibrary());
+    bench::DriverModule driver(FromEnvironment("OMBREL_TEST_DRIVER"));
     EXPECT_NE(&driver.Provider(), nullptr);
     driver.Unload();
     handles.push_back(bench::scenarios::CountOwnHandles());
@@ -147,7 +147,7 @@ TEST_F(UnloadTest, LibraryThatIsAskedForItsProviderLeavesNoMemoryWhenItGoes) {
   Unload();
   std::array<std::size_t, 4> bytes{};
   for (std::size_t& now : bytes) {
-    bench::DriverModule driver(DriverLibrary());
+    bench::DriverModule driver(FromEnvironment("OMBREL_TEST_DRIVER"));
     EXPECT_NE(&driver.Provider(), nullptr);
     driver.Unload();
     now = BytesAllocated();

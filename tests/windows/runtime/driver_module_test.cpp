@@ -1,7 +1,5 @@
 #include "runtime/driver_module.h"
 
-#include <cstdlib>
-#include <fstream>
 #include <string>
 
 #include <windows.h>
@@ -11,27 +9,25 @@
 #include "runtime/fake_runtime.h"
 #include "runtime/msvc_calls.h"
 #include "runtime/runtime_session.h"
+#include "test_files/scratch_folder.h"
 
 namespace bench {
 namespace {
 
-std::filesystem::path ToyDriver() { return std::getenv("OMBREL_TOY_DRIVER"); }
+std::filesystem::path ToyDriver() { return ombrel::test::FromEnvironment("OMBREL_TOY_DRIVER"); }
 
 // A driver folder as it is installed, with the toy driver in it.
 class DriverFolderTest : public testing::Test {
  protected:
   void SetUp() override {
-    root = std::filesystem::temp_directory_path() / "toy_driver_folder";
-    std::filesystem::remove_all(root);
+    scratch.Write("toy/driver.vrdrivermanifest", R"({"name": "toy"})");
+    scratch.Write("toy/resources/settings/default.vrsettings", R"({"driver_toy": {"width": 5}})");
     std::filesystem::create_directories(root / "bin" / "win64");
-    std::filesystem::create_directories(root / "resources" / "settings");
     std::filesystem::copy_file(ToyDriver(), root / "bin" / "win64" / "driver_toy.dll");
-    std::ofstream(root / "driver.vrdrivermanifest") << R"({"name": "toy"})";
-    std::ofstream(root / "resources" / "settings" / "default.vrsettings") << R"({"driver_toy": {"width": 5}})";
   }
-  void TearDown() override { std::filesystem::remove_all(root); }
 
-  std::filesystem::path root;
+  const ombrel::test::ScratchFolder scratch;
+  const std::filesystem::path root = scratch.At("toy");
 };
 
 TEST_F(DriverFolderTest, TheManifestNamesTheLibrary) {

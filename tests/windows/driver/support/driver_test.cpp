@@ -5,7 +5,7 @@
 #include "runtime/msvc_calls.h"
 #include "support/module_import.h"
 #include "support/named_process.h"
-#include "support/test_files.h"
+#include "test_files/scratch_folder.h"
 
 namespace ombrel::test {
 namespace {
@@ -20,7 +20,7 @@ void EnsureCompanionProcess() { static const NamedProcess companion("Ombrel.exe"
 vr::DriverPose_t PoseOf(vr::ITrackedDeviceServerDriver& device) { return bench::CallGetPose(&device); }
 
 DriverTest::DriverTest(Graphics graphics)
-    : module(DriverLibrary(), [graphics](void* driver) {
+    : module(FromEnvironment("OMBREL_TEST_DRIVER"), [graphics](void* driver) {
         if (graphics == Graphics::kNone) ReplaceImport(driver, "D3D11CreateDevice", reinterpret_cast<void*>(&NoDevice));
       }) {}
 

@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "base/wait.h"
-#include "support/test_files.h"
 
 namespace ombrel::test {
 namespace {
@@ -30,9 +29,9 @@ std::string ListedName(std::uint32_t id) {
 
 }  // namespace
 
-NamedProcess::NamedProcess(const std::string& executableName) : folder_(MakeTemporaryFolder()) {
-  const std::filesystem::path program = folder_ / executableName;
-  std::filesystem::copy_file(IdleProgram(), program);
+NamedProcess::NamedProcess(const std::string& executableName) {
+  const std::filesystem::path program = folder_.At(executableName);
+  std::filesystem::copy_file(FromEnvironment("OMBREL_TEST_IDLE_PROGRAM"), program);
   process_ = std::make_unique<bench::ChildProcess>(program, std::vector<std::string>{kLifetimeSeconds});
   if (!bench::WaitUntil([&] { return ListedName(process_->Id()) == executableName; }, kStartTimeout)) {
     throw std::runtime_error(executableName + " is not listed");
@@ -43,8 +42,6 @@ NamedProcess::~NamedProcess() {
   const std::uint32_t id = process_->Id();
   process_.reset();
   static_cast<void>(bench::WaitUntil([&] { return ListedName(id).empty(); }, kStartTimeout));
-  std::error_code ignored;
-  std::filesystem::remove_all(folder_, ignored);
 }
 
 }  // namespace ombrel::test

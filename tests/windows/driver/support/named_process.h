@@ -1,12 +1,12 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "base/child_process.h"
+#include "test_files/scratch_folder.h"
 
 namespace ombrel::test {
 
@@ -27,7 +27,7 @@ class NamedProcess {
   }
 
  private:
-  std::filesystem::path folder_;
+  ScratchFolder folder_;
   std::unique_ptr<bench::ChildProcess> process_;
 };
 
