@@ -17,16 +17,7 @@ bool IsTimeForAFrame(std::size_t reads) { return reads <= 8 || reads % 32 == 0; 
 
 }  // namespace
 
-DriverSession::DriverSession() { SetHooks(); }
-
-DriverSession::~DriverSession() {
-  World& world = TheWorld();
-  world.beforeRead = nullptr;
-  world.onNobodyThere = nullptr;
-  world.nextPiece = nullptr;
-}
-
-void DriverSession::SetHooks() {
+DriverSession::DriverSession() {
   runtime_.KeepNothing();
   runtime_.Settings().Set("driver_ombrel", "fakeSensorEnabled", false);
   runtime_.Host().onAdded = [this](const bench::AddedDevice& added) { OnDeviceAdded(added.deviceClass, added.driver); };
@@ -62,6 +53,7 @@ void DriverSession::Run(std::vector<std::vector<std::byte>> connections, std::fu
   world.RunThreads();
   provider_->Cleanup();
   provider_.reset();
+  world.ForgetHooks();
 }
 
 void DriverSession::OnDeviceAdded(vr::ETrackedDeviceClass deviceClass, vr::ITrackedDeviceServerDriver* device) {

@@ -22,9 +22,6 @@ class DriverSession final : public ITrackingUpdatedListener,
                             public IControllerUpdatedListener {
  public:
   DriverSession();
-  ~DriverSession();
-  DriverSession(const DriverSession&) = delete;
-  DriverSession& operator=(const DriverSession&) = delete;
 
   // Takes the connections, each in pieces of the sizes that `nextPiece` gives, and cleans up.
   void Run(std::vector<std::vector<std::byte>> connections, std::function<std::size_t()> nextPiece);
@@ -41,7 +38,6 @@ class DriverSession final : public ITrackingUpdatedListener,
   void OnControllerUpdated(const ControllerUpdate* record) override;
 
  private:
-  void SetHooks();
   void OnDeviceAdded(vr::ETrackedDeviceClass deviceClass, vr::ITrackedDeviceServerDriver* device);
   void OnPose(const bench::PoseRecord& record);
   void OnInput(const bench::InputUpdate& update);

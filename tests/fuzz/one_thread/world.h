@@ -25,6 +25,10 @@ class World {
   std::function<void()> beforeRead;
   // When the driver looks for a companion and there is none left: its threads are to be stopped.
   std::function<void()> onNobodyThere;
+  void ForgetHooks() {
+    nextPiece = nullptr;
+    beforeRead = onNobodyThere = nullptr;
+  }
 
   // What the driver wrote, by connections.
   std::vector<std::vector<std::byte>> written;
