@@ -7,7 +7,7 @@ case " $* " in *" --help "* | *" -h "*) sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$0" &
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit
 
 build_packages=(cmake ninja-build g++-mingw-w64-x86-64-posix wine64
-  nlohmann-json3-dev libcli11-dev libstb-dev googletest python3)
+  nlohmann-json3-dev libcli11-dev libstb-dev libboost-dev nasm googletest python3)
 display_packages=(xvfb libgl1 libgl1-mesa-dri libglx-mesa0)
 fuzz_packages=(g++ clang libclang-rt-dev llvm)
 msvc_packages=(clang-19 libc++-19-dev libwine-dev)
@@ -56,6 +56,7 @@ prepare() {
   fi
   need "${packages[@]}"
   tools/fetch_openvr.sh
+  tools/fetch_libjpeg_turbo.sh
   tools/fetch_uplot.sh
 }
 
