@@ -38,6 +38,14 @@ if(TARGET ombrel_doctor)
   install(TARGETS ombrel_doctor RUNTIME DESTINATION ombrel/bin/win64 COMPONENT driver)
 endif()
 
+if(TARGET preview)
+  configure_file("${PROJECT_SOURCE_DIR}/companion/preview/program/start.cmd" "${with_carriage_returns}/start.cmd"
+    @ONLY NEWLINE_STYLE CRLF)
+  install(TARGETS preview RUNTIME DESTINATION ombrel-preview COMPONENT preview)
+  install(FILES "${with_carriage_returns}/start.cmd" "${with_carriage_returns}/THIRD_PARTY_NOTICES.txt"
+    DESTINATION ombrel-preview COMPONENT preview)
+endif()
+
 # By the lists of this version and of those before it, installing knows the files that only an older version had.
 install(CODE "set(list_of_files \"resources/files-${PROJECT_VERSION}.txt\")" COMPONENT driver)
 install(SCRIPT "${PROJECT_SOURCE_DIR}/cmake/list_installed_files.cmake" COMPONENT driver)
@@ -55,6 +63,9 @@ endmacro()
 
 ombrel_zip(driver win64)
 ombrel_zip(symbols symbols-win64)
+if(TARGET preview)
+  ombrel_zip(preview preview-win64)
+endif()
 set(CPACK_GENERATOR ZIP)
 set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
@@ -66,6 +77,9 @@ add_custom_target(dist ALL
   DEPENDS driver_ombrel VERBATIM COMMENT "Laying out ${OMBREL_DIST_DIR}")
 if(TARGET ombrel_doctor)
   add_dependencies(dist ombrel_doctor)
+endif()
+if(TARGET preview)
+  add_dependencies(dist preview)
 endif()
 set_property(GLOBAL PROPERTY OMBREL_DIST_DLL "${OMBREL_DIST_DIR}/ombrel/bin/win64/driver_ombrel.dll")
 set_property(GLOBAL PROPERTY OMBREL_DIST_ARCHIVE "${OMBREL_DIST_DIR}/ombrel-${PROJECT_VERSION}-win64.zip")

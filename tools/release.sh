@@ -20,7 +20,7 @@ commit=$(git describe --always --exclude='*' --abbrev=12)
 # build_from_nothing FOLDER: the driver alone, in a clone, so that no edit and no file that git ignores goes in; with the
 # commit's time instead of the clock's.
 build_from_nothing() {
-  local openvr=$PWD/third_party/openvr
+  local openvr=$PWD/third_party/openvr libjpeg_turbo=$PWD/third_party/libjpeg-turbo
   rm -rf "$1"
   git clone --quiet --shared --no-checkout . "$1"
   git -C "$1" checkout --quiet --detach "$commit"
@@ -30,7 +30,7 @@ build_from_nothing() {
   (
     cd "$1"
     cmake --preset mingw-release "-DOMBREL_OPENVR_DIR=$openvr" -DOMBREL_BUILD_BENCH=OFF -DOMBREL_BUILD_TESTS=OFF \
-      -DOMBREL_BUILD_DOCTOR=ON \
+      -DOMBREL_BUILD_DOCTOR=ON -DOMBREL_BUILD_PREVIEW=ON "-DOMBREL_LIBJPEG_TURBO_DIR=$libjpeg_turbo" \
       -Wno-dev --log-level=WARNING
     cmake --build --preset mingw-release --target dist
     WINEPREFIX=$PWD/build/mingw-release/wine /usr/lib/wine/wineserver -k || true

@@ -21,7 +21,7 @@ pack first UTC
 sleep 2 # a zip's times are even seconds
 pack second Asia/Tokyo
 
-for suffix in win64 symbols-win64; do
+for suffix in win64 symbols-win64 preview-win64; do
   zip=ombrel-$version-$suffix.zip
   cmp "$work/first/$zip" "$work/second/$zip" || fail "$zip is not the same each time"
   mkdir "$work/$suffix"
@@ -29,9 +29,10 @@ for suffix in win64 symbols-win64; do
   notices=$(find "$work/$suffix" -name THIRD_PARTY_NOTICES.txt)
   tr -d '\r' <"${notices:-/dev/null}" | cmp - "$sources/THIRD_PARTY_NOTICES.txt" || fail "$zip has other notices"
 done
-[ "$(find "$work/first" -maxdepth 1 -name '*.zip' | wc -l)" -eq 2 ] || fail "there is a zip that is not looked at"
+[ "$(find "$work/first" -maxdepth 1 -name '*.zip' | wc -l)" -eq 3 ] || fail "there is a zip that is not looked at"
 
 diff -r "$work/win64/ombrel" "$work/first/ombrel" || fail "the driver's zip is not its folder"
+diff -r "$work/preview-win64/ombrel-preview" "$work/first/ombrel-preview" || fail "the preview's zip is not its folder"
 diff -r "$work/symbols-win64/symbols" "$work/first/symbols" || fail "the zip of symbols is not their folder"
 list=resources/files-$version.txt
 (cd "$work/win64/ombrel" && find . -type f ! -path "./$list" | cut -c 3- | LC_ALL=C sort) >"$work/found"
