@@ -1,0 +1,67 @@
+"""Measures the preview between runtime and browser, and prints a table: measure.py [FRAMES], 10,000 by default.
+
+From a pose's sending by the page to the picture that shows it, in a headless browser, and what of it lies between the pose's
+writing to the pipe and the frame's arrival; the compression; and the program's memory while so many frames are shown."""
+import sys
+import tempfile
+
+from browser import open_browser, set_screen
+from preview_browser import DESK, wait_until, words
+from preview_host import Page
+from preview_session import Session
+
+IN_BROWSER = 1000
+COLLECT = """
+window.shown = [];
+document.getElementById('picture').addEventListener('shown', ({ detail }) => detail.age === null || shown.push(detail));
+"""
+
+
+def percentile(values, share):
+    """Nearest rank."""
+    ordered = sorted(values)
+    return ordered[max(0, -(-len(ordered) * share // 100) - 1)]
+
+
+def measure_latency(port):
+    with open_browser() as browser:
+        set_screen(browser, *DESK)
+        browser.get(f"http://localhost:{port}/")
+        wait_until(browser, lambda: words(browser) == "", "no picture", 60)
+        browser.execute_script(COLLECT)
+        wait_until(browser, lambda: browser.execute_script("return shown.length") >= IN_BROWSER, "too few frames", 300)
+        return browser.execute_script("return shown")
+
+
+def measure_memory(session, frames):
+    """(frames so far, resident kilobytes), ten times."""
+    page = Page(session.port)
+    rows = []
+    for count in range(1, frames + 1):
+        page.acknowledge(page.receive_frame())
+        if count % (frames // 10) == 0:
+            rows.append((count, session.companion.resident_kilobytes()))
+    return rows
+
+
+def main():
+    frames = int(sys.argv[1]) if len(sys.argv) > 1 else 10_000
+    with tempfile.TemporaryDirectory() as folder:
+        session = Session(folder)
+        try:
+            shown = measure_latency(session.port)
+            memory = measure_memory(session, frames)
+        finally:
+            session.end()
+    print(f"| {len(shown)} frames in a browser | median | p99 |\n| --- | --- | --- |")
+    for name, key in (("pose sent to picture shown, ms", "age"), ("of it driver and runtime, ms", "poseToFrame"),
+                      ("compression, ms", "encoding")):
+        values = [frame[key] for frame in shown]
+        print(f"| {name} | {percentile(values, 50):.1f} | {percentile(values, 99):.1f} |")
+    print("\n| frames | " + " | ".join(f"{count}" for count, _ in memory) + " |")
+    print("| --- " * (len(memory) + 1) + "|")
+    print("| resident memory, MB | " + " | ".join(f"{kilobytes / 1024:.1f}" for _, kilobytes in memory) + " |")
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,67 @@
+"""Runtime, driver and preview under Wine, as processes of a test."""
+import os
+import re
+import signal
+import subprocess
+import time
+from pathlib import Path
+
+SOURCES = Path(__file__).resolve().parents[2]
+WAIT_S = 60
+# Without a thread per Direct3D device that spins while it waits: three of them starve a machine of two cores.
+ENVIRONMENT = {**os.environ, "WINE_D3D_CONFIG": "csmt=0x0"}
+
+
+class Program:
+    """A Windows program whose output goes to a file."""
+
+    def __init__(self, log, program, *arguments):
+        self.log = Path(log)
+        self.output = open(self.log, "w")
+        self.process = subprocess.Popen(
+            [SOURCES / "tools/wine.sh", "--prefix", os.environ["OMBREL_TEST_PREFIX"], program, *map(str, arguments)],
+            stdout=self.output, stderr=subprocess.STDOUT, env=ENVIRONMENT)
+
+    def wait_for(self, pattern, seconds=WAIT_S):
+        """The match of the pattern in what it printed."""
+        deadline = time.monotonic() + seconds
+        while not (found := re.search(pattern, self.log.read_text())):
+            assert time.monotonic() < deadline and self.process.poll() is None, f"no '{pattern}':\n{self.log.read_text()}"
+            time.sleep(0.05)
+        return found
+
+    def kill(self):
+        """Ends it as a crash would."""
+        self.process.send_signal(signal.SIGKILL)
+        self.process.wait()
+        self.output.close()
+
+    def resident_kilobytes(self):
+        status = Path(f"/proc/{self.process.pid}/status").read_text()
+        return int(re.search(r"VmRSS:\s+(\d+) kB", status)[1])
+
+
+class Session:
+    """`folder` takes the logs."""
+
+    def __init__(self, folder, mode="direct"):
+        self.folder = Path(folder)
+        self.mode = mode
+        self.port = 0
+        self.start_companion()
+        self.start_runtime()
+
+    def start_companion(self):
+        self.companion = Program(self.folder / "companion.log", os.environ["OMBREL_TEST_PREVIEW"], "--port", self.port)
+        self.port = int(self.companion.wait_for(r"http://localhost:(\d+)/")[1])
+
+    def start_runtime(self):
+        demo = SOURCES / "tools/demo"
+        self.runtime = Program(
+            self.folder / "runtime.log", os.environ["OMBREL_TEST_RUNTIME"], "--driver", os.environ["OMBREL_TEST_DRIVER"],
+            "--settings", demo / f"{self.mode}.json", "--haptics", demo / "haptics.json", "--keep-devices", "--seconds", 600)
+        self.companion.wait_for("the driver is here")
+
+    def end(self):
+        self.runtime.kill()
+        self.companion.kill()
