@@ -8,6 +8,8 @@ import re
 import sys
 from pathlib import Path
 
+from breaches import report
+
 OPENVR = "ombrel_openvr"
 
 
@@ -74,11 +76,5 @@ def breaches(root):
                 yield f"{file}: includes {prefix}, which {folder.name} does not link as {kind}"
 
 
-def main():
-    found = list(breaches(Path(sys.argv[1])))
-    print("\n".join(found) if found else "the map is true")
-    return 1 if found else 0
-
-
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(report(breaches, "the map is true"))

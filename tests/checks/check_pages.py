@@ -9,6 +9,8 @@ import re
 import sys
 from pathlib import Path
 
+from breaches import report
+
 FOLDERS = ("platform", "link", "render", "devices", "hmd", "driver")
 PAGES = ("docs/architecture.md", "docs/compatibility.md")
 FUNCTION = r"`((?!std::|vr::)(?:\w+::)+~?\w+)`|`(\w+)\(\)`"
@@ -69,11 +71,5 @@ def breaches(root):
     yield from (f"{PAGES[1]}: {row} is not cited by the code" for row, _ in rows if row not in cited)
 
 
-def main():
-    found = list(breaches(Path(sys.argv[1])))
-    print("\n".join(found) if found else "the pages are true")
-    return 1 if found else 0
-
-
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(report(breaches, "the pages are true"))

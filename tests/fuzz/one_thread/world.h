@@ -68,7 +68,7 @@ class World {
 // The one world of the process.
 World& TheWorld();
 
-// Says what happened and ends the process: what could only be a wait for ever, or a misuse of the system.
+// Aborts with a message: a deadlock, or a misuse of the system.
 [[noreturn]] void GiveUp(const char* what);
 
 }  // namespace ombrel::test

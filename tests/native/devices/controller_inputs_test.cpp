@@ -97,7 +97,7 @@ TEST_F(ControllerInputsTest, OtherAxesAreIgnored) {
   EXPECT_THAT(NewInputs(), IsEmpty());
 }
 
-// Not a number differs from everything, itself included.
+// A NaN compares unequal to everything, itself included.
 TEST_F(ControllerInputsTest, NotANumberIsSentWithEveryRecord) {
   const float nan = std::numeric_limits<float>::quiet_NaN();
   for (int i = 0; i < 2; ++i) MoveAxis(0, nan, 0);

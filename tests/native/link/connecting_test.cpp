@@ -1,14 +1,11 @@
 // How the link comes up and goes down.
 #include <chrono>
-#include <stdexcept>
 #include <thread>
 
 #include "pipe_client_fixture.h"
 
 namespace ombrel::test {
 namespace {
-
-using Lines = Journal::Lines;
 
 TEST_F(PipeClientTest, ConnectsToACompanionThatIsThere) {
   companion_.Offer();
@@ -35,9 +32,7 @@ TEST_F(PipeClientTest, AnnouncesANewConnectionOnce) {
 }
 
 TEST_F(PipeClientTest, KeepsTheFirstPipeWhileTheSecondIsMissing) {
-  client_.Start();
-  companion_.in.Offer();
-  ASSERT_TRUE(companion_.in.Accept());
+  ASSERT_TRUE(ConnectFirstPipe());
   // The end of the stream would be something to receive. Several tries of the second pipe go by.
   EXPECT_FALSE(companion_.in.HasData(600));
   EXPECT_FALSE(client_.IsConnected());
@@ -47,21 +42,16 @@ TEST_F(PipeClientTest, KeepsTheFirstPipeWhileTheSecondIsMissing) {
 }
 
 TEST_F(PipeClientTest, StartsAfreshWhenTheCompanionRestartsBetweenThePipes) {
-  client_.Start();
-  companion_.in.Offer();
-  ASSERT_TRUE(companion_.in.Accept());
+  ASSERT_TRUE(ConnectFirstPipe());
   companion_.in.Disconnect();
   EXPECT_TRUE(companion_.Connect());
   EXPECT_TRUE(WaitFor("up"));
-  EXPECT_TRUE(companion_.SendPose(0, 0, 0, 1));
-  EXPECT_TRUE(WaitFor("tracking"));
+  EXPECT_TRUE(SendPose());
 }
 
 // The driver may open the second pipe of the new companion before it notices that its first is the old one's.
 TEST_F(PipeClientTest, StartsAfreshWhenTheCompanionRestartsWithItsSecondPipeFirst) {
-  client_.Start();
-  companion_.in.Offer();
-  ASSERT_TRUE(companion_.in.Accept());
+  ASSERT_TRUE(ConnectFirstPipe());
   companion_.out.Offer();
   companion_.in.Disconnect();
   companion_.in.Offer();
@@ -73,8 +63,7 @@ TEST_F(PipeClientTest, StartsAfreshWhenTheCompanionRestartsWithItsSecondPipeFirs
     ASSERT_TRUE(companion_.out.Accept());
   }
   EXPECT_TRUE(WaitFor("up"));
-  EXPECT_TRUE(companion_.SendPose(0, 0, 0, 1));
-  EXPECT_TRUE(WaitFor("tracking"));
+  EXPECT_TRUE(SendPose());
 }
 
 TEST_F(PipeClientTest, ReportsADropAndComesBack) {
@@ -116,18 +105,12 @@ TEST_F(PipeClientTest, ReportsACompanionThatGoesAtOnce) {
   // Up and down again, or never up: never up for good.
   ASSERT_TRUE(companion_.Connect());
   ASSERT_TRUE(WaitUntil([&] { return client_.IsConnected(); }));
-  EXPECT_TRUE(companion_.SendPose(0, 0, 0, 1));
-  EXPECT_TRUE(WaitFor("tracking"));
+  EXPECT_TRUE(SendPose());
 }
 
-class ThrowingConnectionListener final : public IConnectionStateChangedListener {
- public:
-  void OnConnectionStateChanged() override { throw std::runtime_error("no"); }
-};
-
 TEST_F(PipeClientTest, OutlivesAListenerThatThrows) {
-  ThrowingConnectionListener throwing;
-  client_.AddListener(&throwing);
+  ThrowingListener throwing;
+  client_.AddListener(static_cast<IConnectionStateChangedListener*>(&throwing));
   RecordingListener behind(client_);
   behind.ListenToAll();
   ASSERT_TRUE(Connect());
@@ -141,8 +124,7 @@ TEST_F(PipeClientTest, IgnoresThatItsOutgoingPipeAloneHasGone) {
   ASSERT_TRUE(Connect());
   companion_.in.Disconnect();
   client_.Send(LinkMessageType::kHapticPulse, HapticPulse{});
-  EXPECT_TRUE(companion_.SendPose(0, 0, 0, 1));
-  EXPECT_TRUE(WaitFor("tracking"));
+  EXPECT_TRUE(SendPose());
   companion_.Disconnect();
   EXPECT_TRUE(WaitFor("down"));
   EXPECT_TRUE(companion_.Connect());

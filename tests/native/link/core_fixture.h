@@ -63,6 +63,13 @@ class OmbrelCoreTest : public testing::Test {
     SetUpCore();
     return companion_.Connect() && making.WaitForVisitor();
   }
+  // A connection for which no outputs can be made.
+  [[nodiscard]] bool ConnectWithoutOutputs() {
+    renderer_->canCreateOutputs = false;
+    PrepareOutput();
+    SetUpCore();
+    return companion_.Connect() && WaitForCall("CreateOutputTextures", 2);
+  }
   [[nodiscard]] bool Receive() { return companion_.Receive().has_value(); }
   // Whether nothing else has been sent: what is sent now comes next.
   [[nodiscard]] bool HasReceivedAll() {

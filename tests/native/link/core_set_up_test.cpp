@@ -8,8 +8,6 @@
 namespace ombrel::test {
 namespace {
 
-using Lines = Journal::Lines;
-
 TEST_F(OmbrelCoreTest, HasAPeriodOfSixtyFramesASecondFromTheStart) {
   PrepareOutput();
   SetUpCore();
@@ -66,11 +64,7 @@ TEST_F(OmbrelCoreTest, ACompanionMayBeThereLongBeforeTheRendererIsReady) {
 }
 
 TEST_F(OmbrelCoreTest, GoesWithoutFramesWhenTheOutputsCannotBeMade) {
-  renderer_->canCreateOutputs = false;
-  PrepareOutput();
-  SetUpCore();
-  ASSERT_TRUE(companion_.Connect());
-  ASSERT_TRUE(WaitForCall("CreateOutputTextures", 2));
+  ASSERT_TRUE(ConnectWithoutOutputs());
   ASSERT_TRUE(SendPose());
   HandOff(77);
   core_->Frames().HandOffTexture(5);
@@ -92,11 +86,7 @@ TEST_F(OmbrelCoreTest, OutputsThatCouldNotBeMadeAreMadeForTheNextConnection) {
 }
 
 TEST_F(OmbrelCoreTest, OutputsThatCouldNotBeMadeAreMadeByAnotherActivation) {
-  renderer_->canCreateOutputs = false;
-  PrepareOutput();
-  SetUpCore();
-  ASSERT_TRUE(companion_.Connect());
-  ASSERT_TRUE(WaitForCall("CreateOutputTextures", 2));
+  ASSERT_TRUE(ConnectWithoutOutputs());
   renderer_->canCreateOutputs = true;
   PrepareOutput();
   EXPECT_TRUE(WaitForStreaming());

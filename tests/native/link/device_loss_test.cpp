@@ -6,8 +6,6 @@
 namespace ombrel::test {
 namespace {
 
-using Lines = Journal::Lines;
-
 class DeviceLossTest : public OmbrelCoreTest {
  protected:
   // Frame after frame, until the link has gone down.

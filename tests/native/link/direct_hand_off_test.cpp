@@ -4,8 +4,6 @@
 namespace ombrel::test {
 namespace {
 
-using Lines = Journal::Lines;
-
 class DirectHandOffTest : public OmbrelCoreTest {
  protected:
   void SetUp() override { ASSERT_TRUE(Stream()); }

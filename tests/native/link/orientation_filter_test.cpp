@@ -52,7 +52,7 @@ TEST(OrientationFilter, FollowsTheReferenceWithNineAxes) {
   EXPECT_LT(Drift(ReferenceFilter::Roots::kFast, true, 500), 2e-5);
 }
 
-// The fast inverse root is off by up to 0.18 %, which is what is left against exact mathematics.
+// The fast inverse square root is off by up to 0.18 %, which is what is left against exact mathematics.
 TEST(OrientationFilter, StaysNearExactMathematics) {
   EXPECT_LT(Drift(ReferenceFilter::Roots::kExact, false, 500), 0.01);
   EXPECT_LT(Drift(ReferenceFilter::Roots::kExact, true, 500), 0.01);

@@ -16,6 +16,8 @@ namespace ombrel::test {
 // A link that is not started yet, with one listener to everything, and a companion that offers nothing yet.
 class PipeClientTest : public testing::Test {
  protected:
+  using Lines = Journal::Lines;
+
   PipeClientTest() { listener_.ListenToAll(); }
   ~PipeClientTest() override { client_.Stop(); }
 
@@ -24,6 +26,14 @@ class PipeClientTest : public testing::Test {
     client_.Start();
     return companion_.Connect() && WaitFor("up");
   }
+  // Started, with the pipe from the driver alone.
+  [[nodiscard]] bool ConnectFirstPipe() {
+    client_.Start();
+    companion_.in.Offer();
+    return companion_.in.Accept();
+  }
+  // A pose that is heard: the link's first.
+  [[nodiscard]] bool SendPose() { return companion_.SendPose(0, 0, 0, 1) && WaitFor("tracking"); }
   [[nodiscard]] bool WaitFor(const std::string& line, std::size_t times = 1) const {
     return listener_.journal.WaitForLine(line, times);
   }

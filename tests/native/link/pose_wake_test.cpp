@@ -1,4 +1,4 @@
-// A pose that comes at the very moment at which a frame begins to wait for it.
+// No lost wake-up: a pose that comes between a frame's check and its wait.
 #include <atomic>
 
 #include "core_fixture.h"

@@ -186,7 +186,7 @@ TEST(SquareRootMethod, AgreesWithDoublePrecisionOnRandomTurns) {
   }
 }
 
-// What a matrix loses of its digits is seen in the root of a difference of almost nothing.
+// Catastrophic cancellation: the root of a difference of nearly equal numbers magnifies the matrix's rounding.
 TEST(SquareRootMethod, IsLeastExactNearZero) {
   RandomTurns turns(18);
   double largest = 0.0;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <stdexcept>
 #include <string>
 
 #include "link/companion_pipe_client.h"
@@ -39,6 +40,12 @@ class RecordingListener final : public ITrackingUpdatedListener,
 
  private:
   CompanionPipeClient& client_;
+};
+
+class ThrowingListener final : public ITrackingUpdatedListener, public IConnectionStateChangedListener {
+ public:
+  void OnTrackingUpdated() override { throw std::runtime_error("no"); }
+  void OnConnectionStateChanged() override { throw std::runtime_error("no"); }
 };
 
 }  // namespace ombrel::test

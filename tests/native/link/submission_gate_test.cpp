@@ -54,7 +54,7 @@ TEST(SubmissionGate, DrainingWaitsForTheLastOneInside) {
   drainer.join();
 }
 
-// Threads come and go while the gate is opened and closed; behind a drain nobody is inside.
+// Threads enter and leave while the gate opens and closes: after a drain none is inside.
 TEST(SubmissionGateStress, NobodyIsInsideBehindADrain) {
   SubmissionGate gate;
   std::atomic<bool> done{false};

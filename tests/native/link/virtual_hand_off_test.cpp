@@ -1,10 +1,10 @@
 // Finished frames on their way to the companion, and the wait for a pose behind each.
+#include <functional>
+
 #include "core_fixture.h"
 
 namespace ombrel::test {
 namespace {
-
-using Lines = Journal::Lines;
 
 class VirtualHandOffTest : public OmbrelCoreTest {
  protected:
@@ -18,6 +18,27 @@ class VirtualHandOffTest : public OmbrelCoreTest {
   // Hands frames off until one is taken. It waits in there.
   void HandOffTaken() {
     while (renderer_->journal.Count("Sharing") == 0) core_->Frames().HandOffTexture(5);
+  }
+  // The frame that is taken, and as many poses, one of which lets it go.
+  void HandOffWithPoses(int poses) {
+    Background frame([this] { HandOffTaken(); });
+    ASSERT_TRUE(WaitForCall("AcquireOutput 1 16"));
+    for (int i = 0; i < poses; ++i) ASSERT_TRUE(SendPose());
+    ASSERT_TRUE(frame.Finishes());
+  }
+  // The frame under way has come to that call, waits for a pose, and goes with it.
+  void ExpectWaitForAPose(Background& frame, const std::string& call) {
+    ASSERT_TRUE(WaitForCall(call));
+    EXPECT_TRUE(frame.StaysBlocked());
+    ASSERT_TRUE(SendPose());
+    EXPECT_TRUE(frame.Finishes());
+  }
+  void ExpectReleaseBy(const std::function<void()>& event) {
+    Background frame([this] { HandOffTaken(); });
+    ASSERT_TRUE(WaitForCall("AcquireOutput 1 16"));
+    ASSERT_TRUE(frame.StaysBlocked());
+    event();
+    EXPECT_TRUE(frame.Finishes());
   }
 };
 
@@ -33,52 +54,32 @@ TEST_F(VirtualHandOffTest, GoesThroughItsStepsInOrderAndWaitsForAPose) {
 }
 
 TEST_F(VirtualHandOffTest, AnswersEachPoseWithOneFrameAtMost) {
-  Background frame([this] { HandOffTaken(); });
-  ASSERT_TRUE(WaitForCall("AcquireOutput 1 16"));
-  for (int i = 0; i < 3; ++i) ASSERT_TRUE(SendPose());
-  ASSERT_TRUE(frame.Finishes());
+  ASSERT_NO_FATAL_FAILURE(HandOffWithPoses(3));
   // Two poses are left.
   core_->Frames().HandOffTexture(6);
   core_->Frames().HandOffTexture(7);
   Background last([this] { core_->Frames().HandOffTexture(8); });
-  ASSERT_TRUE(WaitForCall("CopyToOutput 8 1 16"));
-  EXPECT_TRUE(last.StaysBlocked());
-  ASSERT_TRUE(SendPose());
-  EXPECT_TRUE(last.Finishes());
+  ExpectWaitForAPose(last, "CopyToOutput 8 1 16");
 }
 
 TEST_F(VirtualHandOffTest, IsReleasedByADrop) {
-  Background frame([this] { HandOffTaken(); });
-  ASSERT_TRUE(WaitForCall("AcquireOutput 1 16"));
-  ASSERT_TRUE(frame.StaysBlocked());
-  companion_.Disconnect();
-  EXPECT_TRUE(frame.Finishes());
+  ExpectReleaseBy([this] { companion_.Disconnect(); });
 }
 
 TEST_F(VirtualHandOffTest, IsReleasedWhenTheLinkStops) {
-  Background frame([this] { HandOffTaken(); });
-  ASSERT_TRUE(WaitForCall("AcquireOutput 1 16"));
-  ASSERT_TRUE(frame.StaysBlocked());
-  core_->StopLink();
-  EXPECT_TRUE(frame.Finishes());
+  ExpectReleaseBy([this] { core_->StopLink(); });
 }
 
 TEST_F(VirtualHandOffTest, CountsAnewForEachConnection) {
-  Background frame([this] { HandOffTaken(); });
-  ASSERT_TRUE(WaitForCall("AcquireOutput 1 16"));
-  for (int i = 0; i < 5; ++i) ASSERT_TRUE(SendPose());
-  ASSERT_TRUE(frame.Finishes());
+  ASSERT_NO_FATAL_FAILURE(HandOffWithPoses(5));
   companion_.Offer();
   companion_.Disconnect();
   ASSERT_TRUE(companion_.Accept());
   ASSERT_TRUE(WaitForCall("CreateOutputTextures", 3));
   renderer_->journal.Clear();
   Background again([this] { HandOffTaken(); });
-  ASSERT_TRUE(WaitForCall("CopyToOutput 5 0 16"));
   // The five poses were the last companion's.
-  EXPECT_TRUE(again.StaysBlocked());
-  ASSERT_TRUE(SendPose());
-  EXPECT_TRUE(again.Finishes());
+  ExpectWaitForAPose(again, "CopyToOutput 5 0 16");
 }
 
 TEST_F(VirtualHandOffTest, ATextureThatIsHeldDropsTheFrameAndCountsNothing) {
@@ -87,18 +88,12 @@ TEST_F(VirtualHandOffTest, ATextureThatIsHeldDropsTheFrameAndCountsNothing) {
   EXPECT_EQ(renderer_->journal.From(4 + 1), (Lines{"Sharing", "CopyToOutput 5 0 16"}));
   renderer_->canCopy = true;
   Background frame([this] { core_->Frames().HandOffTexture(6); });
-  ASSERT_TRUE(WaitForCall("CopyToOutput 6 0 16"));
-  EXPECT_TRUE(frame.StaysBlocked());
-  ASSERT_TRUE(SendPose());
-  EXPECT_TRUE(frame.Finishes());
+  ExpectWaitForAPose(frame, "CopyToOutput 6 0 16");
 }
 
 TEST_F(VirtualHandOffTest, CopiesNothingIntoAnOutputThatCouldNotBeHad) {
   renderer_->canAcquireOutput = false;
-  Background frame([this] { HandOffTaken(); });
-  ASSERT_TRUE(WaitForCall("AcquireOutput 1 16"));
-  for (int i = 0; i < 2; ++i) ASSERT_TRUE(SendPose());
-  ASSERT_TRUE(frame.Finishes());
+  ASSERT_NO_FATAL_FAILURE(HandOffWithPoses(2));
   renderer_->journal.Clear();
   core_->Frames().HandOffTexture(6);
   EXPECT_EQ(Calls(), (Lines{"SkipCopy 6 1 16", "ReleaseOutput 1", "AcquireOutput 0 16"}));
@@ -106,10 +101,7 @@ TEST_F(VirtualHandOffTest, CopiesNothingIntoAnOutputThatCouldNotBeHad) {
 
 TEST_F(VirtualHandOffTest, ClearsEachOutputWhenItIsFirstHadInAConnectionAndNeverAgain) {
   renderer_->canAcquireOutput = false;
-  Background frame([this] { HandOffTaken(); });
-  ASSERT_TRUE(WaitForCall("AcquireOutput 1 16"));
-  for (int i = 0; i < 7; ++i) ASSERT_TRUE(SendPose());
-  ASSERT_TRUE(frame.Finishes());
+  ASSERT_NO_FATAL_FAILURE(HandOffWithPoses(7));
   renderer_->canAcquireOutput = true;
   renderer_->journal.Clear();
   for (int i = 0; i < 4; ++i) core_->Frames().HandOffTexture(6);

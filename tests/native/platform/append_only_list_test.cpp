@@ -54,7 +54,7 @@ TEST(AppendOnlyList, AnEntryAddedDuringAWalkIsSeenByIt) {
   EXPECT_EQ(seen, (std::vector{1, 2}));
 }
 
-// Two threads add, two walk. An entry is a pair, so that one seen half made shows.
+// Two threads add, two walk. An entry is a pair, so that a torn one shows.
 struct Pair {
   int value;
   int same;

@@ -13,7 +13,7 @@
 namespace ombrel::test {
 namespace {
 
-// A value that shows when it is made of two halves: every word is the same number. Its size is not a whole number of
+// A value that shows when it is torn: every word is the same number. Its size is not a whole number of
 // the words that are copied.
 struct Uniform {
   std::array<std::uint32_t, 35> words{};
@@ -47,8 +47,8 @@ TEST(SeqLock, KeepsEveryByteOfASmallValue) {
   EXPECT_EQ(shared.Load().bytes, (std::array<std::uint8_t, 3>{1, 2, 3}));
 }
 
-// Stores from several threads while others read: nobody sees half a value. Goes on until enough stores were met by a
-// reader, for threads that take turns on a busy machine would meet none, but not for ever.
+// Several writers race several readers: no read is torn. Runs until enough stores have overlapped a read, since threads
+// that take turns on a busy machine would never race, but with a bound.
 class SeqLockStress : public testing::Test {
  protected:
   static constexpr int kMeetings = 20000;

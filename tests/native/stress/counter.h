@@ -5,8 +5,7 @@
 
 namespace ombrel::test {
 
-// Counts on any thread without putting the threads in any order, which would hide from the thread sanitizer that the
-// driver has not.
+// Counts on any thread, relaxed: synchronization in here would hide the driver's data races from the thread sanitizer.
 class Counter {
  public:
   std::uint32_t operator++(int) { return count_.fetch_add(1, std::memory_order_relaxed); }

@@ -39,7 +39,7 @@ class StressTest : public testing::TestWithParam<std::int32_t> {
     threads_.clear();
   }
 
-  // Which thread gets how much is the scheduler's affair; nobody may have stood by.
+  // How much each thread gets is the scheduler's affair, but none may have starved.
   [[nodiscard]] bool HasEverybodyWorked() const {
     const StressRuntime::Work& done = runtime_.Done();
     const TripwireRenderer::Work& drawn = TripwireRenderer::Done();
