@@ -1,5 +1,5 @@
 """The files of a session whose figures are easy to know. A tick is a millisecond; ten poses a second turn the head left by
-ten degrees each and reach the runtime after 3 ms; a frame is presented 20 ms after each, and held after 45."""
+ten degrees each and up by five, and reach the runtime after 3 ms; a frame is presented 20 ms after each, and held after 45."""
 import json
 import math
 
@@ -11,14 +11,14 @@ COMPANION = {"failures": [], "frames": POSES, "matching": POSES, "mismatching": 
 
 
 def matrix(number):
-    """The head turned left by ten degrees for each pose, each at a place of its own."""
-    angle = math.radians(10 * number)
-    cos, sin = math.cos(angle), math.sin(angle)
-    return f"{cos},0,{sin},0,0,1,0,1.7,{-sin},0,{cos},{0.001 * number}"
+    """The head turned left by ten degrees and up by five for each pose, each at a place of its own."""
+    yaw, pitch = math.radians(10 * number), math.radians(5 * number)
+    (sy, cy), (sp, cp) = ((math.sin(angle), math.cos(angle)) for angle in (yaw, pitch))
+    return f"{cy},{sy * sp},{sy * cp},0,0,{cp},{-sp},1.7,{-sy},{cy * sp},{cy * cp},{0.001 * number}"
 
 
-def table(head, row):
-    return "\n".join([f"{head},{MATRIX}", *(f"{row(number, 1000 + 100 * number)},{matrix(number)}"
+def table(head, row, pose=matrix):
+    return "\n".join([f"{head},{MATRIX}", *(f"{row(number, 1000 + 100 * number)},{pose(number)}"
                                             for number in range(POSES))]) + "\n"
 
 
@@ -32,8 +32,7 @@ def write_session(folder, companion=None, pose_beside_frames=True):
     (folder / "runtime_frames.csv").write_text(table(
         "frame,qpc,presented_qpc,render_qpc,pose_qpc,missed",
         lambda i, at: f"{i},{at + 20},{at + 22},{at + 10},{at + 3},{2 if i == 3 else 0}"))
-    held = table("frame,qpc,pose_qpc", lambda i, at: f"{i},{at + 45},{at}")
-    if not pose_beside_frames:
-        held = held.replace("0,1,0,1.7", "0,0,0,0")
-    (folder / "companion_frames.csv").write_text(held)
+    (folder / "companion_frames.csv").write_text(table(
+        "frame,qpc,pose_qpc", lambda i, at: f"{i},{at + 45},{at}",
+        matrix if pose_beside_frames else lambda _: ",".join(["0"] * 12)))
     (folder / "contact_sheet.png").write_bytes(b"\x89PNG")

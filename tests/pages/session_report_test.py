@@ -62,7 +62,7 @@ def test_the_heads_turns_are_there_as_sent_at_the_runtime_and_beside_the_frame(s
     assert series["sent"]["values"] == pytest.approx([10 * number for number in range(10)], abs=0.01)
     assert [one["x_values"][1] for one in series.values()] == [0.1, 0.103, 0.145]
     assert chart(report, "Yaw")["x_range"] == [0, 1.3]
-    assert chart(report, "Pitch")["series"][0]["values"] == pytest.approx([0] * 10, abs=0.01)
+    assert chart(report, "Pitch")["series"][2]["values"] == pytest.approx([5 * number for number in range(10)], abs=0.01)
 
 
 def test_drops_are_marked(sound):
