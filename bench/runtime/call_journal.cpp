@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "base/clock.h"
+#include "runtime/matching.h"
 #include "runtime/thread_id.h"
 
 namespace bench {
@@ -48,19 +49,14 @@ std::vector<JournalEntry> CallJournal::Entries() const {
 
 std::vector<JournalEntry> CallJournal::EntriesOf(std::string_view call) const {
   const std::lock_guard lock(mutex_);
-  std::vector<JournalEntry> found;
-  std::ranges::copy_if(entries_, std::back_inserter(found),
-                       [call](const JournalEntry& entry) { return entry.call == call; });
-  return found;
+  return runtime::Matching(entries_, [call](const JournalEntry& entry) { return entry.call == call; });
 }
 
 std::vector<std::string> CallJournal::Calls(std::string_view prefix) const {
   const std::lock_guard lock(mutex_);
   std::vector<std::string> names;
   for (const JournalEntry& entry : entries_) {
-    if (entry.call.starts_with(prefix)) {
-      names.push_back(entry.call);
-    }
+    if (entry.call.starts_with(prefix)) names.push_back(entry.call);
   }
   return names;
 }

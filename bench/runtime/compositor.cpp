@@ -78,8 +78,8 @@ void Compositor::Run(double hertz) {
   std::int64_t dueTicks = NowTicks();
   while (!StopRequested()) {
     SleepUntilTicks(dueTicks);
-    // Counted from the frame's own start: the driver waits for its display as well, and two fixed
-    // rhythms of one rate would wait for each other.
+    // Paced from the frame's own start: the driver paces as well, and two fixed-rate timers in series would
+    // beat against each other.
     dueTicks = NowTicks() + PeriodTicks(hertz);
     RunFrame();
   }

@@ -16,11 +16,8 @@ constexpr vr::VRTextureBounds_t kWholeTexture = {0.0F, 0.0F, 1.0F, 1.0F};
 }  // namespace
 
 vr::IVRDriverDirectModeComponent& DirectModeOf(const ActiveDevice& headset) {
-  void* component = headset.added.driver->GetComponent(vr::IVRDriverDirectModeComponent_Version);
-  if (component == nullptr) {
-    throw std::runtime_error("the headset has no direct-mode component");
-  }
-  return *static_cast<vr::IVRDriverDirectModeComponent*>(component);
+  return *static_cast<vr::IVRDriverDirectModeComponent*>(
+      ComponentOf(*headset.added.driver, vr::IVRDriverDirectModeComponent_Version));
 }
 
 DirectCompositor::DirectCompositor(FakeRuntime& runtime, const ActiveDevice& headset, FramePainter& painter,

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "runtime/matching.h"
+
 namespace bench {
 namespace {
 
@@ -9,7 +11,7 @@ std::string Text(const char* text) { return text != nullptr ? text : ""; }
 
 }  // namespace
 
-// FNV-1a, so that nothing is shared between the driver's threads.
+// A hash (FNV-1a) and no counter, which the driver's threads would share.
 vr::VRInputComponentHandle_t FakeDriverInput::HandleOf(vr::PropertyContainerHandle_t container, std::string_view path) {
   std::uint64_t hash = 0xCBF29CE484222325U ^ container;
   for (const char letter : path) {
@@ -39,10 +41,7 @@ std::vector<InputUpdate> FakeDriverInput::Updates() const {
 
 std::vector<InputUpdate> FakeDriverInput::Updates(const std::string& path) const {
   const std::lock_guard lock(mutex_);
-  std::vector<InputUpdate> found;
-  std::ranges::copy_if(updates_, std::back_inserter(found),
-                       [&](const InputUpdate& update) { return update.path == path; });
-  return found;
+  return runtime::Matching(updates_, [&](const InputUpdate& update) { return update.path == path; });
 }
 
 std::optional<InputUpdate> FakeDriverInput::Latest(vr::PropertyContainerHandle_t container,

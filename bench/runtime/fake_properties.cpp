@@ -1,6 +1,6 @@
 #include "runtime/fake_properties.h"
 
-#include <algorithm>
+#include "runtime/matching.h"
 
 namespace bench {
 namespace {
@@ -66,10 +66,7 @@ std::vector<PropertyWriteRecord> FakeProperties::Writes() const {
 
 std::vector<PropertyWriteRecord> FakeProperties::Writes(vr::PropertyContainerHandle_t container) const {
   const std::lock_guard lock(mutex_);
-  std::vector<PropertyWriteRecord> found;
-  std::ranges::copy_if(writes_, std::back_inserter(found),
-                       [container](const PropertyWriteRecord& write) { return write.container == container; });
-  return found;
+  return runtime::Matching(writes_, [=](const PropertyWriteRecord& write) { return write.container == container; });
 }
 
 std::optional<PropertyWriteRecord> FakeProperties::Find(vr::PropertyContainerHandle_t container,

@@ -1,6 +1,6 @@
 #include "runtime/pose_log.h"
 
-#include <algorithm>
+#include "runtime/matching.h"
 
 namespace bench {
 
@@ -48,10 +48,7 @@ std::vector<PoseRecord> PoseLog::All() const {
 
 std::vector<PoseRecord> PoseLog::All(vr::TrackedDeviceIndex_t device) const {
   const std::lock_guard lock(mutex_);
-  std::vector<PoseRecord> found;
-  std::ranges::copy_if(poses_, std::back_inserter(found),
-                       [device](const PoseRecord& record) { return record.device == device; });
-  return found;
+  return runtime::Matching(poses_, [device](const PoseRecord& record) { return record.device == device; });
 }
 
 void PoseLog::LimitMemory(std::size_t poses) {

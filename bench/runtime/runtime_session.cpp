@@ -1,6 +1,8 @@
 #include "runtime/runtime_session.h"
 
 #include <algorithm>
+#include <stdexcept>
+#include <string>
 #include <utility>
 
 #include "base/clock.h"
@@ -120,6 +122,12 @@ std::optional<ActiveDevice> RuntimeSession::Find(vr::ETrackedDeviceClass deviceC
 
 bool RuntimeSession::WaitForDevices(std::size_t count, std::chrono::milliseconds timeout) {
   return runtime_.Journal().WaitUntil([&] { return Devices().size() >= count; }, timeout);
+}
+
+void* ComponentOf(vr::ITrackedDeviceServerDriver& device, const char* version) {
+  void* component = device.GetComponent(version);
+  if (component == nullptr) throw std::runtime_error(std::string("the device has no ") + version);
+  return component;
 }
 
 }  // namespace bench

@@ -80,7 +80,7 @@ void ServerThread::Loop() {
       changed_.wait_for(lock, std::chrono::duration<double>(TicksToSeconds(*next - now)));
       continue;
     }
-    // On time, the next tick is due one period after this one was; late, one period from now.
+    // Fixed rate while on time. A late tick shifts the phase, so that no burst catches up.
     lastTickTicks_ = now - *next < periodTicks_ ? *next : now;
     const auto tick = tick_;
     lock.unlock();

@@ -13,11 +13,7 @@ constexpr std::chrono::milliseconds kBackbufferTimeout(2000);
 }  // namespace
 
 vr::IVRVirtualDisplay& VirtualDisplayOf(const ActiveDevice& headset) {
-  void* component = headset.added.driver->GetComponent(vr::IVRVirtualDisplay_Version);
-  if (component == nullptr) {
-    throw std::runtime_error("the headset has no virtual display");
-  }
-  return *static_cast<vr::IVRVirtualDisplay*>(component);
+  return *static_cast<vr::IVRVirtualDisplay*>(ComponentOf(*headset.added.driver, vr::IVRVirtualDisplay_Version));
 }
 
 VirtualCompositor::VirtualCompositor(FakeRuntime& runtime, const ActiveDevice& headset, FramePainter& painter,

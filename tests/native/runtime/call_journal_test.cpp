@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "runtime/thread_id.h"
+#include "test_files/scratch_folder.h"
 
 namespace bench {
 namespace {
@@ -81,20 +82,18 @@ TEST(CallJournal, WaitingEndsWithoutTheCallAfterItsTime) {
 }
 
 TEST(CallJournal, RecordsOneJsonObjectALine) {
-  const auto file = std::filesystem::temp_directory_path() / "call_journal_test.jsonl";
+  const ombrel::test::ScratchFolder folder;
   {
     CallJournal journal;
-    journal.RecordTo(file);
+    journal.RecordTo(folder.At("calls.jsonl"));
     journal.Append("A.One", {{"text", "two\nlines"}});
     journal.Append("A.Two", {{"text", "\xFF no UTF-8"}});
   }
-  std::ifstream stream(file);
+  std::ifstream stream(folder.At("calls.jsonl"));
   std::vector<nlohmann::json> lines;
   for (std::string line; std::getline(stream, line);) {
     lines.push_back(nlohmann::json::parse(line));
   }
-  stream.close();
-  std::filesystem::remove(file);
   ASSERT_EQ(lines.size(), 2U);
   EXPECT_EQ(lines[0]["arguments"]["text"], "two\nlines");
   EXPECT_EQ(lines[1]["call"], "A.Two");

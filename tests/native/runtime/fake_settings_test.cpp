@@ -1,8 +1,8 @@
 #include "runtime/fake_settings.h"
 
-#include <fstream>
-
 #include <gtest/gtest.h>
+
+#include "test_files/scratch_folder.h"
 
 namespace bench {
 namespace {
@@ -14,17 +14,13 @@ class FakeSettingsTest : public testing::Test {
   CallRecorder recorder;
   FakeSettings settings{recorder};
   vr::EVRSettingsError error = vr::VRSettingsError_IPCFailed;
-
-  std::filesystem::path Write(const char* name, const char* text) {
-    const auto file = std::filesystem::temp_directory_path() / name;
-    std::ofstream(file, std::ios::binary) << text;
-    return file;
-  }
+  ombrel::test::ScratchFolder folder;
 };
 
 TEST_F(FakeSettingsTest, OverridesLieOverDefaultsKeyByKey) {
-  settings.LoadDefaults(Write("defaults.vrsettings", R"({"driver_toy": {"width": 100, "height": 50}})"));
-  settings.LoadOverrides(Write("overrides.vrsettings", R"({"driver_toy": {"width": 300}, "other": {"height": 1}})"));
+  settings.LoadDefaults(folder.Write("defaults.vrsettings", R"({"driver_toy": {"width": 100, "height": 50}})"));
+  settings.LoadOverrides(
+      folder.Write("overrides.vrsettings", R"({"driver_toy": {"width": 300}, "other": {"height": 1}})"));
   EXPECT_EQ(settings.GetInt32(kSection, "width", &error), 300);
   EXPECT_EQ(error, vr::VRSettingsError_None);
   EXPECT_EQ(settings.GetInt32(kSection, "height", &error), 50);
@@ -70,8 +66,8 @@ TEST_F(FakeSettingsTest, LongTextIsCutToTheBuffer) {
 }
 
 TEST_F(FakeSettingsTest, RefusesAFileThatIsNoSettingsFile) {
-  EXPECT_THROW(settings.LoadDefaults(Write("broken.vrsettings", R"({"driver_toy": )")), std::runtime_error);
-  EXPECT_THROW(settings.LoadDefaults(Write("flat.vrsettings", R"({"width": 100})")), std::runtime_error);
+  EXPECT_THROW(settings.LoadDefaults(folder.Write("broken.vrsettings", R"({"driver_toy": )")), std::runtime_error);
+  EXPECT_THROW(settings.LoadDefaults(folder.Write("flat.vrsettings", R"({"width": 100})")), std::runtime_error);
   EXPECT_THROW(settings.LoadDefaults("no/such/file.vrsettings"), std::runtime_error);
 }
 

@@ -15,7 +15,7 @@ namespace {
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 
-class TestDevice final : public ToyController {
+class TestDevice final : public ombrel::test::IdleDevice {
  public:
   explicit TestDevice(FakeRuntime& owner) : runtime(owner) {}
   vr::EVRInitError Activate(uint32_t index) override {
@@ -33,7 +33,7 @@ class TestDevice final : public ToyController {
   bool insideAdded = false;
 };
 
-class TestProvider final : public ToyProvider {
+class TestProvider final : public ombrel::test::IdleProvider {
  public:
   explicit TestProvider(FakeRuntime& runtime) : headset(runtime), runtime_(runtime) {}
   vr::EVRInitError Init(vr::IVRDriverContext* context) override {

@@ -1,32 +1,11 @@
 #pragma once
 
+#include "idle_driver/idle_driver.h"
 #include "runtime/runtime_session.h"
 
 namespace bench {
 
-class ToyController : public vr::ITrackedDeviceServerDriver {
- public:
-  vr::EVRInitError Activate(uint32_t) override { return vr::VRInitError_None; }
-  void Deactivate() override {}
-  void EnterStandby() override {}
-  void* GetComponent(const char*) override { return nullptr; }
-  void DebugRequest(const char*, char*, uint32_t) override {}
-  vr::DriverPose_t* GetPose(vr::DriverPose_t* result) override { return result; }
-};
-
-// A driver that does nothing.
-class ToyProvider : public vr::IServerTrackedDeviceProvider {
- public:
-  vr::EVRInitError Init(vr::IVRDriverContext*) override { return vr::VRInitError_None; }
-  void Cleanup() override {}
-  const char* const* GetInterfaceVersions() override { return nullptr; }
-  void RunFrame() override {}
-  bool ShouldBlockStandbyMode() override { return false; }
-  void EnterStandby() override {}
-  void LeaveStandby() override {}
-};
-
-// A session of it; tests add devices to its host themselves.
+// A session of a driver that does nothing; tests add devices to its host themselves.
 class ToySession {
  public:
   // Activates one more controller; its container.
@@ -37,8 +16,8 @@ class ToySession {
   }
 
   FakeRuntime runtime;
-  ToyController controller;
-  ToyProvider provider;
+  ombrel::test::IdleDevice controller;
+  ombrel::test::IdleProvider provider;
   RuntimeSession session{runtime, provider};
 };
 

@@ -10,17 +10,17 @@
 
 namespace bench {
 
-/// Hands frames over through IVRDriverDirectModeComponent_005: a swap set of three textures for each eye,
-/// one layer a frame, and a sync texture that the runtime holds while it renders.
+// Hands frames over through IVRDriverDirectModeComponent_005: a swap set of three textures for each eye,
+// one layer a frame, and a sync texture that the runtime holds while it renders.
 class DirectCompositor final : public Compositor {
  public:
-  /// `device` is a sharing device of the runtime's own. Throws std::runtime_error if the headset has no
-  /// direct-mode component or its textures cannot be opened.
+  // `device` is a sharing device of the runtime's own. Throws std::runtime_error if the headset has no
+  // direct-mode component or its textures cannot be opened.
   DirectCompositor(FakeRuntime& runtime, const ActiveDevice& headset, FramePainter& painter,
                    const Microsoft::WRL::ComPtr<ID3D11Device>& device);
   ~DirectCompositor() override { Join(); }
 
-  /// Destroys both swap sets; the loop must have stopped, and the driver must still be there.
+  // Destroys both swap sets; the loop must have stopped, and the driver must still be there.
   void DestroySwapSets();
 
  protected:
@@ -42,7 +42,7 @@ class DirectCompositor final : public Compositor {
   std::array<std::uint32_t, 2> indices_{};
 };
 
-/// The component; throws std::runtime_error if the headset has none.
+// The component; throws std::runtime_error if the headset has none.
 [[nodiscard]] vr::IVRDriverDirectModeComponent& DirectModeOf(const ActiveDevice& headset);
 
 }  // namespace bench

@@ -26,49 +26,49 @@ struct InputComponent {
   vr::EVRScalarUnits scalarUnits = {};
 };
 
-/// One UpdateBooleanComponent or UpdateScalarComponent call.
+// One UpdateBooleanComponent or UpdateScalarComponent call.
 struct InputUpdate {
   vr::VRInputComponentHandle_t handle = 0;
-  std::string path;  ///< empty for a handle that was never given out
+  std::string path;  // empty for a handle that was never given out
   InputKind kind = InputKind::Boolean;
   bool boolValue = false;
   float scalarValue = 0.0F;
-  double timeOffset = 0.0;  ///< seconds
+  double timeOffset = 0.0;  // seconds
   vr::EVRInputError result = {};
 };
 
-/// IVRDriverInput_001. A component created twice in one container gets its first handle again.
-/// Callable from any thread.
+// IVRDriverInput_001. A component created twice in one container gets its first handle again.
+// Callable from any thread.
 class FakeDriverInput : public vr::IVRDriverInput {
  public:
   explicit FakeDriverInput(CallRecorder& recorder) : recorder_(recorder) {}
 
-  /// The handle of a component: it follows from where it is, never 0.
+  // The handle of a component: it follows from where it is, never 0.
   [[nodiscard]] static vr::VRInputComponentHandle_t HandleOf(vr::PropertyContainerHandle_t container,
                                                              std::string_view path);
 
   [[nodiscard]] std::vector<InputComponent> Components() const;
   [[nodiscard]] std::optional<InputComponent> Find(vr::PropertyContainerHandle_t container,
                                                    const std::string& path) const;
-  /// Every update in order; with a path, only those of components of that path.
+  // Every update in order; with a path, only those of components of that path.
   [[nodiscard]] std::vector<InputUpdate> Updates() const;
   [[nodiscard]] std::vector<InputUpdate> Updates(const std::string& path) const;
-  /// The value that stands now; nothing before the first update that succeeded.
+  // The value that stands now; nothing before the first update that succeeded.
   [[nodiscard]] std::optional<bool> BoolValue(vr::PropertyContainerHandle_t container, const std::string& path) const;
   [[nodiscard]] std::optional<float> ScalarValue(vr::PropertyContainerHandle_t container,
                                                  const std::string& path) const;
-  /// Keeps only the newest updates; long sessions would grow without a bound otherwise.
+  // Keeps only the newest updates; long sessions would grow without a bound otherwise.
   void LimitMemory(std::size_t updates);
 
-  /// Every later creation of that path fails with `error` and hands out `handle` all the same.
+  // Every later creation of that path fails with `error` and hands out `handle` all the same.
   void FailCreate(const std::string& path, vr::EVRInputError error, vr::VRInputComponentHandle_t handle = 0);
-  /// Every later update of a component of that path fails with `error`.
+  // Every later update of a component of that path fails with `error`.
   void FailUpdate(const std::string& path, vr::EVRInputError error);
 
   // Called on the driver's threads, without a lock. Set before the driver starts.
-  /// Within each creation that is kept, before it has a result; may write the handle.
+  // Within each creation that is kept, before it has a result; may write the handle.
   std::function<void(const std::string& path, vr::VRInputComponentHandle_t*)> onCreate;
-  /// Ahead of each update; its path and result are not known yet.
+  // Ahead of each update; its path and result are not known yet.
   std::function<void(const InputUpdate&)> onUpdate;
 
   vr::EVRInputError CreateBooleanComponent(vr::PropertyContainerHandle_t ulContainer, const char* pchName,

@@ -8,7 +8,7 @@
 
 namespace bench {
 
-/// IVRDriverManager_001 of a runtime with one driver. Callable from any thread.
+// IVRDriverManager_001 of a runtime with one driver. Callable from any thread.
 class FakeDriverManager : public vr::IVRDriverManager {
  public:
   FakeDriverManager(CallRecorder& recorder, std::string driverName, vr::DriverHandle_t handle)

@@ -9,14 +9,14 @@
 
 namespace bench {
 
-/// IVRResources_001 over one driver folder: "{name}/input/x.json" is resources/input/x.json of the
-/// driver of that name. A resource that is not there has size 0. Callable from any thread.
+// IVRResources_001 over one driver folder: "{name}/input/x.json" is resources/input/x.json of the
+// driver of that name. A resource that is not there has size 0. Callable from any thread.
 class FakeResources : public vr::IVRResources {
  public:
   FakeResources(CallRecorder& recorder, std::string driverName)
       : recorder_(recorder), driverName_(std::move(driverName)) {}
 
-  /// Set before the driver is loaded.
+  // Set before the driver is loaded.
   void SetDriverFolder(std::filesystem::path folder) { folder_ = std::move(folder); }
 
   uint32_t LoadSharedResource(const char* pchResourceName, char* pchBuffer, uint32_t unBufferLen) override;

@@ -18,14 +18,14 @@
 
 namespace bench {
 
-/// The host side of the driver boundary: the context that a driver's Init receives, and behind it one
-/// of each host interface. It must outlive the driver module that was given it. Callable from any thread.
+// The host side of the driver boundary: the context that a driver's Init receives, and behind it one
+// of each host interface. It must outlive the driver module that was given it. Callable from any thread.
 class FakeRuntime : public vr::IVRDriverContext {
  public:
   explicit FakeRuntime(const std::string& driverName = "ombrel");
 
   [[nodiscard]] CallJournal& Journal() { return recorder_.Journal(); }
-  /// Scripts exceptions: see CallRecorder::ThrowFrom.
+  // Scripts exceptions: see CallRecorder::ThrowFrom.
   [[nodiscard]] CallRecorder& Recorder() { return recorder_; }
   [[nodiscard]] FakeServerHost& Host() { return host_; }
   [[nodiscard]] PoseLog& Poses() { return host_.Poses(); }
@@ -36,15 +36,15 @@ class FakeRuntime : public vr::IVRDriverContext {
   [[nodiscard]] FakeDriverManager& Manager() { return manager_; }
   [[nodiscard]] FakeResources& Resources() { return resources_; }
 
-  /// From here on the calls that a driver makes while it runs reach the parts' hooks alone, and no lock is taken for
-  /// them. For runs with more calls than a journal could hold, for measurements, and for a thread sanitizer, to which
-  /// a lock in here would hide the driver's races. Before the driver starts.
+  // From here on the calls that a driver makes while it runs reach the parts' hooks alone, and no lock is taken for
+  // them. For runs with more calls than a journal could hold, for measurements, and for a thread sanitizer, to which
+  // a lock in here would hide the driver's races. Before the driver starts.
   void KeepNothing() { recorder_.KeepNothing(); }
 
-  /// That version string is answered with null and VRInitError_Init_InterfaceNotFound, until provided again.
+  // That version string is answered with null and VRInitError_Init_InterfaceNotFound, until provided again.
   void Withhold(const std::string& interfaceVersion);
   void Provide(const std::string& interfaceVersion);
-  /// Every version string asked for, in order, whatever the answer was.
+  // Every version string asked for, in order, whatever the answer was.
   [[nodiscard]] std::vector<std::string> RequestedInterfaces() const;
 
   void* GetGenericInterface(const char* pchInterfaceVersion, vr::EVRInitError* peError) override;

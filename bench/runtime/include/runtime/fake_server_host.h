@@ -16,45 +16,45 @@
 
 namespace bench {
 
-/// One TrackedDeviceAdded call.
+// One TrackedDeviceAdded call.
 struct AddedDevice {
   std::string serial;
   vr::ETrackedDeviceClass deviceClass = {};
   vr::ITrackedDeviceServerDriver* driver = nullptr;
   bool accepted = false;
-  /// The index that an accepted device will be activated with: 0 for the first headset, else counted from 1.
+  // The index that an accepted device will be activated with: 0 for the first headset, else counted from 1.
   vr::TrackedDeviceIndex_t index = vr::k_unTrackedDeviceIndexInvalid;
 };
 
-/// IVRServerDriverHost_005. Callable from any thread.
+// IVRServerDriverHost_005. Callable from any thread.
 class FakeServerHost : public vr::IVRServerDriverHost {
  public:
   explicit FakeServerHost(CallRecorder& recorder) : recorder_(recorder) {}
 
-  /// Every TrackedDeviceAdded call, in order.
+  // Every TrackedDeviceAdded call, in order.
   [[nodiscard]] std::vector<AddedDevice> Added() const;
-  /// The accepted devices that nobody has taken for activation yet, in order.
+  // The accepted devices that nobody has taken for activation yet, in order.
   [[nodiscard]] std::vector<AddedDevice> TakePending();
-  /// TrackedDeviceAdded will answer false for that serial.
+  // TrackedDeviceAdded will answer false for that serial.
   void RefuseDevice(const std::string& serial);
-  /// Devices are activated within TrackedDeviceAdded from here on, not by whoever takes the pending ones.
+  // Devices are activated within TrackedDeviceAdded from here on, not by whoever takes the pending ones.
   void ActivateAtOnce();
 
   // Called on the driver's threads, without a lock. Set before the driver starts.
-  /// After a TrackedDeviceAdded call is written down; what it throws reaches the driver.
+  // After a TrackedDeviceAdded call is written down; what it throws reaches the driver.
   std::function<void(const AddedDevice&)> onAdded;
   std::function<void()> onVsync;
-  /// Instead of the queue, and only when nothing is kept.
+  // Instead of the queue, and only when nothing is kept.
   std::function<bool(vr::VREvent_t*)> nextEvent;
 
   [[nodiscard]] PoseLog& Poses() { return poses_; }
 
   void PushEvent(const vr::VREvent_t& event);
-  /// An Input_HapticVibration event as the runtime makes it for a haptic output.
+  // An Input_HapticVibration event as the runtime makes it for a haptic output.
   void PushHaptic(vr::PropertyContainerHandle_t container, vr::VRInputComponentHandle_t component,
                   float durationSeconds, float frequency, float amplitude);
   [[nodiscard]] std::size_t QueuedEvents() const;
-  /// PollNextEvent calls whose size argument was not that of VREvent_t (48 on Windows); they get no event.
+  // PollNextEvent calls whose size argument was not that of VREvent_t (48 on Windows); they get no event.
   [[nodiscard]] std::size_t PollsWithWrongSize() const;
   [[nodiscard]] std::size_t VsyncEvents() const;
   void SetExiting(bool exiting);

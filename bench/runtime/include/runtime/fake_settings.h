@@ -13,25 +13,25 @@
 
 namespace bench {
 
-/// IVRSettings_002 over two layers in the runtime's own file format: an object of sections, each
-/// an object of keys. The defaults lie underneath, the overrides above; the driver's own writes go
-/// to the overrides. A key in neither layer reads as 0, false or "" with the error
-/// VRSettingsError_UnsetSettingHasNoDefault; a value of the wrong kind (text for a number, say)
-/// reads the same with VRSettingsError_ReadFailed. Callable from any thread.
+// IVRSettings_002 over two layers in the runtime's own file format: an object of sections, each
+// an object of keys. The defaults lie underneath, the overrides above; the driver's own writes go
+// to the overrides. A key in neither layer reads as 0, false or "" with the error
+// VRSettingsError_UnsetSettingHasNoDefault; a value of the wrong kind (text for a number, say)
+// reads the same with VRSettingsError_ReadFailed. Callable from any thread.
 class FakeSettings : public vr::IVRSettings {
  public:
   explicit FakeSettings(CallRecorder& recorder) : recorder_(recorder) {}
 
-  /// Replace a layer; throw std::runtime_error when the file or text cannot be read as settings.
+  // Replace a layer; throw std::runtime_error when the file or text cannot be read as settings.
   void LoadDefaults(const std::filesystem::path& file);
   void LoadOverrides(const std::filesystem::path& file);
   void SetDefaults(nlohmann::json sections);
   void SetOverrides(nlohmann::json sections);
 
-  /// Sets or removes one key of the overrides.
+  // Sets or removes one key of the overrides.
   void Set(const std::string& section, const std::string& key, nlohmann::json value);
   void Remove(const std::string& section, const std::string& key);
-  /// Every later read of that key gives its zero value and this error.
+  // Every later read of that key gives its zero value and this error.
   void FailRead(const std::string& section, const std::string& key, vr::EVRSettingsError error);
 
   const char* GetSettingsErrorNameFromEnum(vr::EVRSettingsError eError) override;
@@ -53,11 +53,11 @@ class FakeSettings : public vr::IVRSettings {
 
  private:
   struct Reading {
-    nlohmann::json value;  ///< null unless `error` is VRSettingsError_None
+    nlohmann::json value;  // null unless `error` is VRSettingsError_None
     vr::EVRSettingsError error;
   };
   [[nodiscard]] Reading Look(const std::string& section, const std::string& key) const;
-  /// The value, or null; answers with the error.
+  // The value, or null; answers with the error.
   [[nodiscard]] nlohmann::json Read(const char* method, const char* section, const char* key,
                                     bool (*isUsable)(const nlohmann::json&), vr::EVRSettingsError* error);
   void Write(const char* method, const char* section, const char* key, nlohmann::json value,

@@ -10,7 +10,7 @@
 
 namespace bench {
 
-/// One eye's picture that is to be painted. The viewport is the eye's part of the target.
+// One eye's picture that is to be painted. The viewport is the eye's part of the target.
 struct EyeView {
   vr::EVREye eye = vr::Eye_Left;
   ID3D11RenderTargetView* target = nullptr;
@@ -19,10 +19,10 @@ struct EyeView {
   D3D11_VIEWPORT viewport{};
   runtime::PoseMatrix worldFromEye{};
   vr::HmdMatrix44_t projection{};
-  bool gammaEncoded = false;  ///< true if nobody encodes the picture after the painter
+  bool gammaEncoded = false;  // true if nobody encodes the picture after the painter
 };
 
-/// What the compositor shows: an application with its scene. Called on the compositor's thread only.
+// What the compositor shows: an application with its scene. Called on the compositor's thread only.
 class FramePainter {
  public:
   virtual ~FramePainter() = default;

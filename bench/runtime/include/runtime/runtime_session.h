@@ -14,48 +14,48 @@
 
 namespace bench {
 
-/// A device that the runtime has activated.
+// A device that the runtime has activated.
 struct ActiveDevice {
   AddedDevice added;
   vr::PropertyContainerHandle_t container = 0;
   vr::EVRInitError activation = vr::VRInitError_None;
 };
 
-/// One life of a driver: Init, its devices activated, RunFrame at a rate, Cleanup, all on one server
-/// thread, as the runtime does it. A device is activated after its TrackedDeviceAdded returned true, never
-/// inside it: at the end of Init, and before each RunFrame. The methods may be called from any thread but
-/// the server thread; what the driver throws reaches the caller, except from RunFrame at a rate, where it
-/// is counted. Every call into the driver but RunFrame is in the journal ("driver.Activate").
+// One life of a driver: Init, its devices activated, RunFrame at a rate, Cleanup, all on one server
+// thread, as the runtime does it. A device is activated after its TrackedDeviceAdded returned true, never
+// inside it: at the end of Init, and before each RunFrame. The methods may be called from any thread but
+// the server thread; what the driver throws reaches the caller, except from RunFrame at a rate, where it
+// is counted. Every call into the driver but RunFrame is in the journal ("driver.Activate").
 class RuntimeSession {
  public:
-  /// The provider's module must stay loaded until the session is gone.
+  // The provider's module must stay loaded until the session is gone.
   RuntimeSession(FakeRuntime& runtime, vr::IServerTrackedDeviceProvider& provider);
   RuntimeSession(const RuntimeSession&) = delete;
   RuntimeSession& operator=(const RuntimeSession&) = delete;
-  /// Cleans up if that has not been done.
+  // Cleans up if that has not been done.
   ~RuntimeSession();
 
   vr::EVRInitError Init();
   void StartFrames(double hertz = 90.0);
   void StopFrames();
-  /// One frame by hand: pending devices are activated, then RunFrame.
+  // One frame by hand: pending devices are activated, then RunFrame.
   void RunFrame();
   void ActivatePending();
-  /// Deactivates every device, newest first, as the runtime does before it ends.
+  // Deactivates every device, newest first, as the runtime does before it ends.
   void Deactivate();
   void Cleanup();
-  /// Runs anything on the server thread and waits for its end.
+  // Runs anything on the server thread and waits for its end.
   void OnServerThread(const std::function<void()>& task) { thread_.Run(task); }
 
   [[nodiscard]] std::vector<ActiveDevice> Devices() const;
   [[nodiscard]] std::optional<ActiveDevice> Find(vr::ETrackedDeviceClass deviceClass) const;
   [[nodiscard]] std::optional<ActiveDevice> Headset() const { return Find(vr::TrackedDeviceClass_HMD); }
-  /// Waits until that many devices are active.
+  // Waits until that many devices are active.
   [[nodiscard]] bool WaitForDevices(std::size_t count, std::chrono::milliseconds timeout);
 
   [[nodiscard]] std::size_t Frames() const { return frames_; }
   [[nodiscard]] double LongestFrameMs() const { return longestFrameMs_; }
-  /// RunFrame calls at a rate that threw.
+  // RunFrame calls at a rate that threw.
   [[nodiscard]] std::size_t ThrownFrames() const { return thrownFrames_; }
   [[nodiscard]] std::uint32_t ServerThreadId() const { return thread_.ThreadId(); }
 
@@ -73,5 +73,8 @@ class RuntimeSession {
   bool initialised_ = false;
   ServerThread thread_;
 };
+
+// A device's component of that version; throws std::runtime_error if it has none.
+[[nodiscard]] void* ComponentOf(vr::ITrackedDeviceServerDriver& device, const char* version);
 
 }  // namespace bench

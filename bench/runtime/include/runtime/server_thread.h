@@ -9,26 +9,26 @@
 
 namespace bench {
 
-/// The runtime's server thread: runs what it is given one at a time, and in between a tick at a rate.
-/// Run and SetTick may be called from any other thread.
+// The runtime's server thread: runs what it is given one at a time, and in between a tick at a rate.
+// Run and SetTick may be called from any other thread.
 class ServerThread {
  public:
   ServerThread();
   ServerThread(const ServerThread&) = delete;
   ServerThread& operator=(const ServerThread&) = delete;
-  /// Ends the thread after the task or tick that is under way.
+  // Ends the thread after the task or tick that is under way.
   ~ServerThread();
 
-  /// Runs `task` on the thread and waits for its end; throws what the task threw.
+  // Runs `task` on the thread and waits for its end; throws what the task threw.
   void Run(const std::function<void()>& task);
-  /// From now on calls `tick` at `hertz`; 0 stops it, and no tick runs any more when this returns.
-  /// A tick that comes late is not made up for. It must not throw.
+  // From now on calls `tick` at `hertz`; 0 stops it, and no tick runs any more when this returns.
+  // A tick that comes late is not made up for. It must not throw.
   void SetTick(std::function<void()> tick, double hertz);
   [[nodiscard]] std::uint32_t ThreadId() const { return threadId_; }
 
  private:
   void Loop();
-  /// The time of the next tick; nothing while there is none.
+  // The time of the next tick; nothing while there is none.
   [[nodiscard]] std::optional<std::int64_t> NextTickTicks() const;
 
   std::mutex mutex_;
@@ -38,7 +38,7 @@ class ServerThread {
   std::int64_t periodTicks_ = 0;
   std::int64_t lastTickTicks_ = 0;
   bool stopping_ = false;
-  std::mutex callers_;  ///< held by Run, so that one task is handed over at a time
+  std::mutex callers_;  // held by Run, so that one task is handed over at a time
   std::uint32_t threadId_ = 0;
   std::thread thread_;
 };
