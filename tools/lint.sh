@@ -5,7 +5,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-folders=(platform driver link shaders render devices hmd report bench tests)
+folders=(platform driver link shaders render devices hmd companion report bench tests)
 failed=0
 
 has() {

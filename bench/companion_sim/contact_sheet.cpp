@@ -7,6 +7,9 @@
 #include "picture/drawing.h"
 
 namespace bench {
+
+using namespace companion;
+
 namespace {
 
 constexpr int kTileWidth = 480;

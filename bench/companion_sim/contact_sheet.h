@@ -13,7 +13,7 @@ namespace bench {
 struct Tile {
   std::string label;
   std::uint64_t frame = 0;
-  YawPitch look;
+  companion::YawPitch look;
   Image picture;
 };
 
@@ -21,9 +21,9 @@ struct Tile {
 class ContactSheet {
  public:
   // Takes the frame under a name of its own.
-  void AddNamed(const std::string& name, std::uint64_t frame, const YawPitch& look, const Image& picture);
+  void AddNamed(const std::string& name, std::uint64_t frame, const companion::YawPitch& look, const Image& picture);
   // Takes the frame as one of the sample, as long as there is room.
-  void AddSample(std::uint64_t frame, const YawPitch& look, const Image& picture);
+  void AddSample(std::uint64_t frame, const companion::YawPitch& look, const Image& picture);
 
   std::size_t Named() const { return named_.size(); }
   bool Empty() const;

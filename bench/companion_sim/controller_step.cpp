@@ -6,6 +6,9 @@
 #include <string>
 
 namespace bench {
+
+using namespace companion;
+
 namespace {
 
 using nlohmann::json;

@@ -7,6 +7,6 @@ namespace bench {
 
 // A "controller" step as the record to send. "pressed" and "touched" are lists of system, menu, grip, trackpad,
 // trigger, or plain bit numbers. Throws when a button is not known.
-ControllerRecord ParseController(const nlohmann::json& step);
+companion::ControllerRecord ParseController(const nlohmann::json& step);
 
 }  // namespace bench

@@ -3,6 +3,9 @@
 #include "base/clock.h"
 
 namespace bench {
+
+using namespace companion;
+
 namespace {
 
 constexpr std::int64_t kHistorySeconds = 10;

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "companion/head_model.h"
-#include "companion/head_motion.h"
 #include "companion/pipe_server.h"
 #include "companion/pose_history.h"
+#include "motion/head_motion.h"
 
 namespace bench {
 
@@ -18,31 +18,32 @@ namespace bench {
 class DriverLink {
  public:
   // `posesCsv` gets a line per pose if it is open.
-  DriverLink(const PipeServerOptions& options, std::ofstream posesCsv);
+  DriverLink(const companion::PipeServerOptions& options, std::ofstream posesCsv);
 
-  PipeServer& Pipes() { return pipes_; }
-  const PipeServer& Pipes() const { return pipes_; }
+  companion::PipeServer& Pipes() { return pipes_; }
+  const companion::PipeServer& Pipes() const { return pipes_; }
 
   // Sends whole messages, remembering the poses among them. False when there is no connection.
   bool Send(std::span<const std::uint8_t> message);
   // Sends the head's pose in the given format. Every position differs a little from the last, so that no two
   // poses are the same where the format has room for one.
-  bool SendHead(PoseFormat format, const YawPitch& angles, std::optional<Position> position);
+  bool SendHead(companion::PoseFormat format, const companion::YawPitch& angles,
+                std::optional<companion::Position> position);
 
-  std::optional<PoseMatch> Match(const PoseSlot& slot, float tolerance) const;
+  std::optional<companion::PoseMatch> Match(const companion::PoseSlot& slot, float tolerance) const;
   std::uint64_t PosesSent() const;
   // What the driver publishes now, as far as the protocol tells.
-  PoseMatrix PublishedPose() const;
+  companion::PoseMatrix PublishedPose() const;
 
  private:
   bool SendRemembered(std::span<const std::uint8_t> message);
   void LogPose(std::int64_t ticks);
 
-  PipeServer pipes_;
+  companion::PipeServer pipes_;
   mutable std::mutex mutex_;  // guards what was sent; never held while a pipe blocks
   std::mutex orderMutex_;     // messages are remembered in the order in which they are sent
-  HeadModel model_;
-  PoseHistory history_;
+  companion::HeadModel model_;
+  companion::PoseHistory history_;
   std::uint64_t headPoses_ = 0;
   std::ofstream posesCsv_;
 };

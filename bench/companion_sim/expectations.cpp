@@ -9,6 +9,9 @@
 #include "picture/comparison.h"
 
 namespace bench {
+
+using namespace companion;
+
 namespace {
 
 using nlohmann::json;

@@ -24,7 +24,7 @@ struct Expectation {
   int tolerance = 0;  // largest difference of a channel
 
   std::optional<int> texture;  // 0 or 1
-  std::optional<PoseSlot> slot;
+  std::optional<companion::PoseSlot> slot;
   float slotTolerance = 1e-3F;
 };
 
@@ -33,7 +33,7 @@ struct SeenFrame {
   std::uint32_t connection = 1;
   std::uint64_t frame = 0;
   int texture = 0;
-  PoseSlot slot = {};
+  companion::PoseSlot slot = {};
 };
 
 // The expectations of a run and how they fared. For one thread.

@@ -3,6 +3,9 @@
 #include "base/clock.h"
 
 namespace bench {
+
+using namespace companion;
+
 namespace {
 
 double Milliseconds(std::int64_t ticks) { return TicksToSeconds(ticks) * 1000; }

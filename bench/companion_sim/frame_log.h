@@ -16,8 +16,8 @@ class FrameLog {
   explicit FrameLog(std::ofstream csv);
 
   // `match` is the sent pose that the slot agrees with, if any.
-  void Add(std::uint64_t number, std::uint32_t connection, const FrameInfo& frame,
-           const std::optional<PoseMatch>& match);
+  void Add(std::uint64_t number, std::uint32_t connection, const companion::FrameInfo& frame,
+           const std::optional<companion::PoseMatch>& match);
 
   std::uint64_t Frames() const { return matching_ + mismatching_ + unknown_ + withoutPose_; }
   std::uint64_t Matching() const { return matching_; }
@@ -33,9 +33,9 @@ class FrameLog {
   double SecondsBetweenFirstAndLast() const;
 
  private:
-  std::uint64_t& CounterOf(const FrameInfo& frame, bool matches);
-  void WriteLine(std::uint64_t number, std::uint32_t connection, const FrameInfo& frame,
-                 const std::optional<PoseMatch>& match);
+  std::uint64_t& CounterOf(const companion::FrameInfo& frame, bool matches);
+  void WriteLine(std::uint64_t number, std::uint32_t connection, const companion::FrameInfo& frame,
+                 const std::optional<companion::PoseMatch>& match);
 
   std::ofstream csv_;
   std::uint64_t matching_ = 0;

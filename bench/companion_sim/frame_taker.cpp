@@ -4,11 +4,29 @@
 #include <cstdio>
 
 #include "picture/drawing.h"
+#include "sharing/sharing_device.h"
 
 namespace bench {
+
+using namespace companion;
+
 namespace {
 
 constexpr std::uint32_t kWaitMs = 10;
+
+// Opens the textures with a promise to the stand-in's sharing: nothing is ever drawn into them.
+HRESULT OpenReadOnly(FrameReader& reader, const FrameSharingInfo& info) {
+  HRESULT result = reader.Open(info);
+  for (int index = 0; index < OMBREL_TEXTURES && SUCCEEDED(result); ++index) {
+    result = MarkReadOnly(reader.Texture(index));
+  }
+  return result;
+}
+
+std::optional<Image> ToImage(std::optional<Picture> picture) {
+  if (!picture) return std::nullopt;
+  return Image(static_cast<int>(picture->width), static_cast<int>(picture->height), std::move(picture->rgba));
+}
 
 }  // namespace
 
@@ -22,7 +40,7 @@ void FrameTaker::Announce(std::uint32_t connection, const FrameSharingInfo& info
   connection_ = connection;
   inConnection_ = 0;
   if (!reader_) return;
-  const HRESULT result = reader_->Open(info);
+  const HRESULT result = OpenReadOnly(*reader_, info);
   char text[80];
   std::snprintf(text, sizeof(text), "the announced textures cannot be opened, error 0x%08lX",
                 static_cast<unsigned long>(result));
@@ -50,7 +68,7 @@ bool FrameTaker::TakeOne() {
   const auto match = link_.Match(frame.slot, options_.tolerance);
   log_.Add(log_.Frames(), connection_, frame, match);
   std::optional<Image> image;
-  if (uses.Any()) image = reader_->Pixels();
+  if (uses.Any()) image = ToImage(reader_->Pixels());
   Use(uses, frame, image ? &*image : nullptr);
   if (options_.printFrames) PrintFrame(frame);
   ++inConnection_;

@@ -19,7 +19,7 @@ class FrameTaker {
   FrameTaker(const Options& options, DriverLink& link, RunState& run, Expectations& expectations,
              Microsoft::WRL::ComPtr<ID3D11Device> device, std::ofstream csv);
 
-  void Announce(std::uint32_t connection, const FrameSharingInfo& info);
+  void Announce(std::uint32_t connection, const companion::FrameSharingInfo& info);
   // Waits a few milliseconds for a frame. False when none came.
   bool TakeOne();
   bool Open() const { return reader_ && reader_->IsOpen(); }
@@ -40,17 +40,17 @@ class FrameTaker {
     bool saved = false;
     bool Any() const { return expectation || named || saved; }
   };
-  YawPitch LookOf(const FrameInfo& frame) const;
+  companion::YawPitch LookOf(const companion::FrameInfo& frame) const;
   Uses UsesOfNext() const;
-  void Use(const Uses& uses, const FrameInfo& frame, const Image* image);
-  void PrintFrame(const FrameInfo& frame) const;
+  void Use(const Uses& uses, const companion::FrameInfo& frame, const Image* image);
+  void PrintFrame(const companion::FrameInfo& frame) const;
   void SaveFrame(const Image& image);
 
   const Options& options_;
   DriverLink& link_;
   RunState& run_;
   Expectations& expectations_;
-  std::optional<FrameReader> reader_;
+  std::optional<companion::FrameReader> reader_;
   FrameLog log_;
   PictureWriter writer_;
   ContactSheet sheet_;

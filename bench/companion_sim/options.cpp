@@ -45,11 +45,7 @@ void AddRequirements(CLI::App& app, Options& options) {
 }
 
 void AddPipes(CLI::App& app, Options& options) {
-  app.add_flag("--message-pipes", options.pipes.messageType, "Make message pipes instead of byte pipes");
   app.add_option("--pipe-buffer", options.pipes.bufferBytes, "Bytes of each pipe's buffer");
-  app.add_option("--pipe-instances", options.pipes.maxInstances, "Instances that each pipe name allows");
-  app.add_flag("--out-pipe-first", options.pipes.toDriverFirst, "Create the pipe to the driver first");
-  app.add_option("--second-pipe-delay", options.pipes.secondPipeDelayMs, "Milliseconds between the two pipes");
   app.add_flag("!--no-frames", options.readFrames, "Do not open the output textures");
 }
 

@@ -39,7 +39,7 @@ struct Options {
   bool readFrames = true;
   bool printFrames = false;
 
-  PipeServerOptions pipes;
+  companion::PipeServerOptions pipes;
 };
 
 // Reads the command line. When the program shall end at once (help, bad options), says why and gives the exit code.

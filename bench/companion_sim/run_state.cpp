@@ -4,6 +4,8 @@
 
 namespace bench {
 
+using namespace companion;
+
 void RunState::End() {
   const std::scoped_lock lock(mutex_);
   ended_ = true;

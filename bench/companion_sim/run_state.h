@@ -33,7 +33,7 @@ class RunState {
   void SetFrames(std::uint64_t frames) { frames_ = frames; }
   std::uint64_t Frames() const { return frames_; }
 
-  void AddHaptic(const HapticPulse& pulse);
+  void AddHaptic(const companion::HapticPulse& pulse);
   // Takes one pulse of that kind out of those received; false when there is none.
   bool TakeHaptic(std::uint32_t controllerId, std::uint16_t durationMicroseconds);
   std::uint64_t HapticsReceived() const { return hapticsReceived_; }
@@ -50,7 +50,7 @@ class RunState {
   std::atomic<bool> ended_ = false;
   std::atomic<std::uint64_t> frames_ = 0;
   std::atomic<std::uint64_t> hapticsReceived_ = 0;
-  std::vector<HapticPulse> haptics_;
+  std::vector<companion::HapticPulse> haptics_;
   PictureRequest wantedPicture_;
   std::vector<std::string> failures_;
 };

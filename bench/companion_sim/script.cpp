@@ -9,6 +9,9 @@
 #include <stdexcept>
 
 namespace bench {
+
+using namespace companion;
+
 namespace {
 
 using nlohmann::json;

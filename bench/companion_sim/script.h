@@ -21,6 +21,6 @@ Script ParseScript(const std::string& text);
 Script LoadScript(const std::filesystem::path& path);
 
 // "0a 0b0C" as bytes. Throws std::runtime_error for anything that is no pair of hexadecimal digits.
-Bytes ParseHex(const std::string& text);
+companion::Bytes ParseHex(const std::string& text);
 
 }  // namespace bench

@@ -6,11 +6,14 @@
 #include <stdexcept>
 #include <string>
 
-#include "companion/controller_tour.h"
-#include "companion/head_motion.h"
 #include "controller_step.h"
+#include "motion/controller_tour.h"
+#include "motion/head_motion.h"
 
 namespace bench {
+
+using namespace companion;
+
 namespace {
 
 constexpr double kDefaultTimeoutSeconds = 30;

@@ -6,6 +6,9 @@
 #include "base/percentile.h"
 
 namespace bench {
+
+using namespace companion;
+
 namespace {
 
 // A connection that ended may have left a frame to read; after so long without one, it has not.

@@ -26,7 +26,7 @@ class Session {
 
   void Loop();
   void TakeMessages(std::uint32_t timeoutMs);
-  void Take(const ReceivedMessage& received);
+  void Take(const companion::ReceivedMessage& received);
   void NoticeConnection();
   void NoticeSilence(bool gotFrame);
   bool Finished() const;

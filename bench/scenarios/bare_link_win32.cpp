@@ -8,6 +8,9 @@
 #include "companion/pipe_server.h"
 
 namespace bench::scenarios {
+
+using namespace companion;
+
 namespace {
 
 // The driver waits longer, which makes no call more.

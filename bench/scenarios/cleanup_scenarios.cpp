@@ -16,6 +16,9 @@
 #include "silent_pipes.h"
 
 namespace bench::scenarios {
+
+using namespace companion;
+
 namespace {
 
 using std::chrono::milliseconds;
@@ -160,7 +163,7 @@ void AtAnyTime(ScenarioRun& run) {
   for (int round = 0; round < rounds && run.Failures().empty(); ++round) {
     DriverLife life(run, round % 2 == 0 ? Mode::kLayers : Mode::kTexture);
     life.Start();
-    PipeServer pipes({});
+    PipeServer pipes;
     run.Check(pipes.Open(), "the pipes can be made");
     const PoseStream poses(pipes);
     std::this_thread::sleep_for(milliseconds(500 * round / rounds));

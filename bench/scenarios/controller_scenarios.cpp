@@ -15,6 +15,9 @@
 #include "frame_companion.h"
 
 namespace bench::scenarios {
+
+using namespace companion;
+
 namespace {
 
 using std::chrono::milliseconds;
@@ -129,7 +132,7 @@ void FortyControllers(ScenarioRun& run) {
   DriverLife life(run);
   life.runtime.Poses().Listen([&](const PoseRecord& record) { numbers.See(record); });
   life.Start();
-  PipeServer pipes({});
+  PipeServer pipes;
   run.Check(pipes.Open() && pipes.WaitForConnection(kPatienceMs), "the driver connects");
   AnnounceAll(run, life, pipes);
   const auto container = FakeProperties::ContainerOf(life.runtime.Host().Added().back().index);

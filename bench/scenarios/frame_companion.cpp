@@ -9,6 +9,9 @@
 #include "sharing/sharing_device.h"
 
 namespace bench::scenarios {
+
+using namespace companion;
+
 namespace {
 
 using Microsoft::WRL::ComPtr;
@@ -55,7 +58,9 @@ bool FrameCompanion::TakeAnnouncement(std::uint32_t timeoutMs) {
   const auto info = DecodeFrameSharingInfo(received->message.payload);
   if (!info) return false;
   announced_ = *info;
-  return frames_.Open(*info) == S_OK;
+  if (frames_.Open(*info) != S_OK) return false;
+  // Nothing is ever drawn into them, so that giving them back need not copy them back.
+  return MarkReadOnly(frames_.Texture(0)) == S_OK && MarkReadOnly(frames_.Texture(1)) == S_OK;
 }
 
 std::optional<PoseSlot> FrameCompanion::TakeFrame(std::uint32_t timeoutMs) {

@@ -22,7 +22,7 @@ inline constexpr std::uint32_t kPatienceMs = 15'000;
 // A companion in this process that takes frames. One thread.
 class FrameCompanion {
  public:
-  FrameCompanion() : pipes_(PipeServerOptions{}), frames_(CompanionDevice()) {}
+  FrameCompanion() : frames_(CompanionDevice()) {}
 
   // Offers the pipes, once their names are free, and waits for the driver. False when either takes too long.
   [[nodiscard]] bool Connect();
@@ -31,16 +31,16 @@ class FrameCompanion {
   // Takes an announcement that has come, or comes within the time, and opens its textures.
   [[nodiscard]] bool TakeAnnouncement(std::uint32_t timeoutMs);
   // The next frame's pose slot.
-  [[nodiscard]] std::optional<PoseSlot> TakeFrame(std::uint32_t timeoutMs);
+  [[nodiscard]] std::optional<companion::PoseSlot> TakeFrame(std::uint32_t timeoutMs);
 
-  [[nodiscard]] PipeServer& Pipes() { return pipes_; }
-  [[nodiscard]] FrameReader& Frames() { return frames_; }
-  [[nodiscard]] const FrameSharingInfo& Announced() const { return announced_; }
+  [[nodiscard]] companion::PipeServer& Pipes() { return pipes_; }
+  [[nodiscard]] companion::FrameReader& Frames() { return frames_; }
+  [[nodiscard]] const companion::FrameSharingInfo& Announced() const { return announced_; }
 
  private:
-  PipeServer pipes_;
-  FrameReader frames_;
-  FrameSharingInfo announced_;
+  companion::PipeServer pipes_;
+  companion::FrameReader frames_;
+  companion::FrameSharingInfo announced_;
 };
 
 // Calls `play`, which plays a frame and returns its number, until the companion has taken `count` frames, the first one
@@ -54,7 +54,7 @@ class FrameCompanion {
 // Sends poses all the time, from a thread of its own.
 class PoseStream {
  public:
-  explicit PoseStream(PipeServer& pipes);
+  explicit PoseStream(companion::PipeServer& pipes);
   ~PoseStream();
   PoseStream(const PoseStream&) = delete;
   PoseStream& operator=(const PoseStream&) = delete;
@@ -65,7 +65,7 @@ class PoseStream {
 };
 
 // Sends a pose; whether the headset then shows it.
-[[nodiscard]] bool PoseArrives(DriverLife& life, PipeServer& pipes, float x);
+[[nodiscard]] bool PoseArrives(DriverLife& life, companion::PipeServer& pipes, float x);
 
 // A fresh companion connects and gets frames and poses through. Notes how long that took.
 void CheckNewCompanion(ScenarioRun& run, DriverLife& life);

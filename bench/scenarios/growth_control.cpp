@@ -11,6 +11,9 @@
 #include "frame_companion.h"
 
 namespace bench::scenarios {
+
+using namespace companion;
+
 namespace {
 
 constexpr std::chrono::milliseconds kPatience{kPatienceMs};

@@ -14,6 +14,9 @@
 #include "resources.h"
 
 namespace bench::scenarios {
+
+using namespace companion;
+
 namespace {
 
 constexpr std::int64_t kMiB = 1024 * 1024;

@@ -16,6 +16,9 @@
 #include "sharing/import_patch.h"
 
 namespace bench::scenarios {
+
+using namespace companion;
+
 namespace {
 
 using std::chrono::milliseconds;

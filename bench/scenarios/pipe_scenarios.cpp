@@ -15,6 +15,9 @@
 #include "silent_pipes.h"
 
 namespace bench::scenarios {
+
+using namespace companion;
+
 namespace {
 
 using std::chrono::milliseconds;
@@ -63,10 +66,13 @@ void OnlySecondPipe(ScenarioRun& run) { OnePipe(run, Which::kOnlyToDriver); }
 void SecondPipeLate(ScenarioRun& run) {
   DriverLife& life = DriverLife::Shared(run);
   for (const int delayMs : {1, 149, 151, 260, run.Rounds(10'000, 600)}) {
-    PipeServer pipes({.secondPipeDelayMs = static_cast<std::uint32_t>(delayMs)});
     const std::int64_t begin = NowTicks();
-    run.Check(WaitUntil([&] { return pipes.Open(); }, kPatience), "the pipes can be made");
-    auto connected = std::async(std::launch::async, [&] { return pipes.WaitForConnection(kPatienceMs); });
+    auto connected = std::async(std::launch::async, [delayMs] {
+      SilentPipes fromDriver(Which::kOnlyFromDriver);
+      std::this_thread::sleep_for(milliseconds(delayMs));
+      SilentPipes toDriver(Which::kOnlyToDriver);
+      return fromDriver.WaitForDriver(kPatienceMs) && toDriver.WaitForDriver(kPatienceMs);
+    });
     while (connected.wait_for(milliseconds(0)) != std::future_status::ready) PlayFor(life, milliseconds(10));
     run.Check(connected.get(), "the driver connects");
     run.Figure("%d ms late: connected after %.0f ms", delayMs, TicksToMilliseconds(NowTicks() - begin));
@@ -82,7 +88,7 @@ void Restarts(ScenarioRun& run) {
   const int rounds = run.Rounds(1000, 6);
   int connected = 0;
   for (int round = 0; round < rounds; ++round) {
-    PipeServer pipes({});
+    PipeServer pipes;
     if (!run.Check(WaitUntil([&] { return pipes.Open(); }, kPatience), "the pipes can be made again")) return;
     PlayFor(life, milliseconds(lifetimeMs(random)));
     if (pipes.Connected()) ++connected;

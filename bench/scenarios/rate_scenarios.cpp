@@ -13,6 +13,9 @@
 #include "runtime/keyed_texture.h"
 
 namespace bench::scenarios {
+
+using namespace companion;
+
 namespace {
 
 using std::chrono::milliseconds;

@@ -5,6 +5,9 @@
 #include "companion/pipe_server.h"
 
 namespace bench::scenarios {
+
+using namespace companion;
+
 namespace {
 
 OwnedHandle MakePipe(const std::string& name, DWORD access, DWORD bufferBytes, bool messageType) {

@@ -33,7 +33,7 @@ class BareReader {
  private:
   void Read();
 
-  PipeServer companion_;
+  companion::PipeServer companion_;
   OwnedHandle toCompanion_, fromCompanion_;
   std::vector<char> buffer_;
   OnBytes onBytes_;

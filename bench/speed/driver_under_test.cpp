@@ -13,6 +13,9 @@
 #include "sharing/sharing_device.h"
 
 namespace bench::speed {
+
+using namespace companion;
+
 namespace {
 
 constexpr std::uint32_t kPatienceMs = 20'000;

@@ -43,7 +43,7 @@ class DriverUnderTest {
   void SendFrameRate(std::uint32_t framesPerSecond);
 
   QuietRuntime runtime;
-  PipeServer companion{{}};
+  companion::PipeServer companion;
 
  private:
   int fences_ = 0;

@@ -10,6 +10,9 @@
 #include "experiments.h"
 
 namespace bench::speed {
+
+using namespace companion;
+
 namespace {
 
 struct Turns {

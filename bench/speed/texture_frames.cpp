@@ -9,6 +9,9 @@
 #include "sharing/sharing_device.h"
 
 namespace bench::speed {
+
+using namespace companion;
+
 namespace {
 
 using Microsoft::WRL::ComPtr;

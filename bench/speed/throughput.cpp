@@ -9,6 +9,9 @@
 #include "experiments.h"
 
 namespace bench::speed {
+
+using namespace companion;
+
 namespace {
 
 // Counts the runtime's pose calls, and takes the processor time of the thread that makes them from the first to the

@@ -21,9 +21,9 @@ class ControllerSlotsTest : public LinkTest {
     NewLogLines();
   }
   void SendRecord() {
-    bench::ControllerRecord record;
+    companion::ControllerRecord record;
     record.pose[3] = 4.0F;
-    Send(bench::EncodeControllerUpdate(record));
+    Send(companion::EncodeControllerUpdate(record));
     Fence();
   }
   void* Device() { return runtime.Host().Added().at(1).driver; }

@@ -30,14 +30,14 @@ class DirectModeFramesTest : public LinkTest {
   }
 
   // Submits and presents until the driver hands a frame over, which the first announcement shows.
-  std::optional<bench::FrameSharingInfo> PresentFirstFrame(bool withLayer) {
-    std::optional<bench::ReceivedMessage> message;
+  std::optional<companion::FrameSharingInfo> PresentFirstFrame(bool withLayer) {
+    std::optional<companion::ReceivedMessage> message;
     for (int attempt = 0; attempt < 500 && !message; ++attempt) {
       if (withLayer) MsvcDirectSubmitLayer(direct, 1, 2, &kPose);
       MsvcDirectPresent(direct, 0);
       message = server.Next(20);
     }
-    return message ? bench::DecodeFrameSharingInfo(message->message.payload) : std::nullopt;
+    return message ? companion::DecodeFrameSharingInfo(message->message.payload) : std::nullopt;
   }
 
   [[nodiscard]] static bool CanOpen(std::uint64_t handle) {
@@ -60,7 +60,7 @@ TEST_F(DirectModeFramesTest, PresentHandsAFrameOver) {
 TEST_F(DirectModeFramesTest, SubmitLayerBringsThePoseOfTheFrame) {
   const auto info = PresentFirstFrame(true);
   ASSERT_TRUE(info.has_value());
-  bench::SharedBlock block;
+  companion::SharedBlock block;
   ASSERT_TRUE(block.Open(info->name));
   EXPECT_THAT(block.ReadSlot(0), testing::ElementsAre(1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 0, 0, 0, 1));
 }

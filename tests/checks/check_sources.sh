@@ -34,11 +34,23 @@ includes_of() {
   echo "^[[:space:]]*#[[:space:]]*include[[:space:]]*[<\"]($1)"
 }
 
-# Bench programs read the protocol document, so that two ends cannot share one mistake.
+# Bench programs and the companions' kit read the protocol document, so that two ends cannot share one mistake. The kit is
+# complete without the bench.
 check_bench() {
   forbidden=$(for name in $driver_folders; do printf '%s/|' "$(basename "$name")"; done)
-  for file in $(files_of bench); do
-    forbid "$file" "bench includes the driver" "$(includes_of "${forbidden%|}")"
+  for folder in bench companion; do
+    for file in $(files_of "$folder"); do
+      forbid "$file" "$folder includes the driver" "$(includes_of "${forbidden%|}")"
+    done
+  done
+  benches=$(for path in bench/*/include/*/; do printf '%s/|' "$(basename "$path")"; done)
+  for file in $(files_of companion/include) $(files_of companion/library); do
+    forbid "$file" "the kit includes the bench" "$(includes_of "${benches%|}")"
+  done
+  for folder in $driver_folders; do
+    for file in $(files_of "$folder"); do
+      forbid "$file" "the driver includes the companion" "$(includes_of 'companion/|ombrel/')"
+    done
   done
 }
 
@@ -94,9 +106,10 @@ check_msvc() {
 }
 
 check_size() {
-  for folder in $driver_folders report bench tests; do
+  for folder in $driver_folders companion report bench tests; do
     for file in $(files_of "$folder"); do
       case $file in
+        companion/include/*) limit=299 ;; # one header, to be taken along
         *.h) limit=119 ;;
         *) limit=299 ;;
       esac

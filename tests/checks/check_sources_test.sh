@@ -9,7 +9,7 @@ failures=0
 start_over() {
   rm -rf "$tree"
   mkdir -p "$tree/platform/include/platform" "$tree/driver/context" "$tree/link" "$tree/render" "$tree/hmd" \
-    "$tree/driver" "$tree/bench/companion"
+    "$tree/driver" "$tree/bench/companion" "$tree/bench/base/include/base" "$tree/companion/library"
   echo '#include <windows.h>' >"$tree/platform/pipe_win32.cpp"
   printf '#ifdef _WIN32\n#endif\n' >"$tree/platform/include/platform/abi.h"
   printf '#include "platform/abi.h"\n#include "context/log.h"\n' >"$tree/link/core.cpp"
@@ -47,6 +47,15 @@ expect "a sound tree" "the sources keep the rules"
 
 echo '#include "link/wire.h"' >>"$tree/bench/companion/main.cpp"
 expect "a bench that includes the driver" "bench/companion/main.cpp:2: bench includes the driver"
+
+echo '#include "link/wire.h"' >"$tree/companion/library/messages.cpp"
+expect "a kit that includes the driver" "companion/library/messages.cpp:1: companion includes the driver"
+
+echo '#include "base/clock.h"' >"$tree/companion/library/messages.cpp"
+expect "a kit that includes the bench" "companion/library/messages.cpp:1: the kit includes the bench"
+
+echo '#include "ombrel/protocol.h"' >"$tree/link/core.cpp"
+expect "a driver that includes the kit" "link/core.cpp:1: the driver includes the companion"
 
 echo '#include <windows.h>' >"$tree/hmd/headset.cpp"
 expect "windows.h in a plain file" "hmd/headset.cpp:1: system header"

@@ -48,7 +48,7 @@ void BetweenPipes() {
 // `count` bytes of a pose are sent.
 void InMessage(std::size_t count) {
   SilentPipes pipes;
-  const bench::Bytes pose = bench::EncodeQuaternionAndPosition({}, {1, 2, 3});
+  const companion::Bytes pose = companion::EncodeQuaternionAndPosition({}, {1, 2, 3});
   if (pipes.WaitForDriver(kPatienceMs) && pipes.Write(std::span(pose).first(count))) Arrive();
 }
 
@@ -56,10 +56,10 @@ void InMessage(std::size_t count) {
 void HoldingTexture() {
   ComPtr<ID3D11Device> device;
   ComPtr<ID3D11DeviceContext> context;
-  bench::PipeServer pipes({});
+  companion::PipeServer pipes;
   if (bench::CreateSharingDevice(&device, &context) != S_OK || !pipes.Open()) return;
   const auto message = pipes.Next(kPatienceMs);
-  const auto info = message ? bench::DecodeFrameSharingInfo(message->message.payload) : std::nullopt;
+  const auto info = message ? companion::DecodeFrameSharingInfo(message->message.payload) : std::nullopt;
   if (!info) return;
   const auto texture = bench::OpenTexture(*device.Get(), info->sharedHandles[0]);
   const auto mutex = texture ? bench::FindKeyedMutex(texture.Get()) : nullptr;
@@ -69,9 +69,9 @@ void HoldingTexture() {
 // A controller is known, and nobody reads what the driver writes to it.
 void NotReading() {
   SilentPipes pipes(SilentPipes::Which::kBoth, 0);
-  bench::ControllerRecord record;
+  companion::ControllerRecord record;
   record.controllerId = 7;
-  if (pipes.WaitForDriver(kPatienceMs) && pipes.Write(bench::EncodeControllerUpdate(record))) Arrive();
+  if (pipes.WaitForDriver(kPatienceMs) && pipes.Write(companion::EncodeControllerUpdate(record))) Arrive();
 }
 
 const std::map<std::string, std::function<void()>> kPoints{

@@ -49,9 +49,9 @@ vr::HmdMatrix34_t DirectTest::PoseNumber(int number) {
   return pose;
 }
 
-bench::PoseSlot DirectTest::SlotOfPose(int number) {
+companion::PoseSlot DirectTest::SlotOfPose(int number) {
   const vr::HmdMatrix34_t pose = PoseNumber(number);
-  bench::PoseSlot slot{};
+  companion::PoseSlot slot{};
   std::copy_n(&pose.m[0][0], 12, slot.begin());
   slot[15] = 1.0F;
   return slot;

@@ -32,7 +32,7 @@ class DirectTest : public DriverTest {
 
   // A pose unlike those of other numbers, and how the companion finds it beside a frame.
   [[nodiscard]] static vr::HmdMatrix34_t PoseNumber(int number);
-  [[nodiscard]] static bench::PoseSlot SlotOfPose(int number);
+  [[nodiscard]] static companion::PoseSlot SlotOfPose(int number);
 };
 
 }  // namespace ombrel::test

@@ -60,10 +60,10 @@ TEST_F(DirectFramesTest, AlternateBetweenTheOutputsWithTheirPosesBesideThem) {
 
 TEST_F(DirectFramesTest, HaveTheirPoseInItsSlotWhenTheOutputIsGivenAway) {
   ASSERT_TRUE(HandOver());
-  const bench::FrameSharingInfo info = TakeAnnouncement();
-  bench::SharedBlock block;
+  const companion::FrameSharingInfo info = TakeAnnouncement();
+  companion::SharedBlock block;
   ASSERT_TRUE(block.Open(info.name));
-  bench::PoseSlot seen{};
+  companion::PoseSlot seen{};
   calls.onRelease = [&](std::uint32_t handle) {
     if (handle == info.sharedHandles[1]) seen = block.ReadSlot(1);
   };
@@ -96,7 +96,7 @@ TEST_F(DirectFramesTest, ThatAreDroppedLeaveNothingBehind) {
   SubmitLayer(MakeEye(kRed), PoseNumber(2));
   Direct().Present(sync.handle);
   EXPECT_THAT(calls.Of<Drawn>(), IsEmpty());
-  EXPECT_EQ(companion->Slot(1), bench::PoseSlot{});
+  EXPECT_EQ(companion->Slot(1), companion::PoseSlot{});
   ASSERT_EQ(sync.keyedMutex->ReleaseSync(0), S_OK);
   SubmitLayer(green, PoseNumber(3));
   ASSERT_TRUE(HandOver(sync.handle));

@@ -79,17 +79,17 @@ std::size_t DriverTest::OutputsReleased() const {
   }));
 }
 
-bench::FrameSharingInfo DriverTest::TakeAnnouncement(milliseconds timeout) {
+companion::FrameSharingInfo DriverTest::TakeAnnouncement(milliseconds timeout) {
   const auto message = companion->NextMessage(static_cast<std::uint32_t>(timeout.count()));
-  Require(message && message->Is(bench::MessageType::FrameSharingInfo), "waiting for the announcement");
-  const auto info = bench::DecodeFrameSharingInfo(message->payload);
+  Require(message && message->Is(companion::MessageType::FrameSharingInfo), "waiting for the announcement");
+  const auto info = companion::DecodeFrameSharingInfo(message->payload);
   Require(info.has_value(), "reading the announcement");
   companion->Attach({info->sharedHandles[0], info->sharedHandles[1]}, info->name);
   return *info;
 }
 
 bool DriverTest::SendPose(float x) {
-  if (!companion->Send(bench::EncodeQuaternionAndPosition({}, {x, 1.5F, 0.25F}))) return false;
+  if (!companion->Send(companion::EncodeQuaternionAndPosition({}, {x, 1.5F, 0.25F}))) return false;
   return bench::WaitUntil([&] { return HeadsetPose().vecPosition[0] == static_cast<double>(x); }, kPatience);
 }
 
@@ -99,7 +99,7 @@ bool DriverTest::SendFrameRate(std::uint32_t framesPerSecond) {
                                  [](const std::string& line) { return line.starts_with("Updating headset fps"); });
   };
   const auto before = counted();
-  if (!companion->Send(bench::EncodeFramerateUpdate(framesPerSecond))) return false;
+  if (!companion->Send(companion::EncodeFramerateUpdate(framesPerSecond))) return false;
   // The headset speaks of it last.
   return runtime.Journal().WaitUntil([&] { return counted() > before; }, kPatience);
 }

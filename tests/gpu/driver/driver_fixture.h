@@ -55,7 +55,7 @@ class DriverTest : public testing::Test {
 
   // The next announcement, waited for at most that long; throws when none comes. The companion has its textures open
   // then.
-  bench::FrameSharingInfo TakeAnnouncement(milliseconds timeout = kPatience);
+  companion::FrameSharingInfo TakeAnnouncement(milliseconds timeout = kPatience);
   // True when the headset shows the direction and the position that were sent.
   [[nodiscard]] bool SendPose(float x);
   // True when the driver has taken over the rate.

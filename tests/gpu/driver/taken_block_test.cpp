@@ -23,7 +23,7 @@ class TakenBlockTest : public DirectTest {
 TEST_F(TakenBlockTest, GetsThePosesAsTheDriversOwnWould) {
   const bench::OwnedHandle theirs(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 128, kName));
   ASSERT_TRUE(theirs);
-  bench::SharedBlock block;
+  companion::SharedBlock block;
   ASSERT_TRUE(block.Open(kName));
   StartOnAFreshThread();
   for (int frame = 0; frame < 2; ++frame) {

@@ -37,7 +37,7 @@ TEST_F(VirtualFramesTest, ArrivePixelForPixelInTurnsAndWaitForAPoseEach) {
     if (frame == 0) TakeAnnouncement();
     EXPECT_EQ(present.wait_for(milliseconds(150)), std::future_status::timeout) << "no pose has come";
     EXPECT_THAT(companion->Look(frame % 2, {{"all", 0, 0, 2 * kEyeWidth, kEyeHeight, {}, pattern}}), IsEmpty());
-    EXPECT_EQ(companion->Slot(frame % 2), bench::PoseSlot{}) << "no pose is known of it";
+    EXPECT_EQ(companion->Slot(frame % 2), companion::PoseSlot{}) << "no pose is known of it";
     ASSERT_TRUE(SendPose(static_cast<float>(frame)));
     ASSERT_EQ(present.wait_for(kPatience), std::future_status::ready);
   }

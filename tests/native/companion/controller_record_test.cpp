@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <cstring>
 
-#include "companion/controller_tour.h"
 #include "companion/messages.h"
+#include "motion/controller_tour.h"
 
-namespace bench {
+namespace companion {
 namespace {
 
 template <typename Value>
@@ -69,8 +69,8 @@ TEST(ControllerRecord, ShortOnesAreNoneAndLongOnesCountToTheirEnd) {
 TEST(ControllerTour, TouchesEveryInput) {
   std::uint64_t pressed = 0, touched = 0;
   float trackpad = 0, trigger = 0;
-  for (double at = 0; at < kControllerTourSeconds; at += 0.05) {
-    const ControllerRecord record = ControllerTour(1, -1, at);
+  for (double at = 0; at < bench::kControllerTourSeconds; at += 0.05) {
+    const ControllerRecord record = bench::ControllerTour(1, -1, at);
     pressed |= record.pressedButtons;
     touched |= record.touchedButtons;
     trackpad = std::max(trackpad, record.axes[0].x * record.axes[0].y);
@@ -84,11 +84,11 @@ TEST(ControllerTour, TouchesEveryInput) {
 
 TEST(ControllerTour, VelocityIsTheSlopeOfThePosition) {
   constexpr double kStep = 1e-3;
-  const ControllerRecord before = ControllerTour(1, 1, 2 - kStep), at = ControllerTour(1, 1, 2),
-                         after = ControllerTour(1, 1, 2 + kStep);
+  const ControllerRecord before = bench::ControllerTour(1, 1, 2 - kStep), at = bench::ControllerTour(1, 1, 2),
+                         after = bench::ControllerTour(1, 1, 2 + kStep);
   EXPECT_NEAR((after.pose[3] - before.pose[3]) / (2 * kStep), at.velocity[0], 1e-3);
   EXPECT_NEAR((after.pose[7] - before.pose[7]) / (2 * kStep), at.velocity[1], 1e-3);
 }
 
 }  // namespace
-}  // namespace bench
+}  // namespace companion

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-namespace bench {
+namespace companion {
 namespace {
 
 // The driver's side, driven by hand: which texture it holds, and what it does while the reader waits.
@@ -95,4 +95,4 @@ TEST_F(FrameTurnsTest, ABrokenLockIsSaidSo) {
 }
 
 }  // namespace
-}  // namespace bench
+}  // namespace companion

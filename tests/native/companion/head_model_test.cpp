@@ -4,9 +4,9 @@
 
 #include <cmath>
 
-#include "companion/head_motion.h"
+#include "motion/head_motion.h"
 
-namespace bench {
+namespace companion {
 namespace {
 
 void ExpectPose(const HeadModel& model, const Quat& rotation, const Position& position, float tolerance = 1e-5F) {
@@ -21,7 +21,7 @@ class HeadModelFormats : public testing::TestWithParam<PoseFormat> {};
 
 TEST_P(HeadModelFormats, AllBringTheSamePose) {
   HeadModel model;
-  for (const Bytes& message : EncodeHeadPose(GetParam(), kLook, kHead, model)) model.Apply(message);
+  for (const Bytes& message : bench::EncodeHeadPose(GetParam(), kLook, kHead, model)) model.Apply(message);
   // The filter behind format 2 normalises by an approximation that is good to a few parts in a thousand.
   ExpectPose(model, YawPitchToQuaternion(kLook), kHead, GetParam() == PoseFormat::Sensors ? 5e-3F : 1e-5F);
 }
@@ -89,4 +89,4 @@ TEST(SensorFollower, GravityPullsItsZAxisUp) {
 }
 
 }  // namespace
-}  // namespace bench
+}  // namespace companion

@@ -1,9 +1,8 @@
 #include <cmath>
 
-#include "companion/head_motion.h"
+#include "motion/head_motion.h"
 
 #include <gtest/gtest.h>
-
 
 namespace bench {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace bench {
+namespace companion {
 namespace {
 
 Bytes TwoMessages() {
@@ -59,4 +59,4 @@ TEST(MessageAssembler, BreaksOnAPayloadThatIsTooLarge) {
 }
 
 }  // namespace
-}  // namespace bench
+}  // namespace companion

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <numeric>
 
-namespace bench {
+namespace companion {
 namespace {
 
 std::span<const std::uint8_t> PayloadOf(const Bytes& message) { return std::span(message).subspan(kHeaderBytes); }
@@ -94,4 +94,4 @@ TEST_F(SharingInfoBytes, EncoderWritesZerosAfterTheName) {
 }
 
 }  // namespace
-}  // namespace bench
+}  // namespace companion

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <limits>
 
-namespace bench {
+namespace companion {
 namespace {
 
 PoseSlot SlotOf(const PoseMatrix& pose) {
@@ -65,4 +65,4 @@ TEST_F(PoseHistoryTest, ForgetsWhatIsTooOldButOne) {
 }
 
 }  // namespace
-}  // namespace bench
+}  // namespace companion

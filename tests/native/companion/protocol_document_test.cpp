@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <numbers>
 #include <string>
@@ -9,7 +10,7 @@
 #include "companion/tracking_update.h"
 #include "support/document_hex.h"
 
-namespace bench {
+namespace companion {
 namespace {
 
 const Position kStanding{0, 1.7F, 0};
@@ -19,9 +20,7 @@ const Quat kLeft{0, 0.70710677F, 0, 0.70710677F};
 const PoseMatrix kLeftMatrix{0, 0, 1, 0, 0, 1, 0, 1.7F, -1, 0, 0, 0};
 
 Bytes MatrixMessage(PoseFormat format, PoseMatrix matrix) {
-  ByteWriter pose;
-  for (const float value : matrix) pose.PutFloat(value);
-  return EncodeTracking(static_cast<std::uint32_t>(format), pose.Take());
+  return EncodeTracking(static_cast<std::uint32_t>(format), AsBytes(matrix));
 }
 
 Bytes LeftRotation() {
@@ -50,10 +49,12 @@ SensorReadings TurningLeft() {
 }
 
 Bytes ExampleSlot() {
-  ByteWriter slot;
-  for (const float value : ToPoseMatrix(Quat{}, kStanding)) slot.PutFloat(value);
-  for (const float value : {0.0F, 0.0F, 0.0F, 1.0F}) slot.PutFloat(value);
-  return slot.Take();
+  const PoseMatrix pose = ToPoseMatrix(Quat{}, kStanding);
+  OmbrelPoseSlot slot{};
+  std::copy(pose.begin(), pose.end(), slot.matrix);
+  slot.matrix[15] = 1;
+  const auto bytes = AsBytes(slot);
+  return {bytes.begin(), bytes.end()};
 }
 
 // What each block of the page must say, by the coders.
@@ -94,8 +95,7 @@ TEST(ProtocolDocument, ItsExampleSessionIsWhatTheCodersWrite) {
 TEST(ProtocolDocument, ItsWholeMessagesSayHowLongTheyAre) {
   for (const auto& [name, bytes] : ReadHexBlocks(ReadDocument())) {
     if (name == "slot") continue;
-    ByteReader header(bytes);
-    EXPECT_EQ(header.Get<std::uint32_t>() + kHeaderBytes, bytes.size()) << name;
+    EXPECT_EQ(ReadAs<OmbrelMessageHeader>(bytes)->length + kHeaderBytes, bytes.size()) << name;
   }
 }
 
@@ -113,4 +113,4 @@ TEST(ProtocolDocument, ItsFrameSharingInfoStandsAtTheTabledOffsets) {
 }
 
 }  // namespace
-}  // namespace bench
+}  // namespace companion

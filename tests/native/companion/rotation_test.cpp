@@ -5,7 +5,7 @@
 #include <cmath>
 #include <numbers>
 
-namespace bench {
+namespace companion {
 namespace {
 
 constexpr float kPi = std::numbers::pi_v<float>;
@@ -72,4 +72,4 @@ TEST(Rotation, RecenteringFromNothingIsNothing) {
 TEST(Rotation, NormalisingZeroKeepsZero) { ExpectNear(Normalise({0, 0, 0, 0}), {0, 0, 0, 0}); }
 
 }  // namespace
-}  // namespace bench
+}  // namespace companion

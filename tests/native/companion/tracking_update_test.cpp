@@ -4,7 +4,7 @@
 
 #include "companion/messages.h"
 
-namespace bench {
+namespace companion {
 namespace {
 
 struct LengthCase {
@@ -72,4 +72,4 @@ TEST(TrackingUpdate, TheFloatsAfterAnEulerPositionAreNotItsPosition) {
 TEST(TrackingUpdate, FewerThanFourBytesAreNone) { EXPECT_FALSE(DecodeTracking(Bytes(3))); }
 
 }  // namespace
-}  // namespace bench
+}  // namespace companion

@@ -13,7 +13,7 @@ using testing::IsEmpty;
 
 class ControllerActivationTest : public ControllerTest {
  protected:
-  static bench::ControllerRecord Holding(std::uint64_t buttons) { return {.pressedButtons = buttons}; }
+  static companion::ControllerRecord Holding(std::uint64_t buttons) { return {.pressedButtons = buttons}; }
 };
 
 TEST_F(ControllerActivationTest, WritesItsPropertiesInOrder) {

@@ -37,8 +37,8 @@ class ControllerTest : public testing::Test {
     NewInputs();
   }
   // What a companion says of it.
-  void SendRecord(const bench::ControllerRecord& record) {
-    const bench::Bytes message = bench::EncodeControllerUpdate(record);
+  void SendRecord(const companion::ControllerRecord& record) {
+    const companion::Bytes message = companion::EncodeControllerUpdate(record);
     controller_.UpdateFromRecord(ReadRecord<ombrel::ControllerUpdate>(std::as_bytes(std::span(message)).subspan(8)));
   }
   [[nodiscard]] vr::DriverPose_t Pose() {

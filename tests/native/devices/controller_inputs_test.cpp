@@ -19,7 +19,7 @@ class ControllerInputsTest : public ControllerTest {
     SendRecord({.pressedButtons = pressed, .touchedButtons = touched});
   }
   void MoveAxis(std::size_t axis, float x, float y) {
-    bench::ControllerRecord record;
+    companion::ControllerRecord record;
     record.axes[axis] = {x, y};
     SendRecord(record);
   }
@@ -114,7 +114,7 @@ TEST_F(ControllerInputsTest, ARestingTrackpadStaysWhereTheActivationLeftIt) {
 }
 
 TEST_F(ControllerInputsTest, AControllerThatIsGoneStillTellsOfItsInputs) {
-  bench::ControllerRecord record;
+  companion::ControllerRecord record;
   record.trackingState = 2;
   record.pressedButtons = 0x4;
   record.axes[1] = {0.5F, 0};

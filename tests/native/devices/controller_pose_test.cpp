@@ -16,7 +16,7 @@ class ControllerPoseTest : public ControllerTest {
  protected:
   void SetUp() override { Activate(); }
   // What the runtime was sent, which must be what GetPose answers.
-  vr::DriverPose_t Send(const bench::ControllerRecord& record) {
+  vr::DriverPose_t Send(const companion::ControllerRecord& record) {
     const std::size_t before = PosesSent();
     SendRecord(record);
     EXPECT_EQ(PosesSent(), before + 1);
@@ -25,8 +25,8 @@ class ControllerPoseTest : public ControllerTest {
     EXPECT_EQ(std::memcmp(&sent, &asked, sizeof(sent)), 0);
     return sent;
   }
-  static bench::ControllerRecord Turned(float m00, float m11, float m22) {
-    bench::ControllerRecord record;
+  static companion::ControllerRecord Turned(float m00, float m11, float m22) {
+    companion::ControllerRecord record;
     record.pose = {m00, 0, 0, 0, 0, m11, 0, 0, 0, 0, m22, 0};
     return record;
   }
@@ -41,7 +41,7 @@ TEST_F(ControllerPoseTest, IsEmptyButForOneNumberUntilARecord) {
 }
 
 TEST_F(ControllerPoseTest, TakesPositionVelocityAndAcceleration) {
-  bench::ControllerRecord record;
+  companion::ControllerRecord record;
   record.pose[3] = 1.5F;
   record.pose[7] = -2.25F;
   record.pose[11] = 0.1F;
@@ -79,7 +79,7 @@ TEST_F(ControllerPoseTest, HasNoRotationAfterAHalfTurnAboutAnAxis) {
 TEST_F(ControllerPoseTest, TurnsAQuarterAboutEachAxisToEitherSide) {
   for (const float side : {1.0F, -1.0F}) {
     const double half = side * 0.70710678118654752;
-    bench::ControllerRecord x, y, z;
+    companion::ControllerRecord x, y, z;
     x.pose = {1, 0, 0, 0, 0, 0, -side, 0, 0, side, 0, 0};
     y.pose = {0, 0, side, 0, 0, 1, 0, 0, -side, 0, 0, 0};
     z.pose = {0, -side, 0, 0, side, 0, 0, 0, 0, 0, 1, 0};
@@ -100,7 +100,7 @@ struct StateCase {
 class ControllerStateTest : public ControllerPoseTest, public testing::WithParamInterface<StateCase> {};
 
 TEST_P(ControllerStateTest, DecidesWhatThePoseIsWorth) {
-  bench::ControllerRecord record;
+  companion::ControllerRecord record;
   record.trackingState = GetParam().state;
   const vr::DriverPose_t pose = Send(record);
   EXPECT_EQ(pose.result, GetParam().result);
@@ -117,7 +117,7 @@ INSTANTIATE_TEST_SUITE_P(, ControllerStateTest,
 
 TEST_F(ControllerPoseTest, PassesNumbersThatAreNotFiniteOn) {
   const double infinity = std::numeric_limits<double>::infinity();
-  bench::ControllerRecord record = Turned(1, std::numeric_limits<float>::quiet_NaN(), 1);
+  companion::ControllerRecord record = Turned(1, std::numeric_limits<float>::quiet_NaN(), 1);
   record.pose[3] = std::numeric_limits<float>::infinity();
   record.velocity = {0, -infinity, 0};
   record.acceleration = {0, 0, infinity};
@@ -130,7 +130,7 @@ TEST_F(ControllerPoseTest, PassesNumbersThatAreNotFiniteOn) {
 }
 
 TEST_F(ControllerPoseTest, IsValidAgainAfterItWasLost) {
-  bench::ControllerRecord lost;
+  companion::ControllerRecord lost;
   lost.trackingState = 2;
   Send(lost);
   EXPECT_TRUE(Send({}).deviceIsConnected);

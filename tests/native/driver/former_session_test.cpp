@@ -16,7 +16,7 @@ class FormerSessionTest : public ProviderTest {
     companion_.Disconnect();
   }
   void AddController(float x) {
-    bench::ControllerRecord record{.controllerId = kId};
+    companion::ControllerRecord record{.controllerId = kId};
     record.pose[3] = x;
     SendRecord(record);
     ActivateController();

@@ -27,7 +27,7 @@ class ProviderControllersTest : public ProviderTest {
     provider_.RunFrame();
   }
   // Shakes it until the companion gets a pulse: one that waits too long for a busy machine is dropped.
-  std::optional<bench::HapticPulse> PulseOf(std::uint32_t index, float seconds) {
+  std::optional<companion::HapticPulse> PulseOf(std::uint32_t index, float seconds) {
     if (!WaitUntil([&] {
           Shake(index, seconds);
           return companion_.in.HasData(500);
@@ -37,7 +37,7 @@ class ProviderControllersTest : public ProviderTest {
     const auto message = companion_.Receive();
     if (!message || message->type != 11) return std::nullopt;
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(message->payload.data());
-    return bench::DecodeHapticPulse({bytes, message->payload.size()});
+    return companion::DecodeHapticPulse({bytes, message->payload.size()});
   }
 };
 
@@ -61,7 +61,7 @@ TEST_F(ProviderControllersTest, OneThatIsRefusedIsToldOfAndNotAnnouncedAgain) {
 
 TEST_F(ProviderControllersTest, TheFirstRecordIsNotAppliedEvenIfItsControllerIsActivatedAtOnce) {
   runtime_.Host().ActivateAtOnce();
-  const bench::ControllerRecord record{.controllerId = 5, .pressedButtons = 0x1};
+  const companion::ControllerRecord record{.controllerId = 5, .pressedButtons = 0x1};
   SendRecord(record);
   EXPECT_EQ(PosesOf(kController), 0U);
   EXPECT_TRUE(runtime_.Input().Updates("/input/system/click").empty());

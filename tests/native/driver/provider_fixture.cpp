@@ -39,8 +39,8 @@ vr::DriverPose_t ProviderTest::PoseOf(vr::ITrackedDeviceServerDriver& device) {
   return pose;
 }
 
-void ProviderTest::SendRecord(const bench::ControllerRecord& record) {
-  const bench::Bytes message = bench::EncodeControllerUpdate(record);
+void ProviderTest::SendRecord(const companion::ControllerRecord& record) {
+  const companion::Bytes message = companion::EncodeControllerUpdate(record);
   ASSERT_TRUE(companion_.out.Send(std::as_bytes(std::span(message))));
   Fence();
 }

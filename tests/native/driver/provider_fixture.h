@@ -42,7 +42,7 @@ class ProviderTest : public testing::Test {
   [[nodiscard]] std::size_t PosesOf(std::uint32_t index) { return runtime_.Poses().Count(index); }
 
   // The companion tells of a controller; returns when the driver has taken it in.
-  void SendRecord(const bench::ControllerRecord& record);
+  void SendRecord(const companion::ControllerRecord& record);
   // The one that was announced last.
   vr::ITrackedDeviceServerDriver& ActivateController(std::uint32_t index = kController);
   // Returns when the driver has taken in all that was sent so far, behind which goes a pose.

@@ -20,6 +20,9 @@
 #include "program.h"
 
 namespace bench {
+
+using namespace companion;
+
 namespace {
 
 using testing::HasSubstr;

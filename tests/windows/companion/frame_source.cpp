@@ -33,7 +33,7 @@ bool FrameSource::Create(std::uint32_t width, std::uint32_t height, std::uint32_
   return block_ != nullptr && locks_[0]->AcquireSync(0, acquireTimeoutMs_) == S_OK;
 }
 
-bench::FrameSharingInfo FrameSource::Info() const {
+companion::FrameSharingInfo FrameSource::Info() const {
   return {GetCurrentProcessId(), {handles_[0], handles_[1]}, name_, false};
 }
 
@@ -46,7 +46,7 @@ void FrameSource::FillHalf(std::uint32_t half, const bench::Rgba& colour) {
   context_->UpdateSubresource(textures_[current_].Get(), 0, &box, pixels.data(), (right - left) * 4, 0);
 }
 
-bool FrameSource::Present(const bench::Rgba& left, const bench::Rgba& right, const bench::PoseSlot& slot) {
+bool FrameSource::Present(const bench::Rgba& left, const bench::Rgba& right, const companion::PoseSlot& slot) {
   FillHalf(0, left);
   FillHalf(1, right);
   std::memcpy(static_cast<char*>(block_.get()) + 64 * current_, slot.data(), sizeof(slot));

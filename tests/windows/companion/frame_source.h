@@ -20,11 +20,11 @@ class FrameSource {
   // `width` and `height` of both eyes together. False when there is no device.
   bool Create(std::uint32_t width, std::uint32_t height, std::uint32_t acquireTimeoutMs = 1000);
 
-  bench::FrameSharingInfo Info() const;
+  companion::FrameSharingInfo Info() const;
 
   // Fills the eyes with a colour each, writes the pose, releases the texture and turns to the other one.
   // False when the other one could not be had in time.
-  bool Present(const bench::Rgba& left, const bench::Rgba& right, const bench::PoseSlot& slot);
+  bool Present(const bench::Rgba& left, const bench::Rgba& right, const companion::PoseSlot& slot);
 
  private:
   struct Unmap {

@@ -47,15 +47,13 @@ bool PlainClient::HasMore() const {
   return PeekNamedPipe(out_.Get(), nullptr, 0, nullptr, &waiting, nullptr) && waiting != 0;
 }
 
-std::optional<bench::Message> PlainClient::Read() {
+std::optional<companion::Message> PlainClient::Read() {
   const auto head = ReadBytes(8);
   if (head.size() < 8) return std::nullopt;
-  bench::ByteReader reader(head);
-  const auto length = reader.Get<std::uint32_t>();
-  const auto type = reader.Get<std::uint32_t>();
-  auto payload = ReadBytes(length);
-  if (payload.size() < length) return std::nullopt;
-  return bench::Message{type, std::move(payload)};
+  const auto header = companion::ReadAs<OmbrelMessageHeader>(head);
+  auto payload = ReadBytes(header->length);
+  if (payload.size() < header->length) return std::nullopt;
+  return companion::Message{header->type, std::move(payload)};
 }
 
 PipeNames::PipeNames(const std::string& test) {

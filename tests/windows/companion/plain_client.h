@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "companion/message_assembler.h"
 #include "base/owned_handle.h"
+#include "companion/message_assembler.h"
 
 // The driver's end of the pipes with plain file calls, opened and written in the way the protocol page tells.
 class PlainClient {
@@ -20,7 +20,7 @@ class PlainClient {
   bool WriteMessage(std::span<const std::uint8_t> message);
   bool WriteBytes(std::span<const std::uint8_t> bytes);
   // The next whole message; nothing when the other side is gone.
-  std::optional<bench::Message> Read();
+  std::optional<companion::Message> Read();
   // Whether anything waits to be read.
   bool HasMore() const;
   // Exactly so many bytes, or fewer when the other side is gone.

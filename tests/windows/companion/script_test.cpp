@@ -8,6 +8,9 @@
 #include "controller_step.h"
 
 namespace bench {
+
+using namespace companion;
+
 namespace {
 
 TEST(Script, ReadsItsStepsInOrder) {

@@ -8,12 +8,14 @@
 #include <vector>
 
 #include "base/wait.h"
+#include "silent_pipes.h"
 #include "support/link_test.h"
 #include "support/module_import.h"
 
 namespace ombrel::test {
 namespace {
 
+using bench::scenarios::SilentPipes;
 using testing::Each;
 
 constexpr DWORD kRetryMs = 100, kSecondPipeMs = 150;
@@ -69,8 +71,7 @@ TEST_F(ConnectRhythmTest, GivesTheCompanionAHundredAndFiftyMillisecondsBetweenTh
 }
 
 TEST_F(ConnectRhythmTest, TriesALateSecondPipeEveryHundredMilliseconds) {
-  bench::PipeServer late({.secondPipeDelayMs = 60'000});
-  ASSERT_TRUE(late.Open());
+  const SilentPipes fromDriver(SilentPipes::Which::kOnlyFromDriver);
   InitAndActivateHeadset();
   ASSERT_TRUE(bench::WaitUntil([] { return std::ranges::count(Asked(), kSecondPipeMs) > 0; },
                                std::chrono::milliseconds(kTimeoutMs)));

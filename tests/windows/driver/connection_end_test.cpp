@@ -65,7 +65,7 @@ class RawPipe {
     DWORD got = 0;
     return ReadFile(pipe_.Get(), &byte, 1, &got, nullptr) ? 0 : GetLastError();
   }
-  DWORD Write(const bench::Bytes& bytes) {
+  DWORD Write(const companion::Bytes& bytes) {
     DWORD written = 0;
     const auto size = static_cast<DWORD>(bytes.size());
     return WriteFile(pipe_.Get(), bytes.data(), size, &written, nullptr) ? 0 : GetLastError();
@@ -106,7 +106,7 @@ class ConnectionEndTest : public DriverTest {
   }
   void ExpectPoseToArrive() {
     const std::size_t poses = runtime.Poses().Count(0);
-    EXPECT_EQ(out_.Write(bench::EncodeQuaternionAndPosition({}, {})), 0U);
+    EXPECT_EQ(out_.Write(companion::EncodeQuaternionAndPosition({}, {})), 0U);
     EXPECT_TRUE(WaitUntil([&] { return runtime.Poses().Count(0) > poses; }, kPatience));
   }
   void ExpectToStayConnected() {
@@ -116,7 +116,7 @@ class ConnectionEndTest : public DriverTest {
   }
   // Lets a controller vibrate until a write of the driver has failed.
   void ExpectWriteToFailBy(DWORD code) {
-    EXPECT_EQ(out_.Write(bench::EncodeControllerUpdate({.controllerId = 7})), 0U);
+    EXPECT_EQ(out_.Write(companion::EncodeControllerUpdate({.controllerId = 7})), 0U);
     ASSERT_TRUE(WaitUntil([&] { return runtime.Host().Added().size() == 2; }, kPatience));
     runtime.Host().Added().at(1).driver->Activate(1);
     runtime.Host().PushHaptic(bench::FakeProperties::ContainerOf(1), 1, 0.01F, 100, 1);
@@ -125,8 +125,8 @@ class ConnectionEndTest : public DriverTest {
     EXPECT_EQ(writeError, code);
   }
 
-  RawPipe in_{bench::PipeServerOptions().fromDriverName, PIPE_ACCESS_INBOUND};
-  RawPipe out_{bench::PipeServerOptions().toDriverName, PIPE_ACCESS_OUTBOUND};
+  RawPipe in_{companion::PipeServerOptions().fromDriverName, PIPE_ACCESS_INBOUND};
+  RawPipe out_{companion::PipeServerOptions().toDriverName, PIPE_ACCESS_OUTBOUND};
 
  private:
   template <typename Function>

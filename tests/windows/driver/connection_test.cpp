@@ -9,22 +9,25 @@
 namespace ombrel::test {
 namespace {
 
-using bench::PipeServer;
 using bench::scenarios::SilentPipes;
+using companion::PipeServer;
 
 class ConnectionTest : public LinkTest {
  protected:
   // A companion that starts, is found by the driver and sends a pose that arrives.
-  void ExpectToConnect(PipeServer& companion) {
-    ASSERT_TRUE(bench::WaitUntil([&] { return companion.Open(); }, std::chrono::milliseconds(kTimeoutMs)));
-    ExpectPoseFrom(companion);
+  void ExpectToConnect(PipeServer& pipes) {
+    ASSERT_TRUE(bench::WaitUntil([&] { return pipes.Open(); }, std::chrono::milliseconds(kTimeoutMs)));
+    ASSERT_TRUE(pipes.WaitForConnection(kTimeoutMs));
+    ExpectPoseFrom([&] { return pipes.Send(pose_); });
   }
-  void ExpectPoseFrom(PipeServer& companion) {
-    ASSERT_TRUE(companion.WaitForConnection(kTimeoutMs));
+  template <typename Send>
+  void ExpectPoseFrom(Send send) {
     const std::size_t poses = PosesSent();
-    ASSERT_TRUE(companion.Send(bench::EncodeQuaternionAndPosition({}, {})));
+    ASSERT_TRUE(send());
     EXPECT_TRUE(WaitFor([&] { return PosesSent() > poses; }));
   }
+
+  const companion::Bytes pose_ = companion::EncodeQuaternionAndPosition({}, {});
 };
 
 TEST_F(ConnectionTest, CompanionMayRestartManyTimes) {
@@ -37,8 +40,11 @@ TEST_F(ConnectionTest, CompanionMayRestartManyTimes) {
 
 TEST_F(ConnectionTest, OtherPipeMayBeMadeFirst) {
   InitAndActivateHeadset();
-  PipeServer late({.toDriverFirst = true, .secondPipeDelayMs = 700});
-  ExpectToConnect(late);
+  SilentPipes toDriver(SilentPipes::Which::kOnlyToDriver);
+  Sleep(700);
+  SilentPipes fromDriver(SilentPipes::Which::kOnlyFromDriver);
+  ASSERT_TRUE(fromDriver.WaitForDriver(kTimeoutMs) && toDriver.WaitForDriver(kTimeoutMs));
+  ExpectPoseFrom([&] { return toDriver.Write(pose_); });
 }
 
 TEST_F(ConnectionTest, CompanionMayDisconnectItsFirstPipeBeforeItMakesItsSecond) {
@@ -49,9 +55,7 @@ TEST_F(ConnectionTest, CompanionMayDisconnectItsFirstPipeBeforeItMakesItsSecond)
   SilentPipes second(SilentPipes::Which::kOnlyToDriver);
   EXPECT_TRUE(first.WaitForDriver(kTimeoutMs)) << "the driver keeps the end that it was thrown out of";
   ASSERT_TRUE(second.WaitForDriver(kTimeoutMs));
-  const std::size_t poses = PosesSent();
-  ASSERT_TRUE(second.Write(bench::EncodeQuaternionAndPosition({}, {})));
-  EXPECT_TRUE(WaitFor([&] { return PosesSent() > poses; }));
+  ExpectPoseFrom([&] { return second.Write(pose_); });
 }
 
 TEST_F(ConnectionTest, PipesWithoutBuffersWork) {
@@ -62,14 +66,15 @@ TEST_F(ConnectionTest, PipesWithoutBuffersWork) {
 
 TEST_F(ConnectionTest, MessagePipesWork) {
   InitAndActivateHeadset();
-  PipeServer messages({.messageType = true});
-  ExpectToConnect(messages);
+  SilentPipes messages(SilentPipes::Which::kBoth, 4096, true);
+  ASSERT_TRUE(messages.WaitForDriver(kTimeoutMs));
+  ExpectPoseFrom([&] { return messages.Write(pose_); });
 }
 
 TEST_F(ConnectionTest, LastMessageBeforeTheCompanionEndsIsTaken) {
   Connect();
   const std::size_t poses = PosesSent();
-  ASSERT_TRUE(server.Send(bench::EncodeQuaternionAndPosition({}, {})));
+  ASSERT_TRUE(server.Send(pose_));
   server.Close();
   EXPECT_TRUE(WaitFor([&] { return PosesSent() == poses + 1; }));
 }

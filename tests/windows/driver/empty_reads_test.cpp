@@ -32,7 +32,7 @@ TEST_F(EmptyReadsTest, DoNotKeepTheReaderFromEnding) {
   std::future<void> cleanup;
   {
     const ModuleImport empty(module.Handle(), "ReadFile", reinterpret_cast<void*>(&ReadNothing));
-    Send(bench::EncodeQuaternionAndPosition({}, {}));  // ends the read that has begun
+    Send(companion::EncodeQuaternionAndPosition({}, {}));  // ends the read that has begun
     ASSERT_TRUE(bench::WaitUntil([] { return emptyReads > 100; }, std::chrono::milliseconds(kTimeoutMs)));
     cleanup = std::async(std::launch::async, [this] { Provider().Cleanup(); });
     EXPECT_EQ(cleanup.wait_for(std::chrono::milliseconds(kTimeoutMs)), std::future_status::ready);
@@ -44,7 +44,7 @@ TEST_F(EmptyReadsTest, AreNotTheEndOfTheConnection) {
   Connect();
   {
     const ModuleImport empty(module.Handle(), "ReadFile", reinterpret_cast<void*>(&ReadNothing));
-    Send(bench::EncodeQuaternionAndPosition({}, {}));
+    Send(companion::EncodeQuaternionAndPosition({}, {}));
     ASSERT_TRUE(bench::WaitUntil([] { return emptyReads > 100; }, std::chrono::milliseconds(kTimeoutMs)));
   }
   Fence();

@@ -30,13 +30,13 @@ class NoMemoryTest : public LinkTest {
  protected:
   void SetUp() override {
     Connect();
-    static_cast<void>(SendForPose(bench::EncodeQuaternionAndPosition({}, {})));
+    static_cast<void>(SendForPose(companion::EncodeQuaternionAndPosition({}, {})));
     readerThread = runtime.Poses().Latest(0)->threadId;
   }
   // Sends a record; whether an allocation failed for it.
   bool SendRecord(std::uint32_t controllerId, int allocations) {
     allocationsBeforeFailure = allocations;
-    Send(bench::EncodeControllerUpdate({.controllerId = controllerId}));
+    Send(companion::EncodeControllerUpdate({.controllerId = controllerId}));
     Fence();
     return allocationsBeforeFailure.exchange(-1) < 0;
   }

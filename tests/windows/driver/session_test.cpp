@@ -34,7 +34,7 @@ class SessionTest : public LinkTest {
   static constexpr std::uint32_t kController = 2;
 
   vr::ITrackedDeviceServerDriver& AddController() {
-    Send(bench::EncodeControllerUpdate({.controllerId = 7}));
+    Send(companion::EncodeControllerUpdate({.controllerId = 7}));
     Fence();
     vr::ITrackedDeviceServerDriver& controller = *runtime.Host().Added().back().driver;
     EXPECT_EQ(controller.Activate(kController), vr::VRInitError_None);
@@ -81,7 +81,7 @@ TEST_F(SessionTest, AFrameAsksForEventsOf48BytesAndReportsItsDevices) {
 TEST_F(SessionTest, PassesAPoseOnFromTheLinksThread) {
   Set("RotationOffsetYDeg", 90);
   Connect();
-  const auto sent = SendForPose(bench::EncodeQuaternionAndPosition({}, {0.5F, 1.25F, -2.0F}));
+  const auto sent = SendForPose(companion::EncodeQuaternionAndPosition({}, {0.5F, 1.25F, -2.0F}));
   EXPECT_THAT(sent.vecPosition, ElementsAre(0.5, 1.25, -2.0));
   EXPECT_NEAR(sent.qRotation.y, 0.70710678, 1e-6) << "turned by the user's offset";
   EXPECT_EQ(runtime.Poses().Latest(0)->structSize, 280U);
@@ -92,7 +92,7 @@ TEST_F(SessionTest, PassesAPoseOnFromTheLinksThread) {
 
 TEST_F(SessionTest, PassesAFrameRateOn) {
   Connect();
-  Send(bench::EncodeFramerateUpdate(72));
+  Send(companion::EncodeFramerateUpdate(72));
   EXPECT_TRUE(WaitFor([&] { return runtime.Log().Contains("Updating headset fps, new value: 72.000000 \n"); }));
   EXPECT_EQ(runtime.Properties().Get<float>(bench::FakeProperties::ContainerOf(0), vr::Prop_DisplayFrequency_Float),
             72.0F);
@@ -102,10 +102,10 @@ TEST_F(SessionTest, MovesAndPressesAController) {
   Connect();
   vr::ITrackedDeviceServerDriver& controller = AddController();
   EXPECT_EQ(runtime.Host().Added().back().serial, "OmbrelControllerV02ID7");
-  bench::ControllerRecord record{.controllerId = 7, .pressedButtons = 0x4};
+  companion::ControllerRecord record{.controllerId = 7, .pressedButtons = 0x4};
   record.pose[3] = 1.5F;
   record.axes[1] = {0.25F, 0};
-  Send(bench::EncodeControllerUpdate(record));
+  Send(companion::EncodeControllerUpdate(record));
   Fence();
   const auto container = bench::FakeProperties::ContainerOf(kController);
   EXPECT_EQ(runtime.Poses().Latest(kController)->pose.vecPosition[0], 1.5);
@@ -122,8 +122,8 @@ TEST_F(SessionTest, WritesAVibrationInThreeParts) {
   runtime.Host().PushHaptic(bench::FakeProperties::ContainerOf(kController), 1, 0.1F, 100.0F, 0.5F);
   Provider().RunFrame();
   const auto received = server.Next(kTimeoutMs);
-  ASSERT_TRUE(received && received->message.Is(bench::MessageType::HapticPulse));
-  const auto pulse = bench::DecodeHapticPulse(received->message.payload);
+  ASSERT_TRUE(received && received->message.Is(companion::MessageType::HapticPulse));
+  const auto pulse = companion::DecodeHapticPulse(received->message.payload);
   EXPECT_EQ(pulse->controllerId, 7U);
   EXPECT_EQ(pulse->durationMicroseconds, 100'000 - 65'536);
   const std::lock_guard guard(writesMutex);

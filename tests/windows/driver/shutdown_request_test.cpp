@@ -22,7 +22,7 @@ class ShutdownRequestTest : public LinkTest {
   void SetUp() override { Connect(); }
   // Returns when the driver has done all that it does.
   void RequestShutdown() {
-    Send(bench::EncodeShutdownRequest());
+    Send(companion::EncodeShutdownRequest());
     Fence();
   }
 };

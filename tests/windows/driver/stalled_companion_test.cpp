@@ -32,8 +32,8 @@ class StalledCompanionTest : public DriverTest {
   [[nodiscard]] bool IsConnected() {
     const std::size_t poses = runtime.Poses().Count(0);
     if (!pipes_.WaitForDriver(kTimeoutMs)) return false;
-    if (!pipes_.Write(bench::EncodeControllerUpdate({.controllerId = 7}))) return false;
-    if (!pipes_.Write(bench::EncodeQuaternionAndPosition({}, {}))) return false;
+    if (!pipes_.Write(companion::EncodeControllerUpdate({.controllerId = 7}))) return false;
+    if (!pipes_.Write(companion::EncodeQuaternionAndPosition({}, {}))) return false;
     return runtime.Journal().WaitUntil([&] { return runtime.Poses().Count(0) > poses; },
                                        std::chrono::milliseconds(kTimeoutMs));
   }

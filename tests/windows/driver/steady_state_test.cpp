@@ -79,10 +79,10 @@ class SteadyStateTest : public LinkTest {
   }
   void SendRecords() {
     for (const float pull : {0.25F, 0.75F}) {
-      bench::ControllerRecord record{.controllerId = kController};
-      record.pressedButtons = pull > 0.5F ? bench::ButtonBit(bench::ControllerButton::Trigger) : 0;
+      companion::ControllerRecord record{.controllerId = kController};
+      record.pressedButtons = pull > 0.5F ? companion::ButtonBit(companion::ControllerButton::Trigger) : 0;
       record.axes[0] = record.axes[1] = {pull, -pull};
-      Send(bench::EncodeControllerUpdate(record));
+      Send(companion::EncodeControllerUpdate(record));
     }
     Fence();
   }
@@ -99,13 +99,13 @@ TEST_F(SteadyStateTest, AnAllocationOfTheDriverIsCounted) {
 
 TEST_F(SteadyStateTest, PosesAllocateNothing) {
   EXPECT_EQ(AllocationsOf([this] {
-              Send(bench::EncodeRotationMatrix({}));
-              Send(bench::EncodeSensors({}));
-              Send(bench::EncodeEulerAngles(0.1F, 0.2F, 0.3F, {}));
-              Send(bench::EncodeRotationAndPosition({}, {}));
-              Send(bench::EncodePositionOnly({}));
-              Send(bench::EncodeTrackingState(0));
-              Send(bench::EncodeWithoutPose(bench::PoseFormat::Recenter));
+              Send(companion::EncodeRotationMatrix({}));
+              Send(companion::EncodeSensors({}));
+              Send(companion::EncodeEulerAngles(0.1F, 0.2F, 0.3F, {}));
+              Send(companion::EncodeRotationAndPosition({}, {}));
+              Send(companion::EncodePositionOnly({}));
+              Send(companion::EncodeTrackingState(0));
+              Send(companion::EncodeWithoutPose(companion::PoseFormat::Recenter));
               Fence();
             }),
             0);

@@ -26,10 +26,10 @@ using Clock = std::chrono::steady_clock;
 // Sends poses from a thread of its own for as long as it lives.
 class PoseStream {
  public:
-  explicit PoseStream(bench::PipeServer& server)
+  explicit PoseStream(companion::PipeServer& server)
       : thread_([this, &server] {
           while (!stop_) {
-            static_cast<void>(server.Send(bench::EncodeQuaternionAndPosition({}, {})));
+            static_cast<void>(server.Send(companion::EncodeQuaternionAndPosition({}, {})));
             std::this_thread::sleep_for(milliseconds(1));
           }
         }) {}

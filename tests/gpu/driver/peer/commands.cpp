@@ -6,7 +6,7 @@ namespace ombrel::test {
 
 using nlohmann::json;
 
-Commands::Commands() : pipes_(bench::PipeServerOptions{}) {
+Commands::Commands() {
   commands_["say hello"] = [](const json&) { return true; };
   AddPipes();
   AddTextures();
@@ -23,7 +23,7 @@ void Commands::AddPipes() {
   commands_["open pipes"] = [this](const json&) { return pipes_.Open(); };
   commands_["close pipes"] = [this](const json&) { return pipes_.Close(), true; };
   commands_["wait for connection"] = [this](const json& its) { return pipes_.WaitForConnection(its.at("timeout")); };
-  commands_["send"] = [this](const json& its) { return pipes_.Send(its.at("bytes").get<bench::Bytes>()); };
+  commands_["send"] = [this](const json& its) { return pipes_.Send(its.at("bytes").get<companion::Bytes>()); };
   commands_["next message"] = [this](const json& its) { return NextMessage(its.at("timeout")); };
 }
 

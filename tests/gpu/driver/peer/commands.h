@@ -26,7 +26,7 @@ class Commands {
   void AddTextures();
   nlohmann::json NextMessage(std::uint32_t timeoutMs);
 
-  bench::PipeServer pipes_;
+  companion::PipeServer pipes_;
   OutputReader outputs_;
   std::map<std::string, Command> commands_;
 };

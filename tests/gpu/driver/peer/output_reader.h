@@ -49,7 +49,7 @@ class OutputReader {
   Microsoft::WRL::ComPtr<ID3D11Device> device_;
   Microsoft::WRL::ComPtr<ID3D11DeviceContext> context_;
   std::vector<Output> outputs_;
-  bench::SharedBlock block_;
+  companion::SharedBlock block_;
 };
 
 }  // namespace ombrel::test

@@ -73,12 +73,12 @@ std::string Companion::ReadLine() {
 bool Companion::OpenPipes() { return Do({{"do", "open pipes"}}); }
 void Companion::ClosePipes() { Do({{"do", "close pipes"}}); }
 bool Companion::WaitForConnection() { return Do({{"do", "wait for connection"}, {"timeout", kPatienceMs}}); }
-bool Companion::Send(const bench::Bytes& bytes) { return Do({{"do", "send"}, {"bytes", bytes}}); }
+bool Companion::Send(const companion::Bytes& bytes) { return Do({{"do", "send"}, {"bytes", bytes}}); }
 
-std::optional<bench::Message> Companion::NextMessage(std::uint32_t timeoutMs) {
+std::optional<companion::Message> Companion::NextMessage(std::uint32_t timeoutMs) {
   const json answer = Do({{"do", "next message"}, {"timeout", timeoutMs}});
   if (!answer.is_object()) return std::nullopt;
-  return bench::Message{answer.at("type"), answer.at("payload").get<bench::Bytes>()};
+  return companion::Message{answer.at("type"), answer.at("payload").get<companion::Bytes>()};
 }
 
 void Companion::Attach(const std::vector<std::uint64_t>& handles, const std::string& block) {
@@ -97,7 +97,7 @@ HRESULT Companion::Acquire(int texture, std::uint32_t timeoutMs, std::uint64_t k
 
 HRESULT Companion::Release(int texture) { return Do({{"do", "release"}, {"texture", texture}}); }
 
-bench::PoseSlot Companion::Slot(int texture) { return Do({{"do", "slot"}, {"texture", texture}}); }
+companion::PoseSlot Companion::Slot(int texture) { return Do({{"do", "slot"}, {"texture", texture}}); }
 
 std::vector<std::string> Companion::Look(int texture, const std::vector<Area>& areas) {
   if (const HRESULT result = Acquire(texture, kPatienceMs); result != S_OK) {

@@ -8,9 +8,9 @@ void LinkTest::Connect() {
   ASSERT_TRUE(server.WaitForConnection(kTimeoutMs));
 }
 
-void LinkTest::Send(const bench::Bytes& bytes) { ASSERT_TRUE(server.Send(bytes)); }
+void LinkTest::Send(const companion::Bytes& bytes) { ASSERT_TRUE(server.Send(bytes)); }
 
-vr::DriverPose_t LinkTest::SendForPose(const bench::Bytes& message) {
+vr::DriverPose_t LinkTest::SendForPose(const companion::Bytes& message) {
   const std::size_t before = PosesSent();
   Send(message);
   EXPECT_TRUE(WaitFor([&] { return PosesSent() > before; }));
@@ -19,7 +19,7 @@ vr::DriverPose_t LinkTest::SendForPose(const bench::Bytes& message) {
 
 void LinkTest::Fence() {
   const float x = 1000.0F + static_cast<float>(++fences_);
-  Send(bench::EncodeQuaternionAndPosition({}, {x, 0.0F, 0.0F}));
+  Send(companion::EncodeQuaternionAndPosition({}, {x, 0.0F, 0.0F}));
   EXPECT_TRUE(WaitFor([&] { return runtime.Poses().Latest(0)->pose.vecPosition[0] == x; }));
 }
 

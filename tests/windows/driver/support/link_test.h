@@ -20,9 +20,9 @@ class LinkTest : public DriverTest {
   void Connect();
 
   // Sends one message, or part of one; the test fails if there is no connection.
-  void Send(const bench::Bytes& bytes);
+  void Send(const companion::Bytes& bytes);
   // Sends a message and returns when the runtime has got the pose that answers it.
-  vr::DriverPose_t SendForPose(const bench::Bytes& message);
+  vr::DriverPose_t SendForPose(const companion::Bytes& message);
   // Returns when everything that was sent so far has been taken in: after a pose of its own, which moves the head.
   void Fence();
 
@@ -33,7 +33,7 @@ class LinkTest : public DriverTest {
   }
   [[nodiscard]] std::size_t PosesSent() { return runtime.Poses().Count(0); }
 
-  bench::PipeServer server{{}};
+  companion::PipeServer server;
 
  private:
   std::uint32_t fences_ = 0;

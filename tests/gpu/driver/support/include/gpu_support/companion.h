@@ -34,8 +34,8 @@ class Companion {
   [[nodiscard]] bool OpenPipes();
   void ClosePipes();
   [[nodiscard]] bool WaitForConnection();
-  [[nodiscard]] bool Send(const bench::Bytes& bytes);
-  [[nodiscard]] std::optional<bench::Message> NextMessage(std::uint32_t timeoutMs);
+  [[nodiscard]] bool Send(const companion::Bytes& bytes);
+  [[nodiscard]] std::optional<companion::Message> NextMessage(std::uint32_t timeoutMs);
 
   // Textures with a keyed mutex, which are then told by their place in the list, and the block of that name, if any.
   void Attach(const std::vector<std::uint64_t>& handles, const std::string& block = {});
@@ -45,7 +45,7 @@ class Companion {
   void Paint(int texture, std::uint8_t pattern);
   HRESULT Acquire(int texture, std::uint32_t timeoutMs, std::uint64_t key = 0);
   HRESULT Release(int texture);
-  [[nodiscard]] bench::PoseSlot Slot(int texture);
+  [[nodiscard]] companion::PoseSlot Slot(int texture);
 
   // Takes the texture as a companion does: waits for it, looks, gives it back. One line for each area that does not show
   // what it should, or what went wrong.
