@@ -26,21 +26,22 @@ void PlayAlong(DriverLife& life, int frames) {
   }
 }
 
-// A companion that is there, and speaks, long before the headset is activated.
+// A companion that is there, and speaks, while the headset is not activated.
+void PlayInactive(ScenarioRun& run, DriverLife& life, FrameCompanion& companion) {
+  life.Init();
+  run.Check(companion.Connect(), "the driver connects");
+  const PoseStream poses(companion.Pipes());
+  PlayAlong(life, run.Rounds(600, 20));
+}
+
 void ActivationLate(ScenarioRun& run) {
   DriverLife life(run);
-  life.Init();
   FrameCompanion companion;
-  run.Check(companion.Connect(), "the driver connects");
-  {
-    const PoseStream poses(companion.Pipes());
-    PlayAlong(life, run.Rounds(600, 20));
-  }
+  PlayInactive(run, life, companion);
   companion.Pipes().Flush();
   run.Check(!companion.TakeAnnouncement(0), "no frame comes before the activation");
   life.ActivatePending();
-  const std::string fault = PlayFrames(life, companion, 3);
-  run.Check(fault.empty(), "frames come: " + fault);
+  CheckFrames(run, life, companion, 3);
   run.Check(PoseArrives(life, companion.Pipes(), 5), "poses arrive");
 }
 
@@ -51,20 +52,16 @@ void ActivationTwice(ScenarioRun& run) {
   CheckConnection(run, life, companion);
   for (int again = 0; again < 3; ++again) {
     run.calls.Timed("Activate", [&] { return life.Headset().Activate(0); });
-    const std::string fault = PlayFrames(life, companion, 3);
-    run.Check(fault.empty(), "frames come after another activation: " + fault);
+    CheckFrames(run, life, companion, 3);
   }
   run.Check(PoseArrives(life, companion.Pipes(), 5), "poses arrive");
 }
 
 void ActivationNever(ScenarioRun& run) {
   DriverLife life(run);
-  life.Init();
   {
     FrameCompanion companion;
-    run.Check(companion.Connect(), "the driver connects");
-    const PoseStream poses(companion.Pipes());
-    PlayAlong(life, run.Rounds(600, 20));
+    PlayInactive(run, life, companion);
     run.Check(WaitUntil([&] { return life.Pose().poseIsValid; }, milliseconds(kPatienceMs)), "the headset has a pose");
     run.Check(life.runtime.Poses().Count() == 0, "the runtime gets no pose of a headset that it has not activated");
   }
@@ -144,8 +141,7 @@ void EveryCallVirtual(ScenarioRun& run) {
   FrameCompanion companion;
   CheckConnection(run, life, companion);
   for (int more = run.Rounds(25, 1); more > 0 && run.Failures().empty(); --more) {
-    const std::string fault = PlayFrames(life, companion, run.Rounds(20, 5));
-    run.Check(fault.empty(), "frames come: " + fault);
+    CheckFrames(run, life, companion, run.Rounds(20, 5));
   }
   for (int frame = 0; frame < 20; ++frame) {
     float seconds = 0;

@@ -16,9 +16,9 @@ namespace bench::scenarios {
 // How much of a connection is played: each has what those before it have.
 enum class BareParts { kPipes, kTextures, kFrames };
 
-// The system calls that a connection costs a driver, on a driver's threads, with nothing of a driver around them: both
-// pipes, a thread that reads and one that announces, and two shared textures for each connection; a block of memory and two mutexes for all of
-// them. What grows with it belongs to the system or to the stand-ins. One thread.
+// The control of the growth scenarios: the system calls that a connection costs a driver, on a driver's threads, and no
+// more. For each connection both pipes, a reader and a writer thread and two shared textures; for all of them a block
+// of shared memory and two mutexes. What grows with it belongs to the system or to the stand-ins. One thread.
 class BareLink {
  public:
   explicit BareLink(BareParts parts);

@@ -13,7 +13,7 @@ using namespace companion;
 
 namespace {
 
-// The driver waits longer, which makes no call more.
+// Shorter than the driver's, which makes no call more.
 constexpr DWORD kRetryMs = 10;
 constexpr DWORD kSecondPipeDelayMs = 10;
 constexpr DWORD kBlockBytes = 128;
@@ -82,7 +82,7 @@ void BareLink::EndConnection() {
   } while (WaitForSingleObject(writer_.Get(), 2) != WAIT_OBJECT_0);
   writer_.Reset();
   toCompanion_.Reset();
-  // A cancel between two reads cancels nothing.
+  // Race: CancelIoEx between two reads cancels nothing, so it is repeated until the thread has gone.
   do {
     CancelIoEx(fromCompanion_.Get(), nullptr);
   } while (WaitForSingleObject(reader_.Get(), 2) != WAIT_OBJECT_0);

@@ -4,9 +4,10 @@
 #include <dxgi.h>
 #include <wrl/client.h>
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
+
+#include "bare/frame_calls.h"
 
 namespace bench::scenarios {
 
@@ -22,34 +23,20 @@ class BareOutputs {
   // Draws a layer into the held output, gives it away, and takes and clears the other one.
   void HandOver();
 
-  [[nodiscard]] std::size_t Held() const { return held_; }
+  [[nodiscard]] std::size_t Held() const { return outputs_.held; }
   // As they are announced.
   [[nodiscard]] std::uint32_t SharedHandle(std::size_t index) const;
 
  private:
-  struct Output {
-    Microsoft::WRL::ComPtr<ID3D11Texture2D> texture;
-    Microsoft::WRL::ComPtr<IDXGIKeyedMutex> mutex;
-    Microsoft::WRL::ComPtr<ID3D11RenderTargetView> view;
-  };
   void MakeShaders();
   void MakeSource();
   [[nodiscard]] bool MakeOutput(Output& output);
   [[nodiscard]] bool MakeState();
-  void DrawLayer();
-  void Fill(ID3D11Buffer* buffer, const std::array<float, 4>& content);
-  void Clear();
 
   Microsoft::WRL::ComPtr<ID3D11Device> device_;
-  Microsoft::WRL::ComPtr<ID3D11DeviceContext> context_;
-  Microsoft::WRL::ComPtr<ID3D11VertexShader> vertexShader_;
-  Microsoft::WRL::ComPtr<ID3D11PixelShader> pixelShader_;
-  Microsoft::WRL::ComPtr<ID3D11ShaderResourceView> source_;
-  std::array<Output, 2> outputs_;
-  Microsoft::WRL::ComPtr<ID3D11Buffer> bounds_, parameters_;
-  Microsoft::WRL::ComPtr<ID3D11BlendState> premultiplied_, opaque_;
-  Microsoft::WRL::ComPtr<ID3D11SamplerState> sampler_;
-  std::size_t held_ = 0;
+  LayerCalls layer_;
+  Microsoft::WRL::ComPtr<ID3D11BlendState> unused_;  // the driver makes one for premultiplied layers, too
+  OutputPair outputs_;
 };
 
 }  // namespace bench::scenarios

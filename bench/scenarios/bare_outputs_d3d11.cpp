@@ -1,9 +1,9 @@
 #include "bare_outputs.h"
 
 #include <cfloat>
-#include <cstring>
 #include <string_view>
 
+#include "runtime/small_picture.h"
 #include "scene_shaders.h"
 #include "sharing/sharing_device.h"
 #include "sharing/textures.h"
@@ -13,11 +13,9 @@ namespace {
 
 using Microsoft::WRL::ComPtr;
 
-constexpr UINT64 kKey = 0;
-constexpr DWORD kTimeoutMs = 16;
 constexpr UINT kBufferBytes = 16;
 // As large as the driver's are in the scenarios, and the layers: see DriverLife.
-constexpr UINT kEyeWidth = 500, kHeight = 600;
+constexpr UINT kEyeWidth = kSmallEyeWidth, kEyeHeight = kSmallEyeHeight;
 constexpr UINT kLayerWidth = 32, kLayerHeight = 24;
 
 constexpr std::string_view kShaders = R"(
@@ -43,17 +41,21 @@ float4 PixelMain(Corner corner) : SV_TARGET {
 }  // namespace
 
 BareOutputs::BareOutputs() {
-  RequireOk(CreateSharingDevice(&device_, &context_), "making a device");
+  RequireOk(CreateSharingDevice(&device_, &layer_.context), "making a device");
   MakeShaders();
   MakeSource();
+  for (std::size_t eye = 0; eye < layer_.viewports.size(); ++eye) {
+    layer_.viewports[eye] = {static_cast<FLOAT>(eye * kEyeWidth), 0, FLOAT{kEyeWidth}, FLOAT{kEyeHeight}, 0, 1};
+  }
 }
 
 void BareOutputs::MakeShaders() {
   const auto vertex = CompileShader(kShaders, "VertexMain", "vs_4_0");
   const auto pixel = CompileShader(kShaders, "PixelMain", "ps_4_0");
-  RequireOk(device_->CreateVertexShader(vertex->GetBufferPointer(), vertex->GetBufferSize(), nullptr, &vertexShader_),
-            "making a vertex shader");
-  RequireOk(device_->CreatePixelShader(pixel->GetBufferPointer(), pixel->GetBufferSize(), nullptr, &pixelShader_),
+  RequireOk(
+      device_->CreateVertexShader(vertex->GetBufferPointer(), vertex->GetBufferSize(), nullptr, &layer_.vertexShader),
+      "making a vertex shader");
+  RequireOk(device_->CreatePixelShader(pixel->GetBufferPointer(), pixel->GetBufferSize(), nullptr, &layer_.pixelShader),
             "making a pixel shader");
 }
 
@@ -61,22 +63,21 @@ void BareOutputs::MakeSource() {
   const auto desc = TextureDescription(kLayerWidth, kLayerHeight, DXGI_FORMAT_R8G8B8A8_UNORM);
   ComPtr<ID3D11Texture2D> texture;
   RequireOk(device_->CreateTexture2D(&desc, nullptr, &texture), "making a layer");
-  RequireOk(device_->CreateShaderResourceView(texture.Get(), nullptr, &source_), "making a layer's view");
+  RequireOk(device_->CreateShaderResourceView(texture.Get(), nullptr, &layer_.source), "making a layer's view");
 }
 
 bool BareOutputs::Make() {
   outputs_ = {};
-  if (!MakeOutput(outputs_[0]) || !MakeOutput(outputs_[1])) return false;
-  context_->Flush();
-  held_ = 0;
-  if (!MakeState() || outputs_[held_].mutex->AcquireSync(kKey, kTimeoutMs) != S_OK) return false;
-  Clear();
+  if (!MakeOutput(outputs_.outputs[0]) || !MakeOutput(outputs_.outputs[1])) return false;
+  layer_.context->Flush();
+  if (!MakeState() || outputs_.Acquire() != S_OK) return false;
+  layer_.Clear(outputs_.Held());
   return true;
 }
 
 bool BareOutputs::MakeOutput(Output& output) {
   const auto desc =
-      TextureDescription(2 * kEyeWidth, kHeight, DXGI_FORMAT_R8G8B8A8_UNORM, D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX);
+      TextureDescription(2 * kEyeWidth, kEyeHeight, DXGI_FORMAT_R8G8B8A8_UNORM, D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX);
   return device_->CreateTexture2D(&desc, nullptr, &output.texture) == S_OK &&
          output.texture.As(&output.mutex) == S_OK &&
          device_->CreateRenderTargetView(output.texture.Get(), nullptr, &output.view) == S_OK;
@@ -104,60 +105,26 @@ bool BareOutputs::MakeState() {
   sampler.MaxAnisotropy = 16;
   sampler.ComparisonFunc = D3D11_COMPARISON_NEVER;
   sampler.MaxLOD = FLT_MAX;
-  HRESULT result = device_->CreateBuffer(&buffer, nullptr, bounds_.ReleaseAndGetAddressOf());
-  if (result == S_OK) result = device_->CreateBuffer(&buffer, nullptr, parameters_.ReleaseAndGetAddressOf());
-  if (result == S_OK) result = device_->CreateBlendState(&blend, premultiplied_.ReleaseAndGetAddressOf());
+  HRESULT result = device_->CreateBuffer(&buffer, nullptr, layer_.bounds.ReleaseAndGetAddressOf());
+  if (result == S_OK) result = device_->CreateBuffer(&buffer, nullptr, layer_.parameters.ReleaseAndGetAddressOf());
+  if (result == S_OK) result = device_->CreateBlendState(&blend, unused_.ReleaseAndGetAddressOf());
   blend.RenderTarget[0].BlendEnable = FALSE;
-  if (result == S_OK) result = device_->CreateBlendState(&blend, opaque_.ReleaseAndGetAddressOf());
-  if (result == S_OK) result = device_->CreateSamplerState(&sampler, sampler_.ReleaseAndGetAddressOf());
-  context_->OMSetBlendState(premultiplied_.Get(), nullptr, 0xFFFFFFFF);
+  if (result == S_OK) result = device_->CreateBlendState(&blend, layer_.blend.ReleaseAndGetAddressOf());
+  if (result == S_OK) result = device_->CreateSamplerState(&sampler, layer_.sampler.ReleaseAndGetAddressOf());
+  layer_.context->OMSetBlendState(unused_.Get(), nullptr, 0xFFFFFFFF);
   return result == S_OK;
 }
 
 void BareOutputs::HandOver() {
-  context_->OMSetBlendState(opaque_.Get(), nullptr, 0xFFFFFFFF);
-  DrawLayer();
-  outputs_[held_].mutex->ReleaseSync(kKey);
-  held_ = 1 - held_;
-  // While the companion reads it, it is not to be had: the next frame then goes nowhere, as the driver's does.
-  static_cast<void>(outputs_[held_].mutex->AcquireSync(kKey, kTimeoutMs));
-  Clear();
-}
-
-void BareOutputs::DrawLayer() {
-  context_->OMSetRenderTargets(1, outputs_[held_].view.GetAddressOf(), nullptr);
-  context_->VSSetShader(vertexShader_.Get(), nullptr, 0);
-  context_->PSSetShader(pixelShader_.Get(), nullptr, 0);
-  context_->PSSetSamplers(0, 1, sampler_.GetAddressOf());
-  Fill(parameters_.Get(), {});
-  context_->PSSetConstantBuffers(1, 1, parameters_.GetAddressOf());
-  for (UINT eye = 0; eye < 2; ++eye) {
-    const auto left = static_cast<FLOAT>(eye * kEyeWidth);
-    const D3D11_VIEWPORT viewport{left, 0.0F, FLOAT{kEyeWidth}, FLOAT{kHeight}, 0.0F, 1.0F};
-    context_->RSSetViewports(1, &viewport);
-    Fill(bounds_.Get(), {0.0F, 0.0F, 1.0F, 1.0F});
-    context_->VSSetConstantBuffers(0, 1, bounds_.GetAddressOf());
-    context_->PSSetShaderResources(0, 1, source_.GetAddressOf());
-    context_->IASetPrimitiveTopology(D3D11_PRIMITIVE_TOPOLOGY_TRIANGLELIST);
-    context_->Draw(3, 0);
-  }
-}
-
-void BareOutputs::Fill(ID3D11Buffer* buffer, const std::array<float, 4>& content) {
-  D3D11_MAPPED_SUBRESOURCE mapped{};
-  if (FAILED(context_->Map(buffer, 0, D3D11_MAP_WRITE_DISCARD, 0, &mapped))) return;
-  std::memcpy(mapped.pData, content.data(), sizeof(content));
-  context_->Unmap(buffer, 0);
-}
-
-void BareOutputs::Clear() {
-  constexpr std::array<float, 4> kBlack{0.0F, 0.0F, 0.0F, 1.0F};
-  context_->OMSetRenderTargets(1, outputs_[held_].view.GetAddressOf(), nullptr);
-  context_->ClearRenderTargetView(outputs_[held_].view.Get(), kBlack.data());
+  layer_.Begin();
+  layer_.Draw(outputs_.Held());
+  // While the companion reads the other, it is not to be had: the next frame then goes nowhere, as the driver's does.
+  outputs_.PassOn();
+  layer_.Clear(outputs_.Held());
 }
 
 std::uint32_t BareOutputs::SharedHandle(std::size_t index) const {
-  return bench::SharedHandle(outputs_[index].texture.Get());
+  return bench::SharedHandle(outputs_.outputs[index].texture.Get());
 }
 
 }  // namespace bench::scenarios

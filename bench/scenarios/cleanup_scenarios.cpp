@@ -58,9 +58,6 @@ void DuringHandOff(ScenarioRun& run, Mode mode) {
   texture.Release();
 }
 
-void DuringHandOffLayers(ScenarioRun& run) { DuringHandOff(run, Mode::kLayers); }
-void DuringHandOffTexture(ScenarioRun& run) { DuringHandOff(run, Mode::kTexture); }
-
 // A finished texture waits for a pose that does not come.
 void DuringWaitForPose(ScenarioRun& run) {
   KeyedTexture texture(*RuntimeDevice().Get(), 1000, 600, DXGI_FORMAT_R8G8B8A8_UNORM);
@@ -86,14 +83,9 @@ void DuringPacing(ScenarioRun& run) {
   EndDuring(run, life, wait);
 }
 
-// Direct3D takes its time over the textures of a new connection.
+// Delays each CreateTexture2D, so that Cleanup meets the set-up of a connection half done.
 class SlowTextures : public DeviceObserver {
  public:
-  SlowTextures() { SetObserver(DeviceGroup::kIntercepted, this); }
-  ~SlowTextures() override { SetObserver(DeviceGroup::kIntercepted, nullptr); }
-  SlowTextures(const SlowTextures&) = delete;
-  SlowTextures& operator=(const SlowTextures&) = delete;
-
   void OnCreateTexture2D(const D3D11_TEXTURE2D_DESC&) override {
     if (!isSlow) return;
     entered = true;
@@ -104,7 +96,7 @@ class SlowTextures : public DeviceObserver {
 };
 
 void DuringSetUp(ScenarioRun& run) {
-  SlowTextures textures;
+  Watching<SlowTextures> textures;
   DriverLife life(run);
   life.Start();
   FrameCompanion companion;
@@ -173,7 +165,8 @@ void AtAnyTime(ScenarioRun& run) {
   run.Figure("%d times", rounds);
 }
 
-// A runtime that unloads the library and forgets Cleanup: the link's threads must not lose the code that they are in.
+// FreeLibrary without Cleanup: the module has to stay loaded while the link's threads run, or they would execute
+// unmapped code.
 void ForgottenCleanup(ScenarioRun& run) {
   DriverLife life(run);
   life.Start();
@@ -185,7 +178,7 @@ void ForgottenCleanup(ScenarioRun& run) {
   run.Check(companion.Connect(), "the link's threads go on and connect");
   run.Check(PoseArrives(life, companion.Pipes(), 5), "a pose arrives");
   run.Figure("a companion is connected and heard after FreeLibrary");
-  HMODULE held = nullptr;  // Cleanup may not lose the code that it is in either
+  HMODULE held = nullptr;  // a reference of our own, so that Cleanup's own code stays mapped until it returns
   GetModuleHandleExA(0, "driver_ombrel.dll", &held);
   life.Cleanup();
   life.Unload();
@@ -194,8 +187,8 @@ void ForgottenCleanup(ScenarioRun& run) {
 }
 
 constexpr std::array kScenarios{
-    Scenario{"cleanup_during_hand_off", DuringHandOffLayers},
-    Scenario{"cleanup_during_hand_off_virtual", DuringHandOffTexture},
+    Scenario{"cleanup_during_hand_off", [](ScenarioRun& run) { DuringHandOff(run, Mode::kLayers); }},
+    Scenario{"cleanup_during_hand_off_virtual", [](ScenarioRun& run) { DuringHandOff(run, Mode::kTexture); }},
     Scenario{"cleanup_during_wait_for_pose", DuringWaitForPose},
     Scenario{"cleanup_during_pacing", DuringPacing},
     Scenario{"cleanup_during_set_up", DuringSetUp},

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "runtime/msvc_calls.h"
+#include "runtime/small_picture.h"
 #include "sharing/sharing_device.h"
 
 namespace bench::scenarios {
@@ -23,19 +24,6 @@ void Intercept(void* module) {
   if (!InterceptModule(static_cast<HMODULE>(module))) throw std::runtime_error("no import of D3D11CreateDevice");
 }
 
-// The smallest picture that the driver makes: 500 by 600 pixels for each eye.
-nlohmann::json SmallPicture(Mode mode) {
-  return {{"driver_ombrel",
-           {{"fakeSensorEnabled", false},
-            {"hmdMode", static_cast<int>(mode)},
-            {"windowWidth", 1000},
-            {"windowHeight", 600},
-            {"renderScale", 100},
-            {"RotationOffsetXDeg", 0},
-            {"RotationOffsetYDeg", 0},
-            {"RotationOffsetZDeg", 0}}}};
-}
-
 }  // namespace
 
 DriverLife::DriverLife(ScenarioRun& run, Mode mode, const AfterLoad& afterLoad)
@@ -47,7 +35,7 @@ DriverLife::DriverLife(ScenarioRun& run, Mode mode, const AfterLoad& afterLoad)
                 if (afterLoad) afterLoad(module);
               }),
       provider_(&module_.Provider()) {
-  runtime.Settings().SetDefaults(SmallPicture(mode));
+  runtime.Settings().SetDefaults(SmallPictureSettings(static_cast<int>(mode)));
   runtime.Journal().LimitMemory(kKept);
   runtime.Poses().LimitMemory(kKept);
   runtime.Input().LimitMemory(kKept);

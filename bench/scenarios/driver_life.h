@@ -57,7 +57,7 @@ class DriverLife {
   [[nodiscard]] const SwapSet& OneSwapSet();
   // Destroys that set and makes another.
   void RenewSwapSet();
-  // Sets that were ever made in this process: each leaves one small block of the driver's memory behind, on purpose.
+  // Sets that were ever made in this process: each leaks one small block (docs/compatibility.md, C41).
   [[nodiscard]] static std::int64_t SetsMade();
   void DestroySwapSet(vr::SharedTextureHandle_t handle);
   // A layer whose pose has `number` in its translation.

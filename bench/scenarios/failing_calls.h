@@ -11,16 +11,21 @@
 
 namespace bench::scenarios {
 
-// Makes calls of the driver's Direct3D devices fail as those of a device that was removed do; whether it was, the device
-// is asked by a call of its own. Watches the devices for as long as it lives. The methods may be called at any time on
-// one thread; the calls come on any.
+// Observes the driver's Direct3D devices for as long as it lives. The most derived class, so that no call reaches an
+// observer that is under construction or half destroyed.
+template <typename Observer>
+class Watching final : public Observer {
+ public:
+  Watching() { SetObserver(DeviceGroup::kIntercepted, this); }
+  ~Watching() override { SetObserver(DeviceGroup::kIntercepted, nullptr); }
+  Watching(const Watching&) = delete;
+  Watching& operator=(const Watching&) = delete;
+};
+
+// Fault injection: calls of the driver's Direct3D devices fail with DXGI_ERROR_DEVICE_REMOVED, with or without
+// GetDeviceRemovedReason saying the same. The methods may be called at any time on one thread; the calls come on any.
 class FailingCalls : public DeviceObserver {
  public:
-  FailingCalls() { SetObserver(DeviceGroup::kIntercepted, this); }
-  ~FailingCalls() override { SetObserver(DeviceGroup::kIntercepted, nullptr); }
-  FailingCalls(const FailingCalls&) = delete;
-  FailingCalls& operator=(const FailingCalls&) = delete;
-
   // All calls of one kind from now on.
   void FailKind(DeviceCall call) { kind_ = static_cast<int>(call); }
   // All calls but the next `count`.

@@ -47,7 +47,7 @@ bool FrameCompanion::Connect() {
 void FrameCompanion::Close() {
   pipes_.Close();
   frames_.Close();
-  // What an earlier connection brought is not to be taken for news of the next.
+  // Drops queued messages: a stale announcement must not pass for the next connection's.
   while (pipes_.Next(0)) {
   }
 }
@@ -100,7 +100,7 @@ std::string PlayLayers(DriverLife& life, FrameCompanion& companion, int count) {
   static float number = 0;
   const auto eye = life.OneSwapSet()[0];
   return TakeFrames(companion, count, [&] {
-    // Not all those numbers are to be told apart, but each from its neighbours.
+    // Wraps round, so that a float holds it exactly; only neighbours have to differ.
     number = number < 1000 ? number + 1 : 1;
     life.SubmitLayer(eye, number);
     life.Present();
@@ -141,11 +141,15 @@ bool PoseArrives(DriverLife& life, PipeServer& pipes, float x) {
   return WaitUntil([&] { return life.Pose().vecPosition[0] == static_cast<double>(x); }, kPatience);
 }
 
+bool CheckFrames(ScenarioRun& run, DriverLife& life, FrameCompanion& companion, int count) {
+  const std::string fault = PlayFrames(life, companion, count);
+  return run.Check(fault.empty(), "frames come: " + fault);
+}
+
 bool CheckConnection(ScenarioRun& run, DriverLife& life, FrameCompanion& companion, int frames) {
   static float x = 1000;
   if (!run.Check(companion.Connect(), "the driver connects to the companion")) return false;
-  const std::string fault = PlayFrames(life, companion, frames);
-  return run.Check(fault.empty(), "frames come: " + fault) &&
+  return CheckFrames(run, life, companion, frames) &&
          run.Check(PoseArrives(life, companion.Pipes(), ++x), "poses arrive");
 }
 

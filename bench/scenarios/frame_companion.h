@@ -67,6 +67,8 @@ class PoseStream {
 // Sends a pose; whether the headset then shows it.
 [[nodiscard]] bool PoseArrives(DriverLife& life, companion::PipeServer& pipes, float x);
 
+// Plays that many frames; a fault fails the scenario.
+bool CheckFrames(ScenarioRun& run, DriverLife& life, FrameCompanion& companion, int count);
 // A fresh companion connects and gets frames and poses through. Notes how long that took.
 void CheckNewCompanion(ScenarioRun& run, DriverLife& life);
 // The same with a companion whose owner goes on with it; false when something failed.

@@ -79,7 +79,7 @@ Growth PlayBareLives(ScenarioRun& run, int rounds) {
 }
 
 void JudgeBeside(ScenarioRun& run, const Growth& driver, const Growth& control, double marginBytes) {
-  // A control that swings upwards by chance must not hide a leak behind it.
+  // Noise in the control's slope must not mask a leak.
   const double faster = driver.BytesPerRound() - std::min(control.BytesPerRound(), marginBytes);
   run.Figure("slope without the driver %.1f bytes a round", control.BytesPerRound());
   if (!run.isLong) return;
@@ -88,8 +88,8 @@ void JudgeBeside(ScenarioRun& run, const Growth& driver, const Growth& control, 
                                        std::to_string(static_cast<long long>(marginBytes)) + " may be chance");
 }
 
-// Wine's Direct3D keeps what a buffer held before each Map that discards it, until there are 16,384 of those: three for
-// each layer. Only then does it use their memory again.
+// Buffer renaming: each Map with WRITE_DISCARD, three for a layer, gets new storage, and Wine's Direct3D reuses old
+// storage only once there are 16,384 pieces of it.
 int FramesToSettle(const ScenarioRun& run) { return run.Rounds(6000, 3); }
 
 }  // namespace bench::scenarios

@@ -22,7 +22,7 @@ namespace {
 constexpr std::int64_t kMiB = 1024 * 1024;
 using std::chrono::milliseconds;
 
-// A few rounds are not enough for the rasterizer and the allocator to settle in.
+// The short form has too few rounds for the rasterizer and the allocator to warm up.
 std::int64_t AllowedWithTextures(const ScenarioRun& run) { return run.Rounds(12, 48) * kMiB; }
 
 Growth PlayConnections(ScenarioRun& run, int rounds) {
@@ -58,7 +58,7 @@ void Control(ScenarioRun& run) {
              textures, slope(BareParts::kFrames));
 }
 
-// One of each message that changes nothing for good.
+// Messages of each kind that leaves no lasting state.
 Bytes MessageBlock(float x) {
   Bytes block;
   const auto add = [&](const Bytes& message) { block.insert(block.end(), message.begin(), message.end()); };
@@ -110,8 +110,7 @@ void Frames(ScenarioRun& run) {
   const std::int64_t begin = NowTicks();
   int frames = 0;
   PlayRounds(run, growth, rounds, [&] {
-    const std::string fault = PlayFrames(life, companion, kFramesInRound);
-    run.Check(fault.empty(), "frames come: " + fault);
+    CheckFrames(run, life, companion, kFramesInRound);
     frames += kFramesInRound;
   });
   const double seconds = TicksToSeconds(NowTicks() - begin);

@@ -47,11 +47,6 @@ void KillAt(ScenarioRun& run, const char* point) {
   CheckNewCompanion(run, life);
 }
 
-void KilledBetweenPipes(ScenarioRun& run) { KillAt(run, "between_pipes"); }
-void KilledInHeader(ScenarioRun& run) { KillAt(run, "in_header"); }
-void KilledInPayload(ScenarioRun& run) { KillAt(run, "in_payload"); }
-void KilledHoldingTexture(ScenarioRun& run) { KillAt(run, "holding_texture"); }
-
 void KilledWhileWriteWaits(ScenarioRun& run) {
   DriverLife& life = DriverLife::Shared(run);
   {
@@ -71,10 +66,10 @@ void KilledWhileWriteWaits(ScenarioRun& run) {
 }
 
 constexpr std::array kScenarios{
-    Scenario{"killed_between_pipes", KilledBetweenPipes, true},
-    Scenario{"killed_in_header", KilledInHeader, true},
-    Scenario{"killed_in_payload", KilledInPayload, true},
-    Scenario{"killed_holding_texture", KilledHoldingTexture, true},
+    Scenario{"killed_between_pipes", [](ScenarioRun& run) { KillAt(run, "between_pipes"); }, true},
+    Scenario{"killed_in_header", [](ScenarioRun& run) { KillAt(run, "in_header"); }, true},
+    Scenario{"killed_in_payload", [](ScenarioRun& run) { KillAt(run, "in_payload"); }, true},
+    Scenario{"killed_holding_texture", [](ScenarioRun& run) { KillAt(run, "holding_texture"); }, true},
     Scenario{"killed_while_write_waits", KilledWhileWriteWaits, true},
 };
 

@@ -23,7 +23,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// In the place of the driver's malloc. Only one allocation fails: the compiler's own runtime cannot throw without any.
+// Fault injection for the driver's malloc. One allocation at a time: throwing bad_alloc allocates as well.
 class FailingMalloc {
  public:
   // From now on the allocation after `count` others fails, counted on one thread or, for thread 0, on all but this one.

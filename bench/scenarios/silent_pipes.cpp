@@ -1,5 +1,6 @@
 #include "silent_pipes.h"
 
+#include <optional>
 #include <stdexcept>
 
 #include "companion/pipe_server.h"
@@ -18,11 +19,20 @@ OwnedHandle MakePipe(const std::string& name, DWORD access, DWORD bufferBytes, b
   return pipe;
 }
 
-// Waits for an operation that was started, and takes it back when the time is up.
-bool Finish(HANDLE pipe, BOOL started, OVERLAPPED& operation, DWORD& transferred, DWORD timeoutMs) {
-  if (!started && GetLastError() != ERROR_IO_PENDING) return false;
-  if (WaitForSingleObject(operation.hEvent, timeoutMs) != WAIT_OBJECT_0) CancelIoEx(pipe, &operation);
-  return GetOverlappedResult(pipe, &operation, &transferred, TRUE) != FALSE;
+// Starts an overlapped operation, waits for it and takes it back when the time is up: the bytes it moved.
+template <typename Start>
+std::optional<DWORD> Finish(const OwnedHandle& pipe, DWORD timeoutMs, Start start) {
+  const OwnedHandle done(CreateEventA(nullptr, TRUE, FALSE, nullptr));
+  OVERLAPPED operation{};
+  operation.hEvent = done.Get();
+  DWORD moved = 0;
+  if (!start(&operation)) {
+    if (GetLastError() == ERROR_PIPE_CONNECTED) return moved;
+    if (GetLastError() != ERROR_IO_PENDING) return std::nullopt;
+  }
+  if (WaitForSingleObject(done.Get(), timeoutMs) != WAIT_OBJECT_0) CancelIoEx(pipe.Get(), &operation);
+  if (!GetOverlappedResult(pipe.Get(), &operation, &moved, TRUE)) return std::nullopt;
+  return moved;
 }
 
 }  // namespace
@@ -39,13 +49,8 @@ SilentPipes::SilentPipes(Which which, std::uint32_t bufferBytes, bool messageTyp
 
 bool SilentPipes::WaitForClient(End& end, std::uint32_t timeoutMs) {
   if (!end.pipe || end.isConnected) return true;
-  const OwnedHandle done(CreateEventA(nullptr, TRUE, FALSE, nullptr));
-  OVERLAPPED operation{};
-  operation.hEvent = done.Get();
-  const BOOL started = ConnectNamedPipe(end.pipe.Get(), &operation);
-  DWORD transferred = 0;
-  end.isConnected = (!started && GetLastError() == ERROR_PIPE_CONNECTED) ||
-                    Finish(end.pipe.Get(), started, operation, transferred, timeoutMs);
+  const auto connect = [&](OVERLAPPED* operation) { return ConnectNamedPipe(end.pipe.Get(), operation); };
+  end.isConnected = Finish(end.pipe, timeoutMs, connect).has_value();
   return end.isConnected;
 }
 
@@ -61,23 +66,18 @@ bool SilentPipes::WaitForDriver(std::uint32_t timeoutMs) {
 }
 
 bool SilentPipes::Write(std::span<const std::uint8_t> bytes, std::uint32_t timeoutMs) {
-  const OwnedHandle done(CreateEventA(nullptr, TRUE, FALSE, nullptr));
-  OVERLAPPED operation{};
-  operation.hEvent = done.Get();
-  const BOOL started =
-      WriteFile(toDriver_.pipe.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), nullptr, &operation);
-  DWORD written = 0;
-  return Finish(toDriver_.pipe.Get(), started, operation, written, timeoutMs) && written == bytes.size();
+  return Finish(toDriver_.pipe, timeoutMs, [&](OVERLAPPED* operation) {
+           return WriteFile(toDriver_.pipe.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), nullptr, operation);
+         }) == bytes.size();
 }
 
 std::size_t SilentPipes::Read(std::span<std::uint8_t> buffer, std::uint32_t timeoutMs) {
-  const OwnedHandle done(CreateEventA(nullptr, TRUE, FALSE, nullptr));
-  OVERLAPPED operation{};
-  operation.hEvent = done.Get();
-  const BOOL started =
-      ReadFile(fromDriver_.pipe.Get(), buffer.data(), static_cast<DWORD>(buffer.size()), nullptr, &operation);
-  DWORD got = 0;
-  return Finish(fromDriver_.pipe.Get(), started, operation, got, timeoutMs) ? got : 0;
+  return Finish(fromDriver_.pipe, timeoutMs,
+                [&](OVERLAPPED* operation) {
+                  return ReadFile(fromDriver_.pipe.Get(), buffer.data(), static_cast<DWORD>(buffer.size()), nullptr,
+                                  operation);
+                })
+      .value_or(0);
 }
 
 }  // namespace bench::scenarios

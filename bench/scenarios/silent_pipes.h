@@ -16,7 +16,8 @@ class SilentPipes {
  public:
   enum class Which { kBoth, kOnlyFromDriver, kOnlyToDriver };
 
-  // `bufferBytes` 0: every write waits for its reader. Throws std::runtime_error when a pipe cannot be made.
+  // `bufferBytes` 0: unbuffered pipes, on which a write blocks until it is read. Throws std::runtime_error when a pipe
+  // cannot be made.
   explicit SilentPipes(Which which = Which::kBoth, std::uint32_t bufferBytes = 65536, bool messageType = false);
 
   // Waits until the driver has opened the pipe (the pipes that are there).
