@@ -5,16 +5,10 @@
 #include <wrl/client.h>
 
 #include <array>
-#include <cstddef>
+
+#include "bare/frame_calls.h"
 
 namespace bench::speed {
-
-// An output texture of the driver's, as its device sees it.
-struct Output {
-  Microsoft::WRL::ComPtr<ID3D11Texture2D> texture;
-  Microsoft::WRL::ComPtr<IDXGIKeyedMutex> mutex;
-  Microsoft::WRL::ComPtr<ID3D11RenderTargetView> view;  // only where layers are drawn
-};
 
 // The Direct3D calls of one frame made of layers and no others, on the driver's own device and with its own objects:
 // they are read back from its context, as a frame of one texture for both eyes left them bound. The driver must not be
@@ -29,20 +23,9 @@ class BareLayerFrames {
   void Run(HANDLE syncTexture, int layers);
 
  private:
-  void DrawLayer();
-  void Fill(ID3D11Buffer* buffer, const std::array<float, 4>& content);
-
-  Microsoft::WRL::ComPtr<ID3D11DeviceContext> context_;
+  LayerCalls layer_;
   Microsoft::WRL::ComPtr<ID3D11Device> device_;
-  Microsoft::WRL::ComPtr<ID3D11VertexShader> vertexShader_;
-  Microsoft::WRL::ComPtr<ID3D11PixelShader> pixelShader_;
-  Microsoft::WRL::ComPtr<ID3D11SamplerState> sampler_;
-  Microsoft::WRL::ComPtr<ID3D11BlendState> blend_;
-  Microsoft::WRL::ComPtr<ID3D11Buffer> bounds_, parameters_;
-  Microsoft::WRL::ComPtr<ID3D11ShaderResourceView> source_;
-  std::array<D3D11_VIEWPORT, 2> viewports_{};
-  std::array<Output, 2> outputs_;
-  std::size_t held_ = 1;
+  OutputPair outputs_{.outputs = {}, .held = 1};
 };
 
 // The same of a frame that is one copy.
@@ -55,8 +38,7 @@ class BareTextureFrames {
  private:
   Microsoft::WRL::ComPtr<ID3D11DeviceContext> context_;
   Microsoft::WRL::ComPtr<ID3D11Device> device_;
-  std::array<Output, 2> outputs_;
-  std::size_t held_ = 0;
+  OutputPair outputs_;
 };
 
 // Throws std::runtime_error when it has no keyed mutex.

@@ -1,6 +1,5 @@
 #include "bare_frames.h"
 
-#include <cstring>
 #include <stdexcept>
 
 namespace bench::speed {
@@ -11,12 +10,23 @@ using Microsoft::WRL::ComPtr;
 constexpr UINT64 kKey = 0;
 constexpr DWORD kTimeoutMs = 16;
 
-ComPtr<ID3D11Texture2D> Open(ID3D11Device& device, HANDLE handle) {
-  ComPtr<ID3D11Resource> resource;
-  ComPtr<ID3D11Texture2D> texture;
-  if (SUCCEEDED(device.OpenSharedResource(handle, IID_PPV_ARGS(&resource)))) resource.As(&texture);
-  return texture;
-}
+// The runtime's texture of that handle, with its keyed mutex.
+class HeldTexture {
+ public:
+  HeldTexture(ID3D11Device& device, HANDLE handle) {
+    ComPtr<ID3D11Resource> resource;
+    if (FAILED(device.OpenSharedResource(handle, IID_PPV_ARGS(&resource))) || FAILED(resource.As(&texture_)) ||
+        FAILED(texture_.As(&mutex_)) || mutex_->AcquireSync(kKey, kTimeoutMs) != S_OK) {
+      throw std::runtime_error("the baseline cannot have the runtime's texture");
+    }
+  }
+  [[nodiscard]] ID3D11Texture2D* Texture() const { return texture_.Get(); }
+  void Release() const { mutex_->ReleaseSync(kKey); }
+
+ private:
+  ComPtr<ID3D11Texture2D> texture_;
+  ComPtr<IDXGIKeyedMutex> mutex_;
+};
 
 }  // namespace
 
@@ -28,94 +38,58 @@ Output OutputOf(ID3D11Resource& texture) {
   return output;
 }
 
-BareLayerFrames::BareLayerFrames(ID3D11DeviceContext& context) : context_(&context) {
+BareLayerFrames::BareLayerFrames(ID3D11DeviceContext& context) {
   context.GetDevice(&device_);
-  context.VSGetShader(&vertexShader_, nullptr, nullptr);
-  context.PSGetShader(&pixelShader_, nullptr, nullptr);
-  context.PSGetSamplers(0, 1, &sampler_);
+  layer_.context = &context;
+  context.VSGetShader(&layer_.vertexShader, nullptr, nullptr);
+  context.PSGetShader(&layer_.pixelShader, nullptr, nullptr);
+  context.PSGetSamplers(0, 1, &layer_.sampler);
   std::array<FLOAT, 4> factor{};
   UINT mask = 0;
-  context.OMGetBlendState(&blend_, factor.data(), &mask);
-  context.VSGetConstantBuffers(0, 1, &bounds_);
-  context.PSGetConstantBuffers(1, 1, &parameters_);
-  context.PSGetShaderResources(0, 1, &source_);
+  context.OMGetBlendState(&layer_.blend, factor.data(), &mask);
+  context.VSGetConstantBuffers(0, 1, &layer_.bounds);
+  context.PSGetConstantBuffers(1, 1, &layer_.parameters);
+  context.PSGetShaderResources(0, 1, &layer_.source);
   UINT count = 1;
-  context.RSGetViewports(&count, &viewports_[1]);
-  viewports_[0] = viewports_[1];
-  viewports_[0].TopLeftX = 0;
-  if (!vertexShader_ || !pixelShader_ || !sampler_ || !blend_ || !bounds_ || !parameters_ || !source_) {
+  context.RSGetViewports(&count, &layer_.viewports[1]);
+  layer_.viewports[0] = layer_.viewports[1];
+  layer_.viewports[0].TopLeftX = 0;
+  if (!layer_.vertexShader || !layer_.pixelShader || !layer_.sampler || !layer_.blend || !layer_.bounds ||
+      !layer_.parameters || !layer_.source) {
     throw std::runtime_error("the driver has not drawn a layer");
   }
 }
 
 void BareLayerFrames::NoteHeldOutput() {
-  held_ = 1 - held_;
+  outputs_.held = 1 - outputs_.held;
   ComPtr<ID3D11RenderTargetView> view;
-  context_->OMGetRenderTargets(1, &view, nullptr);
+  layer_.context->OMGetRenderTargets(1, &view, nullptr);
   ComPtr<ID3D11Resource> texture;
   if (view) view->GetResource(&texture);
   if (!texture) throw std::runtime_error("the driver has no output bound");
-  outputs_[held_] = OutputOf(*texture.Get());
-  outputs_[held_].view = view;
+  outputs_.Held() = OutputOf(*texture.Get());
+  outputs_.Held().view = view;
 }
 
 void BareLayerFrames::Run(HANDLE syncTexture, int layers) {
-  const ComPtr<ID3D11Texture2D> sync = Open(*device_.Get(), syncTexture);
-  ComPtr<IDXGIKeyedMutex> syncMutex;
-  if (!sync || FAILED(sync.As(&syncMutex)) || syncMutex->AcquireSync(kKey, kTimeoutMs) != S_OK) {
-    throw std::runtime_error("the baseline cannot have the sync texture");
-  }
-  context_->OMSetBlendState(blend_.Get(), nullptr, 0xFFFFFFFF);
-  for (int layer = 0; layer < layers; ++layer) DrawLayer();
-  outputs_[held_].mutex->ReleaseSync(kKey);
-  held_ = 1 - held_;
-  outputs_[held_].mutex->AcquireSync(kKey, kTimeoutMs);
-  constexpr std::array<float, 4> kBlack{0.0F, 0.0F, 0.0F, 1.0F};
-  context_->OMSetRenderTargets(1, outputs_[held_].view.GetAddressOf(), nullptr);
-  context_->ClearRenderTargetView(outputs_[held_].view.Get(), kBlack.data());
-  syncMutex->ReleaseSync(kKey);
-}
-
-void BareLayerFrames::DrawLayer() {
-  context_->OMSetRenderTargets(1, outputs_[held_].view.GetAddressOf(), nullptr);
-  context_->VSSetShader(vertexShader_.Get(), nullptr, 0);
-  context_->PSSetShader(pixelShader_.Get(), nullptr, 0);
-  context_->PSSetSamplers(0, 1, sampler_.GetAddressOf());
-  Fill(parameters_.Get(), {});
-  context_->PSSetConstantBuffers(1, 1, parameters_.GetAddressOf());
-  for (const D3D11_VIEWPORT& viewport : viewports_) {
-    context_->RSSetViewports(1, &viewport);
-    Fill(bounds_.Get(), {0.0F, 0.0F, 1.0F, 1.0F});
-    context_->VSSetConstantBuffers(0, 1, bounds_.GetAddressOf());
-    context_->PSSetShaderResources(0, 1, source_.GetAddressOf());
-    context_->IASetPrimitiveTopology(D3D11_PRIMITIVE_TOPOLOGY_TRIANGLELIST);
-    context_->Draw(3, 0);
-  }
-}
-
-void BareLayerFrames::Fill(ID3D11Buffer* buffer, const std::array<float, 4>& content) {
-  D3D11_MAPPED_SUBRESOURCE mapped{};
-  if (FAILED(context_->Map(buffer, 0, D3D11_MAP_WRITE_DISCARD, 0, &mapped))) return;
-  std::memcpy(mapped.pData, content.data(), sizeof(content));
-  context_->Unmap(buffer, 0);
+  const HeldTexture sync(*device_.Get(), syncTexture);
+  layer_.Begin();
+  for (int layer = 0; layer < layers; ++layer) layer_.Draw(outputs_.Held());
+  outputs_.PassOn();
+  layer_.Clear(outputs_.Held());
+  sync.Release();
 }
 
 BareTextureFrames::BareTextureFrames(ID3D11DeviceContext& context, const std::array<Output, 2>& outputs)
-    : context_(&context), outputs_(outputs) {
+    : context_(&context), outputs_{.outputs = outputs, .held = 0} {
   context.GetDevice(&device_);
 }
 
 void BareTextureFrames::Run(HANDLE texture) {
-  const ComPtr<ID3D11Texture2D> opened = Open(*device_.Get(), texture);
-  ComPtr<IDXGIKeyedMutex> mutex;
-  if (!opened || FAILED(opened.As(&mutex)) || mutex->AcquireSync(kKey, kTimeoutMs) != S_OK) {
-    throw std::runtime_error("the baseline cannot have the runtime's texture");
-  }
-  context_->CopyResource(outputs_[held_].texture.Get(), opened.Get());
-  mutex->ReleaseSync(kKey);
-  outputs_[held_].mutex->ReleaseSync(kKey);
-  held_ = 1 - held_;
-  outputs_[held_].mutex->AcquireSync(kKey, kTimeoutMs);
+  const HeldTexture opened(*device_.Get(), texture);
+  context_->CopyResource(outputs_.Held().texture.Get(), opened.Texture());
+  opened.Release();
+  outputs_.PassOn();
 }
 
 }  // namespace bench::speed

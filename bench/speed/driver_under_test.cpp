@@ -9,6 +9,8 @@
 #include "companion/controller_record.h"
 #include "companion/messages.h"
 #include "companion/tracking_update.h"
+#include "runtime/runtime_session.h"
+#include "runtime/small_picture.h"
 #include "sharing/import_patch.h"
 #include "sharing/sharing_device.h"
 
@@ -37,22 +39,15 @@ void Prepare(DriverModule::Module module, Graphics graphics) {
 
 }  // namespace
 
-nlohmann::json SettingsOf(int hmdMode) {
-  return {{"driver_ombrel",
-           {{"fakeSensorEnabled", false},
-            {"hmdMode", hmdMode},
-            {"windowWidth", 1000},
-            {"windowHeight", 600},
-            {"renderScale", 100},
-            {"RotationOffsetXDeg", 0},
-            {"RotationOffsetYDeg", 0},
-            {"RotationOffsetZDeg", 0}}}};
-}
-
 DriverUnderTest::DriverUnderTest(const std::filesystem::path& library, Graphics graphics, int hmdMode)
     : module_(std::make_unique<DriverModule>(library,
                                              [graphics](DriverModule::Module module) { Prepare(module, graphics); })) {
-  runtime.Settings().SetDefaults(SettingsOf(hmdMode));
+  runtime.KeepNothing();
+  runtime.Settings().SetDefaults(SmallPictureSettings(hmdMode));
+  runtime.Poses().Listen([this](const PoseRecord& record) {
+    if (onPose) onPose(record.device);
+    if (record.device == vr::k_unTrackedDeviceIndex_Hmd) headX_ = record.pose.vecPosition[0];
+  });
   Require(companion.Open(), "making the pipes");
   Require(module_->Provider().Init(&runtime) == vr::VRInitError_None, "Init");
   Require(Headset().Activate(0) == vr::VRInitError_None, "Activate");
@@ -61,38 +56,30 @@ DriverUnderTest::DriverUnderTest(const std::filesystem::path& library, Graphics 
 
 DriverUnderTest::~DriverUnderTest() { module_->Provider().Cleanup(); }
 
-void* DriverUnderTest::Component(const char* name) {
-  void* component = Headset().GetComponent(name);
-  if (component == nullptr) throw std::runtime_error(std::string("the headset has no ") + name);
-  return component;
-}
+void* DriverUnderTest::Component(const char* name) { return ComponentOf(Headset(), name); }
 
 void DriverUnderTest::Send(std::span<const std::uint8_t> message) { Require(companion.Send(message), "sending"); }
 
 void DriverUnderTest::Fence() {
   const auto x = static_cast<float>(++fences_);
   Send(EncodeQuaternionAndPosition({}, {x, 0.0F, 0.0F}));
-  Require(WaitUntil([&] { return runtime.host.HeadX() == x; }, std::chrono::milliseconds(kPatienceMs)),
-          "waiting for a pose");
+  Require(WaitUntil([&] { return headX_ == x; }, std::chrono::milliseconds(kPatienceMs)), "waiting for a pose");
 }
 
 void DriverUnderTest::AddController(std::uint32_t id) {
   Send(EncodeControllerUpdate({.controllerId = id}));
   Fence();
-  const AddedDevice controller = runtime.host.Added().back();
+  const AddedDevice controller = runtime.Host().Added().back();
   Require(controller.driver->Activate(controller.index) == vr::VRInitError_None, "Activate");
 }
 
 vr::VRInputComponentHandle_t DriverUnderTest::LastScalar() {
-  return runtime.input.Find(FakeProperties::ContainerOf(1), "/input/trigger/value").value().handle;
+  return FakeDriverInput::HandleOf(FakeProperties::ContainerOf(1), "/input/trigger/value");
 }
 
 void DriverUnderTest::SendFrameRate(std::uint32_t framesPerSecond) {
-  const std::size_t before = runtime.Log().Lines().size();
   Send(EncodeFramerateUpdate(framesPerSecond));
-  // The headset speaks of it last.
-  Require(WaitUntil([&] { return runtime.Log().Lines().size() > before; }, std::chrono::milliseconds(kPatienceMs)),
-          "waiting for the frame rate");
+  Fence();
 }
 
 }  // namespace bench::speed

@@ -1,23 +1,20 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <span>
 
-#include <nlohmann/json.hpp>
-
 #include "companion/pipe_server.h"
-#include "quiet_runtime.h"
 #include "runtime/driver_module.h"
+#include "runtime/fake_runtime.h"
 
 namespace bench::speed {
 
 // Which Direct3D the driver gets: none where only messages count.
 enum class Graphics { kNone, kSharing };
-
-// All of the driver's settings, so that none is missing, with the smallest picture that a headset has.
-[[nodiscard]] nlohmann::json SettingsOf(int hmdMode);
 
 // The driver in a session: loaded, activated and connected to a companion in this process, whose program is named as
 // the driver expects the companion's to be. The caller plays the server thread. Throws std::runtime_error when a step
@@ -29,7 +26,7 @@ class DriverUnderTest {
   DriverUnderTest(const DriverUnderTest&) = delete;
   DriverUnderTest& operator=(const DriverUnderTest&) = delete;
 
-  [[nodiscard]] vr::ITrackedDeviceServerDriver& Headset() { return *runtime.host.Added().at(0).driver; }
+  [[nodiscard]] vr::ITrackedDeviceServerDriver& Headset() { return *runtime.Host().Added().at(0).driver; }
   // The headset's component of that name; throws when it has none.
   [[nodiscard]] void* Component(const char* name);
   void Send(std::span<const std::uint8_t> message);
@@ -42,11 +39,15 @@ class DriverUnderTest {
   // Sends the frame rate and returns when the driver has taken it over.
   void SendFrameRate(std::uint32_t framesPerSecond);
 
-  QuietRuntime runtime;
+  // Keeps nothing: recording a call costs more than making it.
+  FakeRuntime runtime;
+  // Called first thing in each TrackedDevicePoseUpdated, with the device. To be set behind a Fence.
+  std::function<void(std::uint32_t device)> onPose;
   companion::PipeServer companion;
 
  private:
   int fences_ = 0;
+  std::atomic<double> headX_ = 0;  // in metres; `onPose` has returned by then
   std::unique_ptr<DriverModule> module_;
 };
 

@@ -12,8 +12,8 @@ struct Plan {
   bool isShort = false;           // a few seconds in all, for a test
 };
 
-// Each measures the driver on the calling thread; where there is a baseline, in turns with it, in blocks, so that both
-// meet the same machine. Throws std::runtime_error when the driver or the baseline cannot be had.
+// Each measures the driver on the calling thread; where there is a baseline, interleaved with it in blocks, so that load
+// and clock frequency drift for both alike. Throws std::runtime_error when the driver or the baseline cannot be had.
 
 // From before a message is written until a pose, or the last input of a record, has come; in microseconds. The baseline
 // reads as many bytes from pipes of its own.

@@ -70,15 +70,15 @@ std::vector<Series> MeasureLatency(const Plan& plan) {
   const Turns turns = plan.isShort ? Turns{6, 40} : Turns{60, 100};
   Arrival arrival;
   DriverUnderTest driver(plan.library, Graphics::kNone);
-  driver.runtime.host.onPose = [&](std::uint32_t device) {
+  driver.onPose = [&](std::uint32_t device) {
     if (device == vr::k_unTrackedDeviceIndex_Hmd) arrival.Note();
   };
   const Send sendPose = [&](int i) { driver.Send(Pose(i)); };
   std::vector<Series> all{TakeTurns("pose latency", turns, arrival, Pose(0).size(), sendPose, Pose)};
 
   driver.AddController(1);
-  driver.runtime.input.onScalar = [&, last = driver.LastScalar()](auto component) {
-    if (component == last) arrival.Note();
+  driver.runtime.Input().onUpdate = [&, last = driver.LastScalar()](const InputUpdate& update) {
+    if (update.handle == last) arrival.Note();
   };
   const Send sendRecord = [&](int i) { driver.Send(Record(i)); };
   all.push_back(TakeTurns("controller latency", turns, arrival, Record(0).size(), sendRecord, Record));

@@ -9,6 +9,7 @@
 #include "clocks.h"
 #include "driver_under_test.h"
 #include "experiments.h"
+#include "runtime/small_picture.h"
 #include "sharing/import_patch.h"
 
 namespace bench::speed {
@@ -50,8 +51,9 @@ struct Start {
 };
 
 Start TimeStart(const std::filesystem::path& library) {
-  QuietRuntime runtime;
-  runtime.Settings().SetDefaults(SettingsOf(0));
+  FakeRuntime runtime;
+  runtime.KeepNothing();
+  runtime.Settings().SetDefaults(SmallPictureSettings(0));
   std::int64_t patching = 0;
   deviceNanoseconds = 0;
   const std::int64_t begin = WallNanoseconds();

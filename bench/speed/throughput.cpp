@@ -15,7 +15,7 @@ using namespace companion;
 namespace {
 
 // Counts the runtime's pose calls, and takes the processor time of the thread that makes them from the first to the
-// last. The time that passes would hold every pause that a busy machine makes.
+// last. Wall time would include every preemption on a busy machine.
 class CallMeter {
  public:
   void Expect(int calls) {
@@ -42,7 +42,7 @@ class CallMeter {
   int calls_ = 0, seen_ = 0;
 };
 
-// As many messages as fill the pipe's buffer, in one write: reading them costs the driver little then.
+// As many messages as fill the pipe's buffer, in one write: the cost of ReadFile is amortized over all of them.
 Bytes Fill(const std::function<Bytes(int)>& message, int* count) {
   constexpr std::size_t kPipeBytes = 60'000;
   Bytes piece;
@@ -104,7 +104,7 @@ constexpr Format kFormats[] = {
 std::vector<Series> MeasureFormats(const Plan& plan) {
   CallMeter meter;
   DriverUnderTest driver(plan.library, Graphics::kNone);
-  driver.runtime.host.onPose = [&](std::uint32_t) { meter.Note(); };
+  driver.onPose = [&](std::uint32_t) { meter.Note(); };
   Series series{"decoding", "ns", {}};
   for (int i = 0; i < (plan.isShort ? 20 : 200); ++i) {
     for (const Format& format : kFormats) series.Add(format.name, {Measure(driver, meter, format.message)});
@@ -115,7 +115,7 @@ std::vector<Series> MeasureFormats(const Plan& plan) {
 std::vector<Series> MeasureControllers(const Plan& plan) {
   CallMeter meter;
   DriverUnderTest driver(plan.library, Graphics::kNone);
-  driver.runtime.host.onPose = [&](std::uint32_t) { meter.Note(); };
+  driver.onPose = [&](std::uint32_t) { meter.Note(); };
   Series series{"controllers", "ns", {}};
   std::uint32_t known = 0;
   // A runtime takes no more than 63 devices beside the headset.
