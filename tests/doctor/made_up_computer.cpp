@@ -8,6 +8,8 @@ namespace ombrel::doctor::test {
 
 namespace fs = std::filesystem;
 
+using ombrel::test::FromEnvironment;
+
 void MadeUpComputer::SetUp() {
   ForgetInstalledRuntime();
   for (const char* program : {"vrpathreg.exe", "vrserver.exe"}) {
@@ -61,8 +63,9 @@ void MadeUpComputer::StartCompanion(const std::string& name) {
   companion_ = std::make_unique<bench::ChildProcess>(program);
 }
 
-Outcome MadeUpComputer::RunDoctor(const std::string& arguments) const {
-  return RunCommandLine("\"" + TextOf(driver + "/bin/win64/ombrel_doctor.exe") + "\" --no-pause " + arguments, At(""));
+MadeUpComputer::Outcome MadeUpComputer::RunDoctor(const std::string& arguments) const {
+  return ombrel::test::RunCommandLine(
+      "\"" + TextOf(driver + "/bin/win64/ombrel_doctor.exe") + "\" --no-pause " + arguments, At(""));
 }
 
 std::vector<std::string> MadeUpComputer::Found() const {
@@ -77,7 +80,7 @@ std::vector<std::string> MadeUpComputer::Found() const {
 std::map<std::string, std::string> MadeUpComputer::Files() const {
   std::map<std::string, std::string> files;
   for (const fs::directory_entry& entry : fs::recursive_directory_iterator(At(""))) {
-    if (entry.is_regular_file()) files[ToUtf8(entry.path())] = ReadAll(entry.path());
+    if (entry.is_regular_file()) files[ombrel::test::ToUtf8(entry.path())] = ombrel::test::ReadAll(entry.path());
   }
   return files;
 }

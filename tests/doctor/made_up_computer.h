@@ -16,17 +16,12 @@
 
 namespace ombrel::doctor::test {
 
-using ombrel::test::FromEnvironment;
-using ombrel::test::Outcome;
-using ombrel::test::ReadAll;
-using ombrel::test::RunCommandLine;
-using ombrel::test::ScratchFolder;
-using ombrel::test::ToUtf8;
-
 // A runtime, a companion and the driver's folder on a disk, all below one new folder, with the doctor in its place. As
 // made it is sound. Paths are UTF-8, relative to that folder.
-class MadeUpComputer : public testing::Test, protected ScratchFolder {
+class MadeUpComputer : public testing::Test, protected ombrel::test::ScratchFolder {
  protected:
+  using Outcome = ombrel::test::Outcome;
+
   void SetUp() override;
   void TearDown() override { ForgetInstalledRuntime(); }
 

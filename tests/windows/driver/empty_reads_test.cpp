@@ -1,4 +1,4 @@
-// Reads that bring nothing, one after the other, as a companion can cause them by writing empty messages.
+// Reads that complete with 0 bytes, one after the other: a companion causes them by zero-byte writes.
 #include <gmock/gmock.h>
 
 #include <windows.h>

@@ -1,4 +1,4 @@
-// A companion that takes nothing of what is written to it.
+// Back pressure: a companion that does not read its pipe.
 #include <gmock/gmock.h>
 
 #include <chrono>
