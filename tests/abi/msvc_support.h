@@ -12,7 +12,7 @@
 
 namespace ombrel::test {
 
-// Room for a structure result, with bytes around it that nobody may touch.
+// Room for a structure result between guard bytes.
 template <typename Result>
 class GuardedResult {
  public:

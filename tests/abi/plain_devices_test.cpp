@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <openvr_driver.h>
 
+#include "idle_driver/idle_driver.h"
 #include "msvc_side/calls.h"
 #include "msvc_support.h"
 #include "plain_devices.h"
@@ -33,23 +34,10 @@ TEST(PlainDeviceTest, DistortionOfAPlainMinGwBuildNeverArrivesAndTheDisplayIsOve
   EXPECT_NE(room, before);
 }
 
-// The same device against the header that MinGW builds of the driver use.
-class HelpedDevice final : public vr::ITrackedDeviceServerDriver {
- public:
-  vr::EVRInitError Activate(uint32_t) override { return vr::VRInitError_None; }
-  void Deactivate() override {}
-  void EnterStandby() override {}
-  void* GetComponent(const char*) override { return nullptr; }
-  void DebugRequest(const char*, char*, uint32_t) override {}
-  vr::DriverPose_t* GetPose(vr::DriverPose_t* result) override {
-    *result = {};
-    result->vecPosition[0] = kX;
-    return result;
-  }
-};
-
+// Against the header that MinGW builds of the driver use.
 TEST(PlainDeviceTest, PoseOfAHelpedMinGwBuildArrives) {
-  HelpedDevice device;
+  IdleDevice device;
+  device.givenPose.vecPosition[0] = kX;
   GuardedResult<vr::DriverPose_t> pose;
   MsvcDeviceGetPose(static_cast<vr::ITrackedDeviceServerDriver*>(&device), pose.Address());
   EXPECT_EQ(pose.Value().vecPosition[0], kX);

@@ -20,8 +20,8 @@ namespace {
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 
-constexpr Pixel kRed = {255, 0, 0, 255};
-constexpr Pixel kBlue = {0, 0, 255, 255};
+constexpr Rgba kRed = {255, 0, 0, 255};
+constexpr Rgba kBlue = {0, 0, 255, 255};
 
 // Left red, right blue.
 class FlatPainter : public FramePainter {
@@ -40,8 +40,8 @@ class FlatPainter : public FramePainter {
   std::vector<EyeView> views;
 
  private:
-  static Microsoft::WRL::ComPtr<ID3D11Texture2D> Flat(ID3D11Device& device, const Pixel& colour) {
-    const std::vector<Pixel> pixels(std::size_t{ToyHeadset::kWidth} * ToyHeadset::kHeight, colour);
+  static Microsoft::WRL::ComPtr<ID3D11Texture2D> Flat(ID3D11Device& device, const Rgba& colour) {
+    const std::vector<Rgba> pixels(std::size_t{ToyHeadset::kWidth} * ToyHeadset::kHeight, colour);
     const D3D11_SUBRESOURCE_DATA data = {pixels.data(), 4 * ToyHeadset::kWidth, 0};
     D3D11_TEXTURE2D_DESC description{};
     description.Width = ToyHeadset::kWidth;

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "picture_target.h"
+#include "picture/read_image.h"
 #include "runtime/display_geometry.h"
 #include "sharing/sharing_device.h"
 
@@ -31,7 +31,7 @@ class SceneTest : public testing::Test {
   }
 
   // Standing in the middle of the room, turned left and up.
-  PictureCopy Look(double yawDegrees, double pitchDegrees, float side = 0.0F) {
+  Image Look(double yawDegrees, double pitchDegrees, float side = 0.0F) {
     const double yaw = 0.5 * yawDegrees * kDegree;
     const double pitch = 0.5 * pitchDegrees * kDegree;
     const auto turned = runtime::PoseFromQuaternion({std::cos(yaw), 0, std::sin(yaw), 0}, {0, 1.7, 0});
@@ -44,7 +44,7 @@ class SceneTest : public testing::Test {
     view.projection = ProjectionMatrix({}, 0.1F, 50.0F);
     view.gammaEncoded = true;
     scene->PaintEye(view);
-    return ReadPixels(*device.Get(), *context.Get(), *texture.Get());
+    return ReadImage(texture.Get());
   }
 
   Microsoft::WRL::ComPtr<ID3D11Device> device;
@@ -59,31 +59,31 @@ constexpr std::uint32_t kWallX = 70;
 constexpr std::uint32_t kWallY = 112;
 
 TEST_F(SceneTest, EachDirectionShowsItsOwnWall) {
-  const Pixel north = Look(0, 0).At(kWallX, kWallY);
+  const Rgba north = Look(0, 0).At(kWallX, kWallY);
   EXPECT_GT(north[2], 2 * north[0]);
-  const Pixel west = Look(90, 0).At(kWallX, kWallY);
+  const Rgba west = Look(90, 0).At(kWallX, kWallY);
   EXPECT_GT(west[1], 2 * west[0]);
-  const Pixel east = Look(-90, 0).At(kWallX, kWallY);
+  const Rgba east = Look(-90, 0).At(kWallX, kWallY);
   EXPECT_GT(east[0], 3 * east[1]);
-  const Pixel south = Look(180, 0).At(kWallX, kWallY);
+  const Rgba south = Look(180, 0).At(kWallX, kWallY);
   EXPECT_GT(south[0], 3 * south[2]);
   EXPECT_GT(south[1], 3 * south[2]);
 }
 
 TEST_F(SceneTest, LookingUpShowsTheCeilingAndDownTheFloor) {
-  const Pixel up = Look(0, 90).At(kSize / 2 + 3, kSize / 2);
+  const Rgba up = Look(0, 90).At(kSize / 2 + 3, kSize / 2);
   EXPECT_GT(up[2], up[1]);
-  const Pixel down = Look(0, -90).At(kSize / 2 + 3, kSize / 2);
+  const Rgba down = Look(0, -90).At(kSize / 2 + 3, kSize / 2);
   EXPECT_NEAR(down[0], down[1], 2);
 }
 
 // The letter of the east wall has its stem on the left and its gaps on the right.
 TEST_F(SceneTest, WallsAreNotMirrored) {
-  const PictureCopy east = Look(-90, 0);
-  const std::uint32_t gapRow = 94;  // between the upper and the middle bar
+  const Image east = Look(-90, 0);
+  const int gapRow = 94;  // between the upper and the middle bar
   std::uint32_t whiteLeft = 0;
   std::uint32_t whiteRight = 0;
-  for (std::uint32_t x = 96; x < 160; ++x) {
+  for (int x = 96; x < 160; ++x) {
     if (east.At(x, gapRow)[1] > 200) {
       ++(x < 128 ? whiteLeft : whiteRight);
     }
@@ -93,17 +93,17 @@ TEST_F(SceneTest, WallsAreNotMirrored) {
 }
 
 TEST_F(SceneTest, TheTwoEyesSeeTheCratesApart) {
-  const PictureCopy left = Look(0, -20, -0.0325F);
-  const PictureCopy right = Look(0, -20, 0.0325F);
-  std::size_t different = 0;
-  for (std::size_t index = 0; index < left.pixels.size(); ++index) {
-    different += left.pixels[index] != right.pixels[index] ? 1U : 0U;
+  const Image left = Look(0, -20, -0.0325F);
+  const Image right = Look(0, -20, 0.0325F);
+  int different = 0;
+  for (int y = 0; y < left.height; ++y) {
+    for (int x = 0; x < left.width; ++x) different += left.At(x, y) != right.At(x, y) ? 1 : 0;
   }
-  EXPECT_GT(different, 500U);
+  EXPECT_GT(different, 500);
 }
 
 TEST_F(SceneTest, MovingPartsAreDrawnWhereTheyAre) {
-  const Pixel before = Look(0, 0).At(kSize / 2, kSize / 2);
+  const Rgba before = Look(0, 0).At(kSize / 2, kSize / 2);
   scene->SetMovingParts([] {
     Mesh mesh;
     runtime::PoseMatrix pose = runtime::IdentityPose();
@@ -112,10 +112,10 @@ TEST_F(SceneTest, MovingPartsAreDrawnWhereTheyAre) {
     AppendBox(mesh, pose, {0.05F, 0.05F, 0.05F}, Surface::Plain, {1.0F, 0.0F, 0.0F});
     return mesh;
   });
-  const PictureCopy after = Look(0, 0);
-  EXPECT_EQ(after.At(kSize / 2, kSize / 2), (Pixel{255, 0, 0, 255}));
+  const Image after = Look(0, 0);
+  EXPECT_EQ(after.At(kSize / 2, kSize / 2), (Rgba{255, 0, 0, 255}));
   EXPECT_NE(before, after.At(kSize / 2, kSize / 2));
-  EXPECT_NE(after.At(kSize / 2 + 20, kSize / 2), (Pixel{255, 0, 0, 255}));
+  EXPECT_NE(after.At(kSize / 2 + 20, kSize / 2), (Rgba{255, 0, 0, 255}));
 }
 
 }  // namespace

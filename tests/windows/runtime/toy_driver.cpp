@@ -2,41 +2,22 @@
 
 #include <cstring>
 
-#include <openvr_driver.h>
+#include "idle_driver/idle_driver.h"
 
 namespace {
 
-class ToyDevice : public vr::ITrackedDeviceServerDriver {
- public:
-  vr::EVRInitError Activate(uint32_t) override { return vr::VRInitError_None; }
-  void Deactivate() override {}
-  void EnterStandby() override {}
-  void* GetComponent(const char*) override { return nullptr; }
-  void DebugRequest(const char*, char*, uint32_t) override {}
-  vr::DriverPose_t* GetPose(vr::DriverPose_t* result) override {
-    *result = {};
-    result->vecPosition[1] = 1.25;
-    return result;
-  }
-};
-
-class ToyProvider : public vr::IServerTrackedDeviceProvider {
+class ToyProvider final : public ombrel::test::IdleProvider {
  public:
   vr::EVRInitError Init(vr::IVRDriverContext* context) override {
     auto* host =
         static_cast<vr::IVRServerDriverHost*>(context->GetGenericInterface(vr::IVRServerDriverHost_Version, nullptr));
+    device_.givenPose.vecPosition[1] = 1.25;
     host->TrackedDeviceAdded("toy", vr::TrackedDeviceClass_Controller, &device_);
     return vr::VRInitError_None;
   }
-  void Cleanup() override {}
-  const char* const* GetInterfaceVersions() override { return nullptr; }
-  void RunFrame() override {}
-  bool ShouldBlockStandbyMode() override { return false; }
-  void EnterStandby() override {}
-  void LeaveStandby() override {}
 
  private:
-  ToyDevice device_;
+  ombrel::test::IdleDevice device_;
 };
 
 ToyProvider provider;

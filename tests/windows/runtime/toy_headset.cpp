@@ -55,10 +55,10 @@ Microsoft::WRL::ComPtr<ID3D11Texture2D> ToyHeadset::CreateTexture(const SwapText
   return texture;
 }
 
-Pixel ToyHeadset::CentreOf(vr::SharedTextureHandle_t handle) {
+Rgba ToyHeadset::CentreOf(vr::SharedTextureHandle_t handle) {
   for (const auto& [known, texture] : swapTextures) {
     if (known == handle) {
-      return ReadPixels(*device.Get(), *context.Get(), *texture.Get()).At(kWidth / 2, kHeight / 2);
+      return ReadImage(texture.Get()).At(kWidth / 2, kHeight / 2);
     }
   }
   return {};
@@ -76,12 +76,12 @@ bool ToyHeadset::TryHold(vr::SharedTextureHandle_t handle) {
   return mutex->AcquireSync(0, 0) == S_OK && mutex->ReleaseSync(0) == S_OK;
 }
 
-PictureCopy ToyHeadset::ReadShared(vr::SharedTextureHandle_t handle) {
+Image ToyHeadset::ReadShared(vr::SharedTextureHandle_t handle) {
   const auto texture = Open(handle);
   Microsoft::WRL::ComPtr<IDXGIKeyedMutex> mutex;
   RequireOk(texture.As(&mutex), "finding the mutex");
   RequireOk(mutex->AcquireSync(0, 1000), "holding the finished texture");
-  PictureCopy copy = ReadPixels(*device.Get(), *context.Get(), *texture.Get());
+  Image copy = ReadImage(texture.Get());
   RequireOk(mutex->ReleaseSync(0), "giving the finished texture back");
   return copy;
 }

@@ -7,16 +7,15 @@
 #include <d3d11.h>
 #include <wrl/client.h>
 
-#include <openvr_driver.h>
-
-#include "picture_target.h"
+#include "idle_driver/idle_driver.h"
+#include "picture/read_image.h"
 #include "sharing/sharing_device.h"
 
 namespace bench {
 
-/// A headset with both ways of taking frames, which writes down what the compositor does with it and looks
-/// at the pictures with a Direct3D device of its own.
-class ToyHeadset : public vr::ITrackedDeviceServerDriver,
+// A headset with both ways of taking frames, which writes down what the compositor does with it and looks
+// at the pictures with a Direct3D device of its own.
+class ToyHeadset : public ombrel::test::IdleDevice,
                    public vr::IVRDisplayComponent,
                    public vr::IVRDriverDirectModeComponent,
                    public vr::IVRVirtualDisplay {
@@ -26,12 +25,7 @@ class ToyHeadset : public vr::ITrackedDeviceServerDriver,
 
   ToyHeadset() { RequireOk(CreateSharingDevice(&device, &context), "making the driver's device"); }
 
-  vr::EVRInitError Activate(uint32_t) override { return vr::VRInitError_None; }
-  void Deactivate() override {}
-  void EnterStandby() override {}
   void* GetComponent(const char* name) override;
-  void DebugRequest(const char*, char*, uint32_t) override {}
-  vr::DriverPose_t* GetPose(vr::DriverPose_t* result) override { return result; }
 
   void GetWindowBounds(int32_t* x, int32_t* y, uint32_t* width, uint32_t* height) override;
   bool IsDisplayOnDesktop() override { return false; }
@@ -94,8 +88,8 @@ class ToyHeadset : public vr::ITrackedDeviceServerDriver,
   std::vector<vr::SharedTextureHandle_t> destroyed;
   std::array<SubmitLayerPerEye_t, 2> layer{};
   vr::HmdMatrix34_t submittedPose{};
-  std::vector<std::array<Pixel, 2>> colours;
-  PictureCopy backbuffer;
+  std::vector<std::array<Rgba, 2>> colours;
+  Image backbuffer;
   vr::PresentInfo_t presentInfo{};
   std::uint32_t presentSize = 0;
   std::uint32_t timingSize = 0;
@@ -103,10 +97,10 @@ class ToyHeadset : public vr::ITrackedDeviceServerDriver,
 
  private:
   Microsoft::WRL::ComPtr<ID3D11Texture2D> CreateTexture(const SwapTextureSetDesc_t& desc);
-  Pixel CentreOf(vr::SharedTextureHandle_t handle);
+  Rgba CentreOf(vr::SharedTextureHandle_t handle);
   Microsoft::WRL::ComPtr<ID3D11Texture2D> Open(vr::SharedTextureHandle_t handle);
   bool TryHold(vr::SharedTextureHandle_t handle);
-  PictureCopy ReadShared(vr::SharedTextureHandle_t handle);
+  Image ReadShared(vr::SharedTextureHandle_t handle);
 
   Microsoft::WRL::ComPtr<ID3D11Device> device;
   Microsoft::WRL::ComPtr<ID3D11DeviceContext> context;

@@ -13,11 +13,11 @@ class IdleDevice : public vr::ITrackedDeviceServerDriver {
   void* GetComponent(const char*) override { return nullptr; }
   void DebugRequest(const char*, char*, uint32_t) override {}
   vr::DriverPose_t* GetPose(vr::DriverPose_t* result) override {
-    *result = pose;
+    *result = givenPose;
     return result;
   }
 
-  vr::DriverPose_t pose{};
+  vr::DriverPose_t givenPose{};
 };
 
 class IdleProvider : public vr::IServerTrackedDeviceProvider {
