@@ -28,15 +28,7 @@ void Require(bool condition, const char* what) {
 }  // namespace
 
 DriverTest::DriverTest(int hmdMode) : module_(std::make_unique<bench::DriverModule>(DriverPath(), Intercept)) {
-  runtime.Settings().SetDefaults({{"driver_ombrel",
-                                   {{"fakeSensorEnabled", false},
-                                    {"hmdMode", hmdMode},
-                                    {"windowWidth", 2 * kEyeWidth},
-                                    {"windowHeight", kEyeHeight},
-                                    {"renderScale", 100},
-                                    {"RotationOffsetXDeg", 0},
-                                    {"RotationOffsetYDeg", 0},
-                                    {"RotationOffsetZDeg", 0}}}});
+  runtime.Settings().SetDefaults(bench::SmallPictureSettings(hmdMode));
 }
 
 DriverTest::~DriverTest() { Cleanup(); }
@@ -105,14 +97,8 @@ bool DriverTest::SendFrameRate(std::uint32_t framesPerSecond) {
 }
 
 Area EyeMiddle(int eye, const bench::Rgba& rgba, int tolerance) {
-  constexpr int kRim = 30;
-  return {.name = eye == 0 ? "left eye" : "right eye",
-          .x = eye * 500 + kRim,
-          .y = kRim,
-          .width = 500 - 2 * kRim,
-          .height = 600 - 2 * kRim,
-          .rgba = rgba,
-          .tolerance = tolerance};
+  return EyeArea(eye == 0 ? "left eye" : "right eye", eye, bench::kSmallEyeWidth, bench::kSmallEyeHeight, 30, rgba,
+                 tolerance);
 }
 
 }  // namespace ombrel::test

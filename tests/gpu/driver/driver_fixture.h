@@ -18,6 +18,7 @@
 #include "runtime/driver_module.h"
 #include "runtime/fake_runtime.h"
 #include "runtime/msvc_calls.h"
+#include "runtime/small_picture.h"
 
 namespace ombrel::test {
 
@@ -25,11 +26,11 @@ using std::chrono::milliseconds;
 
 inline constexpr milliseconds kPatience{20'000};
 
-// The driver's library with a stand-in of the runtime in this process and a companion in another. The headset is made
-// as small as it can be: 500 by 600 pixels for each eye.
+// The driver's library with a stand-in of the runtime in this process and a companion in another. The headset has
+// the smallest picture.
 class DriverTest : public testing::Test {
  protected:
-  static constexpr int kEyeWidth = 500, kEyeHeight = 600;
+  static constexpr int kEyeWidth = bench::kSmallEyeWidth, kEyeHeight = bench::kSmallEyeHeight;
   static constexpr DXGI_FORMAT kFormat = DXGI_FORMAT_R8G8B8A8_UNORM;
 
   explicit DriverTest(int hmdMode);

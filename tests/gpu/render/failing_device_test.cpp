@@ -90,7 +90,7 @@ TEST_F(FailingDeviceTest, OutputsWithoutAKeyedMutexCanNeitherBeHadNorReleased) {
 TEST_F(FailingDeviceTest, ATextureOfTheRuntimeWithoutAKeyedMutexIsCopiedAsItIs) {
   ASSERT_TRUE(Start());
   const auto texture = runtime.MakeShared(64, 48, DXGI_FORMAT_R8G8B8A8_UNORM, D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX);
-  // Who asked for the mutex would not get it.
+  // Held elsewhere, so that an acquire would time out.
   ASSERT_EQ(texture.keyedMutex->AcquireSync(0, 0), S_OK);
   ASSERT_TRUE(renderer->AcquireOutput(0, kTimeoutMs));
   calls.Clear();

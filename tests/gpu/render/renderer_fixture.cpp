@@ -61,14 +61,7 @@ void ExpectTexture(const D3D11_TEXTURE2D_DESC& desc, UINT width, UINT height, in
 }
 
 Area Middle(const std::string& name, int eye, const bench::Rgba& rgba, int tolerance) {
-  constexpr int kRim = 4;
-  return {.name = name,
-          .x = eye * 64 + kRim,
-          .y = kRim,
-          .width = 64 - 2 * kRim,
-          .height = 48 - 2 * kRim,
-          .rgba = rgba,
-          .tolerance = tolerance};
+  return EyeArea(name, eye, 64, 48, 4, rgba, tolerance);
 }
 
 }  // namespace ombrel::test

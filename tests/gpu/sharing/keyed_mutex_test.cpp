@@ -16,6 +16,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
+std::future<HRESULT> AcquireOnAnotherThread(IDXGIKeyedMutex* mutex, UINT64 key, DWORD timeoutMs) {
+  return std::async(std::launch::async, [=] { return mutex->AcquireSync(key, timeoutMs); });
+}
+
 // One shared texture with a keyed mutex, on two devices.
 class KeyedMutexTest : public testing::Test {
  protected:
@@ -39,6 +43,14 @@ class KeyedMutexTest : public testing::Test {
     ASSERT_NE(opener, nullptr);
   }
 
+  // The opener's wait for that key goes on for `time`, and ends when the maker releases it.
+  void ExpectToWaitForKey(UINT64 key, DWORD timeoutMs, std::chrono::milliseconds time) {
+    ASSERT_EQ(maker->AcquireSync(0, 0), S_OK);
+    auto waiter = AcquireOnAnotherThread(opener.Get(), key, timeoutMs);
+    EXPECT_EQ(waiter.wait_for(time), std::future_status::timeout);
+    ASSERT_EQ(maker->ReleaseSync(key), S_OK);
+    EXPECT_EQ(waiter.get(), S_OK);
+  }
   void DropMaker() {
     maker.Reset();
     made.Reset();
@@ -54,10 +66,6 @@ class KeyedMutexTest : public testing::Test {
 
 std::optional<Side> KeyedMutexTest::makerSide;
 std::optional<Side> KeyedMutexTest::openerSide;
-
-std::future<HRESULT> AcquireOnAnotherThread(IDXGIKeyedMutex* mutex, UINT64 key, DWORD timeoutMs) {
-  return std::async(std::launch::async, [=] { return mutex->AcquireSync(key, timeoutMs); });
-}
 
 void PassOn(IDXGIKeyedMutex* mutex, UINT64 key, UINT64 nextKey) {
   EXPECT_EQ(mutex->AcquireSync(key, kLongMs), S_OK);
@@ -94,13 +102,7 @@ TEST_F(KeyedMutexTest, GoesOnlyToWhoAsksForTheKeyOfTheRelease) {
   EXPECT_EQ(opener->AcquireSync(7, 0), S_OK);
 }
 
-TEST_F(KeyedMutexTest, WakesAWaiterWhenItsKeyIsReleased) {
-  ASSERT_EQ(maker->AcquireSync(0, 0), S_OK);
-  auto waiter = AcquireOnAnotherThread(opener.Get(), 3, kLongMs);
-  EXPECT_EQ(waiter.wait_for(100ms), std::future_status::timeout);
-  ASSERT_EQ(maker->ReleaseSync(3), S_OK);
-  EXPECT_EQ(waiter.get(), S_OK);
-}
+TEST_F(KeyedMutexTest, WakesAWaiterWhenItsKeyIsReleased) { ExpectToWaitForKey(3, kLongMs, 100ms); }
 
 TEST_F(KeyedMutexTest, HandsOverAtOnceAndNotWhenAWaiterHappensToLook) {
   constexpr auto kLookAgain = 250ms;
@@ -127,13 +129,7 @@ TEST_F(KeyedMutexTest, LeavesAWaiterForAnotherKeyWaiting) {
   EXPECT_EQ(waiter.get(), kTimeout);
 }
 
-TEST_F(KeyedMutexTest, WaitsWithoutEndForAnInfiniteTimeout) {
-  ASSERT_EQ(maker->AcquireSync(0, 0), S_OK);
-  auto waiter = AcquireOnAnotherThread(opener.Get(), 0, INFINITE);
-  EXPECT_EQ(waiter.wait_for(300ms), std::future_status::timeout);
-  ASSERT_EQ(maker->ReleaseSync(0), S_OK);
-  EXPECT_EQ(waiter.get(), S_OK);
-}
+TEST_F(KeyedMutexTest, WaitsWithoutEndForAnInfiniteTimeout) { ExpectToWaitForKey(0, INFINITE, 300ms); }
 
 TEST_F(KeyedMutexTest, LetsTwoWaitingTexturesHaveItOneAfterTheOther) {
   const Side thirdSide;

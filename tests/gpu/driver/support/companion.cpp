@@ -40,6 +40,16 @@ json ToJson(const Area& area) {
 
 }  // namespace
 
+Area EyeArea(const std::string& name, int eye, int width, int height, int rim, const bench::Rgba& rgba, int tolerance) {
+  return {.name = name,
+          .x = eye * width + rim,
+          .y = rim,
+          .width = width - 2 * rim,
+          .height = height - 2 * rim,
+          .rgba = rgba,
+          .tolerance = tolerance};
+}
+
 // When it has answered, the system lists the process under its name.
 Companion::Companion() : process_(ProgramName(), {}, bench::ChildProcess::Output::kPipe) { Do({{"do", "say hello"}}); }
 

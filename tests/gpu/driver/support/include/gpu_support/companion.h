@@ -23,6 +23,10 @@ struct Area {
   int tolerance = 0;         // largest difference of a channel
 };
 
+// An eye's half, of that size, of a picture with both eyes side by side, `rim` pixels away from its edges.
+[[nodiscard]] Area EyeArea(const std::string& name, int eye, int width, int height, int rim, const bench::Rgba& rgba,
+                           int tolerance);
+
 // The companion, as a process of its own named "Ombrel.exe": the environment variable OMBREL_PEER names the program. It
 // does nothing but what it is told here, and compares pixels on its own side. Throws std::runtime_error when it cannot
 // do what it is told. One thread at a time.
