@@ -1,0 +1,124 @@
+// A session of the stand-in runtime with the driver that records what passes between driver and companion.
+#include <chrono>
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <optional>
+#include <stdexcept>
+#include <thread>
+
+#include <windows.h>
+
+#include <CLI/CLI.hpp>
+
+#include "base/child_process.h"
+#include "base/wait.h"
+#include "companion_watch.h"
+#include "device_keeper.h"
+#include "recorder/pipe_recorder.h"
+#include "recorder/texture_recorder.h"
+#include "sharing/sharing_device.h"
+#include "simulation.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using checker::EventKind;
+
+constexpr int kNoCompanion = 4;
+// After the driver has gone, to let go of the block.
+constexpr auto kBlockPatience = 2s;
+
+struct Options {
+  bench::SimulationOptions simulation;
+  std::filesystem::path recording;
+  std::filesystem::path monitor;
+  double waitSeconds = 15;
+};
+
+// The driver's textures, whose device is to be kept: see DeviceKeeper.
+class DriverTextures : public bench::TextureRecorder {
+ public:
+  using TextureRecorder::TextureRecorder;
+  void OnCreateRenderTargetView(ID3D11Resource* resource, const D3D11_RENDER_TARGET_VIEW_DESC* description) override {
+    keeper_.OnCreateRenderTargetView(resource, description);
+  }
+
+ private:
+  bench::DeviceKeeper keeper_;
+};
+
+std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
+  CLI::App app("Plays a session of the runtime with the driver for a companion that runs already, and records it");
+  bench::SimulationOptions& simulation = options.simulation;
+  app.add_option("--driver", simulation.driver, "The driver's folder, or its library")->required();
+  app.add_option("--recording", options.recording, "File for what is recorded")->required();
+  app.add_option("--settings", simulation.settings, "File of settings that lie over the driver's defaults");
+  app.add_option("--seconds", simulation.seconds, "Of frames")->required();
+  app.add_option("--fps", simulation.fps, "Frames per second, instead of the display rate that the driver reports");
+  app.add_option("--haptics", simulation.haptics, "JSON list of pulses, as of runtime_sim");
+  app.add_option("--driver-log", simulation.driverLog, "File for the driver's log");
+  app.add_option("--monitor", options.monitor, "Program that is started for a ShutdownRequest to end");
+  app.add_option("--wait", options.waitSeconds, "Seconds to wait for the companion's process");
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error);
+  }
+  simulation.keepDevices = true;
+  return std::nullopt;
+}
+
+bool BlockExists(const std::string& name) {
+  return static_cast<bool>(bench::OwnedHandle(OpenFileMappingA(FILE_MAP_READ, FALSE, name.c_str())));
+}
+
+void LookForBlock(const std::string& name, const bench::RecordingFile& file) {
+  const bool gone = name.empty() || bench::WaitUntil([&] { return !BlockExists(name); }, kBlockPatience);
+  if (!gone) file.Add(EventKind::kBlockLeft);
+}
+
+int Play(const Options& options, const bench::RecordingFile& file, std::uint32_t companion) {
+  DriverTextures textures(file);
+  std::optional<bench::PipeRecorder> pipes;  // outlives the driver's last call, which is the simulation's
+  bench::Simulation simulation(options.simulation);
+  bench::SetObserver(bench::DeviceGroup::kIntercepted, &textures);
+  pipes.emplace(GetModuleHandleA("driver_ombrel.dll"), file);
+  const bench::CompanionWatch watch(companion, file, [&simulation] { simulation.Stop(); });
+  std::optional<bench::ChildProcess> monitor;
+  if (!options.monitor.empty()) monitor.emplace(options.monitor, std::vector<std::string>{"3600"});
+  std::jthread ending([&](const std::stop_token& stop) {
+    while (monitor && monitor->IsRunning() && !stop.stop_requested()) std::this_thread::sleep_for(20ms);
+    if (!stop.stop_requested() && monitor) simulation.Stop();
+  });
+  const int code = simulation.Run();
+  LookForBlock(pipes->BlockName(), file);
+  return code;
+}
+
+int Record(const Options& options) {
+  const bench::RecordingFile file(options.recording, checker::Side::kDriver);
+  std::uint32_t companion = 0;
+  const auto patience = std::chrono::milliseconds(static_cast<std::int64_t>(options.waitSeconds * 1000));
+  if (!bench::WaitUntil([&] { return (companion = bench::FindCompanion()) != 0; }, patience)) {
+    std::fprintf(stderr, "runtime: no process is named Ombrel.exe\n");
+    file.Add(EventKind::kEnded);
+    return kNoCompanion;
+  }
+  const int code = Play(options, file, companion);
+  file.Add(EventKind::kEnded);
+  return code;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Options options;
+  if (const auto code = ParseOptions(argc, argv, options)) return *code;
+  try {
+    return Record(options);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "runtime: %s\n", error.what());
+    return 1;
+  }
+}
