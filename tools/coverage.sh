@@ -31,9 +31,6 @@ measure() {
   sed -n '/tests passed/,$p' "$folder/tests.log"
 }
 
-case ${1:-} in
-  -h | --help) sed -n '2,4s/^# //p' tools/coverage.sh; exit ;;
-esac
 prepare "${build_packages[@]}" "${display_packages[@]}" "${test_packages[@]}" python3
 wine_prefix=$PWD/$builds/mingw/wine
 [ $# -gt 0 ] || set -- host mingw

@@ -2,6 +2,7 @@
 # Builds the driver and runs a session in each mode of the headset: a stand-in runtime, a stand-in companion, real frames.
 # What came of it is then on a page, out/demo/report.html; the pictures and logs are in out/demo/direct/ and
 # out/demo/virtual/.
+#   tools/demo.sh
 #   tools/demo.sh --preview [--seconds N]: a session to look into with a browser instead (docs/preview.md); prints the
 #   address, and serves it for N seconds or until Ctrl+C
 set -euo pipefail

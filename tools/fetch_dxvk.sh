@@ -2,7 +2,10 @@
 # Fetches a second implementation of Direct3D 11, DXVK for Wine, into third_party/dxvk/, for tests only: one package of
 # one version from the archive that apt already uses, of the release after this one, held against a known hash. Nothing of
 # it is installed. Does nothing when it is there already.
+#   tools/fetch_dxvk.sh
 set -euo pipefail
+# shellcheck source=tools/usage.sh
+. "$(dirname "$0")/usage.sh"
 cd "$(dirname "$0")/.."
 
 release=trixie

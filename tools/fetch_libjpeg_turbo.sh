@@ -2,7 +2,10 @@
 # Fetches the sources of libjpeg-turbo into third_party/libjpeg-turbo/: the upstream archive of Debian's source package,
 # from the archive that apt already uses, held against a known hash. Nothing of it is run or installed. Does nothing when
 # the sources are there already.
+#   tools/fetch_libjpeg_turbo.sh
 set -euo pipefail
+# shellcheck source=tools/usage.sh
+. "$(dirname "$0")/usage.sh"
 cd "$(dirname "$0")/.."
 
 release=bookworm

@@ -1,7 +1,10 @@
 #!/usr/bin/env bash
 # Fetches the driver interface header into third_party/openvr/: one header out of one package of one version,
 # both held against known hashes. Nothing of the package is run. Does nothing when the header is there already.
+#   tools/fetch_openvr.sh
 set -euo pipefail
+# shellcheck source=tools/usage.sh
+. "$(dirname "$0")/usage.sh"
 cd "$(dirname "$0")/.."
 # shellcheck source=tools/npm.sh
 . tools/npm.sh

@@ -1,7 +1,10 @@
 #!/usr/bin/env bash
 # Fetches the chart library of the report's page into third_party/uplot/: three files out of one package of one version,
 # held against a known hash. Nothing of the package is run. Does nothing when they are there already.
+#   tools/fetch_uplot.sh
 set -euo pipefail
+# shellcheck source=tools/usage.sh
+. "$(dirname "$0")/usage.sh"
 cd "$(dirname "$0")/.."
 # shellcheck source=tools/npm.sh
 . tools/npm.sh

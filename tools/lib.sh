@@ -1,9 +1,8 @@
 # Shared by the scripts of this folder, which source it: set-up, building, and what Wine needs.
 # shellcheck shell=bash disable=SC2034
 
-# --help: the comment at the top of the script that sources this.
-case " $* " in *" --help "* | *" -h "*) sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$0" && exit ;; esac
-
+# shellcheck source=tools/usage.sh
+. "$(dirname "${BASH_SOURCE[0]}")/usage.sh"
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit
 
 build_packages=(cmake ninja-build g++-mingw-w64-x86-64-posix wine64

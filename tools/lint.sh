@@ -1,8 +1,11 @@
 #!/usr/bin/env bash
 # Looks at the sources without running them: format, clang-tidy, what each file includes, the shell scripts, the
 # architecture's rules.
-# tools/lint.sh [--fix]: --fix formats the sources in place. What is not installed is left out, and said so.
+#   tools/lint.sh [--fix]
+# --fix formats the sources in place. What is not installed is left out, and said so.
 set -euo pipefail
+# shellcheck source=tools/usage.sh
+. "$(dirname "$0")/usage.sh"
 cd "$(dirname "$0")/.."
 
 folders=(platform driver link shaders render devices hmd companion report bench tests)

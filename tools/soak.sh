@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
 # Plays the long form of all scenarios, or of those named, in an hour at most: faults, long sessions, and what grows.
+#   tools/soak.sh [SCENARIO...]
 # The report is then out/soak/report.md. Each scenario has a process of its own, so that a crash is one failure.
 set -euo pipefail
 # shellcheck source=tools/lib.sh

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
 # Builds everything and runs all tests: natively under sanitizers and a fuzzer, and under Wine what needs Windows.
+#   tools/test.sh
 # build/PRESET/test-results/ keeps what each test found, as JUnit files, and build/PRESET/Testing/Temporary/LastTest.log
 # all that it printed. The last line counts passed, failed and skipped tests.
 set -euo pipefail

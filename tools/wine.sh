@@ -3,6 +3,8 @@
 #   tools/wine.sh [--prefix FOLDER] PROGRAM [ARGUMENT...]
 # Without --prefix, WINEPREFIX names the prefix.
 set -eu
+# shellcheck source=tools/usage.sh
+[ "${1:-}" != --help ] || . "$(dirname "$0")/usage.sh"
 
 if [ "$1" = --prefix ]; then
   WINEPREFIX=$2

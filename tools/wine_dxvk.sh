@@ -3,6 +3,8 @@
 #   tools/wine_dxvk.sh PREFIX DXVK_FOLDER PROGRAM [ARGUMENT...]
 # The prefix is for this alone.
 set -eu
+# shellcheck source=tools/usage.sh
+[ "${1:-}" != --help ] || . "$(dirname "$0")/usage.sh"
 here=$(dirname "$0")
 export WINEPREFIX="$1"
 folder=$2

@@ -7,8 +7,13 @@ when a player binds them; the points are in resources/input/controller_profile.j
 """
 import math
 import pathlib
+import sys
 
-import cairo
+if {"-h", "--help"} & set(sys.argv[1:]):
+    print(__doc__)
+    sys.exit()
+
+import cairo  # only now: help needs none
 
 ICONS = pathlib.Path(__file__).resolve().parents[2] / "resources" / "icons"
 
