@@ -6,6 +6,7 @@
 
 #include "options.h"
 #include "session.h"
+#include "sharing/question.h"
 #include "sharing/sharing_device.h"
 
 namespace {
@@ -28,10 +29,12 @@ Microsoft::WRL::ComPtr<ID3D11Device> MakeDevice() {
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (const auto exitCode = bench::AnswerSharing(argc, argv)) return *exitCode;
   const FineTimer fineTimer;
   bench::Options options;
   if (const auto exitCode = bench::ParseOptions(argc, argv, options)) return *exitCode;
   try {
+    if (options.readFrames) std::printf("companion: %s\n", bench::ChooseSharing(options.sharing).Text().c_str());
     bench::Session session(options, options.readFrames ? MakeDevice() : nullptr);
     return session.Run();
   } catch (const std::exception& error) {

@@ -1,6 +1,7 @@
 #include "options.h"
 
 #include "CLI/CLI.hpp"
+#include "sharing/sharing_option.h"
 
 namespace bench {
 namespace {
@@ -47,6 +48,7 @@ void AddRequirements(CLI::App& app, Options& options) {
 void AddPipes(CLI::App& app, Options& options) {
   app.add_option("--pipe-buffer", options.pipes.bufferBytes, "Bytes of each pipe's buffer");
   app.add_flag("!--no-frames", options.readFrames, "Do not open the output textures");
+  AddSharingOption(app, options.sharing);
 }
 
 }  // namespace

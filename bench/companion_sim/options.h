@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "companion/pipe_server.h"
+#include "sharing/choice.h"
 
 namespace bench {
 
@@ -37,6 +38,7 @@ struct Options {
   std::uint64_t requireNamed = 0;  // pictures that the script names
   std::uint64_t requireHaptics = 0;
   bool readFrames = true;
+  std::optional<Sharing> sharing;  // unset: the machine is asked, if frames are read
   bool printFrames = false;
 
   companion::PipeServerOptions pipes;

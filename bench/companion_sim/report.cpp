@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "nlohmann/json.hpp"
+#include "sharing/choice.h"
 
 namespace bench {
 namespace {
@@ -56,6 +57,7 @@ std::string SummaryLine(const Outcome& outcome) {
 bool WriteSummary(const Options& options, const Outcome& outcome) {
   const nlohmann::ordered_json summary = {
       {"ok", outcome.failures.empty()},
+      {"sharing", NameOf(SharingInUse())},
       {"failures", outcome.failures},
       {"connections", outcome.connections},
       {"seconds", outcome.seconds},

@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include "options.h"
+#include "sharing/question.h"
 #include "simulation.h"
 
 namespace {
@@ -22,11 +23,13 @@ BOOL WINAPI OnConsoleEvent(DWORD) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (const auto code = bench::AnswerSharing(argc, argv)) return *code;
   bench::SimulationOptions options;
   if (const auto code = bench::ParseOptions(argc, argv, options)) {
     return *code;
   }
   try {
+    std::printf("runtime: %s\n", bench::ChooseSharing(options.sharing).Text().c_str());
     bench::Simulation simulation(options);
     running = &simulation;
     SetConsoleCtrlHandler(OnConsoleEvent, TRUE);

@@ -4,6 +4,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include "sharing/sharing_option.h"
+
 namespace bench {
 namespace {
 
@@ -21,6 +23,7 @@ void AddSession(CLI::App& app, SimulationOptions& options) {
   app.add_flag(
       "--keep-devices", options.keepDevices,
       "Never let go of Direct3D devices: for Wine with WINE_D3D_CONFIG=csmt=0x0, which hangs when it destroys them");
+  AddSharingOption(app, options.sharing);
   app.add_option("--haptics", options.haptics,
                  "JSON list of pulses: at, every, controller, duration, frequency, amplitude");
 }

@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <optional>
 
+#include "sharing/choice.h"
+
 namespace bench {
 
 /// How frames are handed to the driver; automatic takes what the headset offers.
@@ -27,6 +29,7 @@ struct SimulationOptions {
   double waitForPoseSeconds = 10.0;
   std::uint64_t requireFrames = 0;
   std::uint64_t requirePoses = 0;
+  std::optional<Sharing> sharing;  ///< unset: the machine is asked
   bool keepDevices = false;
   bool quiet = false;
 };

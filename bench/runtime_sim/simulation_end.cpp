@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "base/clock.h"
+#include "sharing/choice.h"
 #include "simulation.h"
 
 namespace bench {
@@ -68,6 +69,7 @@ void Simulation::WriteSummary() {
   const FrameFigures all = statistics_.All();
   const std::size_t poses = runtime_.Poses().Count(kHead) - headPosesAtStart_;
   const nlohmann::ordered_json summary = {{"mode", modeName_},
+                                          {"sharing", NameOf(SharingInUse())},
                                           {"seconds", secondsRun_},
                                           {"poses", poses},
                                           {"posesPerSecond", static_cast<double>(poses) / secondsRun_},

@@ -191,7 +191,7 @@ constexpr std::array kScenarios{
     Scenario{"cleanup_during_hand_off_virtual", [](ScenarioRun& run) { DuringHandOff(run, Mode::kTexture); }},
     Scenario{"cleanup_during_wait_for_pose", DuringWaitForPose},
     Scenario{"cleanup_during_pacing", DuringPacing},
-    Scenario{"cleanup_during_set_up", DuringSetUp},
+    Scenario{"cleanup_during_set_up", DuringSetUp, false, true},
     Scenario{"cleanup_between_pipes", BetweenPipes},
     Scenario{"cleanup_during_read", DuringRead},
     Scenario{"cleanup_during_dispatch", DuringDispatch},

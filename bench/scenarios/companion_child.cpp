@@ -3,6 +3,8 @@
 #include <atomic>
 #include <stdexcept>
 
+#include "sharing/choice.h"
+
 namespace bench::scenarios {
 namespace {
 
@@ -22,7 +24,7 @@ CompanionChild::CompanionChild(const std::string& program, const std::string& po
     : events_(NextEvents()),
       arrived_(MakeEvent(events_ + "_arrived")),
       wentOn_(MakeEvent(events_ + "_went_on")),
-      process_(program, {point, events_}) {
+      process_(program, {point, events_, "--sharing", NameOf(SharingInUse())}) {
   if (point == "idle" && !WaitUntilArrived(kStartMs)) throw std::runtime_error(program + " does not run");
 }
 

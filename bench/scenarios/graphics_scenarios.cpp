@@ -203,13 +203,14 @@ void DeviceLost(ScenarioRun& run, Mode mode) {
 }
 
 constexpr std::array kScenarios{
-    Scenario{"each_call_fails", EachCallFails, true},
-    Scenario{"each_start_call_fails", EachStartCallFails},
-    Scenario{"calls_fail_from_any_point", [](ScenarioRun& run) { FailFromAnyPoint(run, Mode::kLayers); }},
-    Scenario{"calls_fail_from_any_point_virtual", [](ScenarioRun& run) { FailFromAnyPoint(run, Mode::kTexture); }},
-    Scenario{"device_removed", DeviceRemoved},
-    Scenario{"device_lost", [](ScenarioRun& run) { DeviceLost(run, Mode::kLayers); }},
-    Scenario{"device_lost_virtual", [](ScenarioRun& run) { DeviceLost(run, Mode::kTexture); }},
+    Scenario{"each_call_fails", EachCallFails, true, true},
+    Scenario{"each_start_call_fails", EachStartCallFails, false, true},
+    Scenario{"calls_fail_from_any_point", [](ScenarioRun& run) { FailFromAnyPoint(run, Mode::kLayers); }, false, true},
+    Scenario{"calls_fail_from_any_point_virtual", [](ScenarioRun& run) { FailFromAnyPoint(run, Mode::kTexture); },
+             false, true},
+    Scenario{"device_removed", DeviceRemoved, false, true},
+    Scenario{"device_lost", [](ScenarioRun& run) { DeviceLost(run, Mode::kLayers); }, false, true},
+    Scenario{"device_lost_virtual", [](ScenarioRun& run) { DeviceLost(run, Mode::kTexture); }, false, true},
 };
 
 }  // namespace

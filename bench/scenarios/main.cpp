@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <exception>
-#include <set>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,6 +14,9 @@
 #include "companion_child.h"
 #include "driver_life.h"
 #include "scenario.h"
+#include "scenario_report.h"
+#include "sharing/question.h"
+#include "sharing/sharing_option.h"
 
 namespace {
 
@@ -22,12 +25,14 @@ using bench::scenarios::CallWatch;
 using bench::scenarios::CompanionChild;
 using bench::scenarios::DriverLife;
 using bench::scenarios::Scenario;
+using bench::scenarios::ScenarioReport;
 using bench::scenarios::ScenarioRun;
 
 struct Options {
   bool isLong = false;
   bool list = false;
-  std::string driver, companion, callsFile;
+  std::string driver, companion, callsFile, jsonFile;
+  std::optional<bench::Sharing> sharing;
   std::vector<std::string> names;
 };
 
@@ -40,7 +45,16 @@ LONG WINAPI SayWhatCrashed(EXCEPTION_POINTERS* exception) {
   return EXCEPTION_CONTINUE_SEARCH;
 }
 
-bool Play(const Scenario& scenario, const Options& options, CallWatch& calls) {
+bool IsPlayable(const Scenario& scenario) {
+  return !scenario.answersForDirect3D || bench::SharingInUse() == bench::Sharing::kStandIn;
+}
+
+bool Play(const Scenario& scenario, const Options& options, CallWatch& calls, ScenarioReport& report) {
+  if (!IsPlayable(scenario)) {
+    std::printf("SKIP  %s: only the stand-in's Direct3D can be made to fail\n", scenario.name);
+    report.AddSkipped(scenario.name);
+    return true;
+  }
   ScenarioRun run(calls, options.isLong, options.driver, options.companion);
   playing = scenario.name;
   if (!scenario.usesSharedLife) DriverLife::EndShared();
@@ -61,6 +75,7 @@ bool Play(const Scenario& scenario, const Options& options, CallWatch& calls) {
   std::printf("%s  %s (%.1f s): %s\n", run.Failures().empty() ? "PASS" : "FAIL", scenario.name, seconds,
               run.Figures().c_str());
   std::fflush(stdout);
+  report.Add(scenario.name, run, seconds);
   return run.Failures().empty();
 }
 
@@ -82,13 +97,16 @@ int Run(const Options& options) {
     for (const Scenario& scenario : chosen) std::printf("%s\n", scenario.name);
     return 0;
   }
+  const bench::SharingDecision sharing = bench::ChooseSharing(options.sharing);
+  std::printf("%s\n", sharing.Text().c_str());
+  ScenarioReport report(options.jsonFile, sharing);
   // Wine does not close its registry keys when it unloads this one of the driver's imports, and would let handles grow.
   LoadLibraryA("winmm.dll");
   // The driver does not start without a process of this name.
   const CompanionChild present(options.companion, "idle");
   CallWatch calls;
   const auto failed =
-      std::ranges::count_if(chosen, [&](const Scenario& scenario) { return !Play(scenario, options, calls); });
+      std::ranges::count_if(chosen, [&](const Scenario& scenario) { return !Play(scenario, options, calls, report); });
   DriverLife::EndShared();
   calls.PrintTable();
   std::printf("%zu scenarios, %d failed\n", chosen.size(), static_cast<int>(failed));
@@ -99,6 +117,7 @@ int Run(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (const auto code = bench::AnswerSharing(argc, argv)) return *code;
   Options options;
   CLI::App app("Plays faults and long sessions to the driver");
   app.add_flag("--long", options.isLong, "the long form of each scenario");
@@ -106,6 +125,8 @@ int main(int argc, char** argv) {
   app.add_option("--driver", options.driver, "the driver's library");
   app.add_option("--companion", options.companion, "the program Ombrel.exe of this folder");
   app.add_option("--calls", options.callsFile, "append the table of calls to this file");
+  app.add_option("--json", options.jsonFile, "what came of each scenario, as JSON; written anew after each of them");
+  bench::AddSharingOption(app, options.sharing);
   app.add_option("names", options.names, "scenarios to play; all, if none is named");
   CLI11_PARSE(app, argc, argv);
   SetUnhandledExceptionFilter(SayWhatCrashed);

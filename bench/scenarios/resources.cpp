@@ -137,6 +137,10 @@ void Growth::Judge(ScenarioRun& run, std::int64_t allowedBytes) const {
   run.Figure("driver's blocks %+lld, private KiB %lld %lld, slope %.1f bytes a round",
              number(end.driverBlocks - warm.driverBlocks), number(warm.privateBytes / 1024),
              number(end.privateBytes / 1024), BytesPerRound());
+  run.Compare("threads", warm.threads, end.threads);
+  run.Compare("handles", warm.handles, end.handles);
+  run.Compare("private memory, KiB", warm.privateBytes / 1024, end.privateBytes / 1024);
+  run.Compare("blocks of the driver's heap", 0, end.driverBlocks - warm.driverBlocks);
   // One of the system's own may come late; one for each round would be many more.
   run.Check(Rise(&Held::threads) <= 1, "threads do not grow");
   run.Check(Rise(&Held::handles) <= 2, "handles do not grow");

@@ -6,6 +6,7 @@
 #include "device_state.h"
 #include "shared_texture.h"
 #include "sharing/import_patch.h"
+#include "sharing/textures.h"
 
 #include <wrl/client.h>
 
@@ -44,13 +45,20 @@ struct Request {
   UINT version;
 };
 
-HRESULT CreateAdopted(DeviceGroup group, const Request& request, ID3D11Device** device, D3D_FEATURE_LEVEL* level,
-                      ID3D11DeviceContext** context) {
+constexpr Request kHardware{nullptr, D3D_DRIVER_TYPE_HARDWARE, nullptr, 0, nullptr, 0, D3D11_SDK_VERSION};
+
+HRESULT CreateHost(const Request& request, ID3D11Device** device, D3D_FEATURE_LEVEL* level,
+                   ID3D11DeviceContext** context) {
   static const PFN_D3D11_CREATE_DEVICE create = HostCreateDevice();
   if (create == nullptr) return E_FAIL;
+  return create(request.adapter, request.type, request.software, request.flags, request.levels, request.levelCount,
+                request.version, device, level, context);
+}
+
+HRESULT CreateAdopted(DeviceGroup group, const Request& request, ID3D11Device** device, D3D_FEATURE_LEVEL* level,
+                      ID3D11DeviceContext** context) {
   ComPtr<ID3D11Device> made;
-  const HRESULT result = create(request.adapter, request.type, request.software, request.flags, request.levels,
-                                request.levelCount, request.version, &made, level, nullptr);
+  const HRESULT result = CreateHost(request, &made, level, nullptr);
   if (FAILED(result)) return result;
   if (!Adopt(made.Get(), group)) return E_UNEXPECTED;
   if (context != nullptr) made->GetImmediateContext(context);
@@ -69,25 +77,45 @@ HRESULT WINAPI InterceptedCreateDevice(IDXGIAdapter* adapter, D3D_DRIVER_TYPE ty
   return CreateAdopted(group, request, device, level, context);
 }
 
+// What a real program does where the stand-in copies.
+HRESULT FlushShared(ID3D11Texture2D* texture) {
+  D3D11_TEXTURE2D_DESC description{};
+  texture->GetDesc(&description);
+  if ((description.MiscFlags & D3D11_RESOURCE_MISC_SHARED) == 0) return E_INVALIDARG;
+  ComPtr<ID3D11Device> device;
+  ComPtr<ID3D11DeviceContext> context;
+  texture->GetDevice(&device);
+  device->GetImmediateContext(&context);
+  context->Flush();
+  return S_OK;
+}
+
 }  // namespace
 
+HRESULT CreateDeviceOf(Sharing kind, ID3D11Device** device, ID3D11DeviceContext** context) {
+  if (kind == Sharing::kOwn) return CreateHost(kHardware, device, nullptr, context);
+  return CreateAdopted(DeviceGroup::kOwn, kHardware, device, nullptr, context);
+}
+
 HRESULT CreateSharingDevice(ID3D11Device** device, ID3D11DeviceContext** context) {
-  const Request request{nullptr, D3D_DRIVER_TYPE_HARDWARE, nullptr, 0, nullptr, 0, D3D11_SDK_VERSION};
-  return CreateAdopted(DeviceGroup::kOwn, request, device, nullptr, context);
+  return CreateDeviceOf(SharingInUse(), device, context);
 }
 
 bool InterceptModule(HMODULE module) {
+  if (SharingInUse() == Sharing::kOwn) return true;
   return ReplaceImport(module, "d3d11.dll", "D3D11CreateDevice", reinterpret_cast<void*>(&InterceptedCreateDevice));
 }
 
 bool ShareTexturesOf(ID3D11Device* device) { return Adopt(device, DeviceGroup::kIntercepted); }
 
 HRESULT PublishSharedTexture(ID3D11Texture2D* texture) {
+  if (SharingInUse() == Sharing::kOwn) return FlushShared(texture);
   const auto shared = SharedTextures().Find(texture);
   return shared == nullptr ? E_INVALIDARG : shared->Publish();
 }
 
 HRESULT MarkReadOnly(ID3D11Texture2D* texture) {
+  if (SharingInUse() == Sharing::kOwn) return FindKeyedMutex(texture) ? S_OK : E_INVALIDARG;
   const auto shared = SharedTextures().Find(texture);
   if (shared == nullptr || !shared->HasKeyedMutex()) return E_INVALIDARG;
   shared->MarkReadOnly();

@@ -63,8 +63,8 @@ bool PatchTexture(ID3D11Texture2D* texture) {
 HRESULT CreateHostTexture(ID3D11Device* device, D3D11_TEXTURE2D_DESC description, const D3D11_SUBRESOURCE_DATA* data,
                           ID3D11Texture2D** texture) {
   const InternalCalls scope;
-  constexpr UINT kSharingFlags = D3D11_RESOURCE_MISC_SHARED | D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX;
-  description.MiscFlags &= ~kSharingFlags;
+  constexpr UINT kSharedFlags = D3D11_RESOURCE_MISC_SHARED | D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX;
+  description.MiscFlags &= ~kSharedFlags;
   const HRESULT result = device->CreateTexture2D(&description, data, texture);
   if (FAILED(result) || texture == nullptr) return result;
   return PatchTexture(*texture) ? result : E_UNEXPECTED;

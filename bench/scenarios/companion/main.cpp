@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -14,6 +15,7 @@
 #include "companion/pipe_server.h"
 #include "companion/tracking_update.h"
 #include "sharing/sharing_device.h"
+#include "sharing/sharing_option.h"
 #include "sharing/textures.h"
 #include "silent_pipes.h"
 
@@ -93,10 +95,13 @@ void EndWithInput() {
 
 int main(int argc, char** argv) {
   std::string point;
+  std::optional<bench::Sharing> sharing = bench::Sharing::kStandIn;
   CLI::App app("A companion that lives up to a point and then waits to be killed");
   app.add_option("point", point, "where it stops")->required()->check(CLI::IsMember(kPoints));
   app.add_option("events", events, "what the names of its events begin with")->required();
+  bench::AddSharingOption(app, sharing);
   CLI11_PARSE(app, argc, argv);
+  bench::ChooseSharing(sharing);
   std::thread(EndWithInput).detach();
   kPoints.at(point)();
   return 1;

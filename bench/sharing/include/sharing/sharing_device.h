@@ -1,5 +1,6 @@
 #pragma once
 
+#include "sharing/choice.h"
 #include "sharing/device_group.h"
 
 #include <d3d11.h>
@@ -12,10 +13,16 @@ class DeviceObserver;
 // IDXGIResource::GetSharedHandle, OpenSharedResource and IDXGIKeyedMutex work between the devices of all
 // processes that use this library. Programs call plain Direct3D; README.md says what differs from real sharing.
 //
+// Where ChooseSharing has decided for Direct3D's own sharing, all of this passes through to it: no method and no import
+// is replaced, observers hear of nothing and counters stay 0.
+//
 // All functions may be called from any thread.
 
 // A hardware device with its immediate context, in DeviceGroup::kOwn. Fails as D3D11CreateDevice does.
 [[nodiscard]] HRESULT CreateSharingDevice(ID3D11Device** device, ID3D11DeviceContext** context);
+
+// The same with sharing of that kind, whatever was decided.
+[[nodiscard]] HRESULT CreateDeviceOf(Sharing kind, ID3D11Device** device, ID3D11DeviceContext** context);
 
 // Makes every device that `module` creates from now on through its import of D3D11CreateDevice a sharing
 // device, in DeviceGroup::kIntercepted. False when the module has no such import. A module that was unloaded
@@ -28,7 +35,8 @@ class DeviceObserver;
 
 // For textures made with D3D11_RESOURCE_MISC_SHARED, which have no keyed mutex: makes what this device drew
 // into the texture visible to the other devices. They take it over before their next Draw, DrawIndexed,
-// CopyResource or CopySubresourceRegion that reads the texture. Call it where a real program would Flush.
+// CopyResource or CopySubresourceRegion that reads the texture. Call it where a real program would Flush, which it
+// does with Direct3D's own sharing.
 // E_INVALIDARG for a texture that is not of that kind.
 [[nodiscard]] HRESULT PublishSharedTexture(ID3D11Texture2D* texture);
 

@@ -1,0 +1,42 @@
+#include "scenario_report.h"
+
+#include <fstream>
+#include <stdexcept>
+#include <utility>
+
+namespace bench::scenarios {
+
+ScenarioReport::ScenarioReport(std::filesystem::path file, const SharingDecision& sharing)
+    : file_(std::move(file)),
+      json_({{"sharing", NameOf(sharing.sharing)},
+             {"reason", sharing.reason},
+             {"scenarios", nlohmann::ordered_json::array()}}) {}
+
+void ScenarioReport::Add(const std::string& name, const ScenarioRun& run, double seconds) {
+  auto counts = nlohmann::ordered_json::array();
+  for (const Count& count : run.Counts()) {
+    counts.push_back({{"what", count.what}, {"before", count.before}, {"after", count.after}});
+  }
+  json_["scenarios"].push_back({{"name", name},
+                                {"result", run.Failures().empty() ? "pass" : "fail"},
+                                {"seconds", seconds},
+                                {"figures", run.Figures()},
+                                {"failures", run.Failures()},
+                                {"skipped", run.Skipped()},
+                                {"counts", std::move(counts)}});
+  Write();
+}
+
+void ScenarioReport::AddSkipped(const std::string& name) {
+  json_["scenarios"].push_back({{"name", name}, {"result", "skip"}});
+  Write();
+}
+
+void ScenarioReport::Write() const {
+  if (file_.empty()) return;
+  std::ofstream stream(file_, std::ios::binary | std::ios::trunc);
+  stream << json_.dump(1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+  if (!stream.flush()) throw std::runtime_error("cannot write " + file_.string());
+}
+
+}  // namespace bench::scenarios
