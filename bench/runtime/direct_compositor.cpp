@@ -66,9 +66,11 @@ void DirectCompositor::HandOver(FrameReport& report) {
   component_.GetNextSwapTextureSetIndex(handles, &indices);
   indices_ = {indices[0], indices[1]};
 
+  const std::int64_t begin = NowTicks();
   if (!sync_.Acquire(kSyncTimeout)) {
     throw std::runtime_error("the driver did not give the sync texture back");
   }
+  report.syncWaitTicks = NowTicks() - begin;
   PaintEye(vr::Eye_Left, indices_[0], report.pose);
   PaintEye(vr::Eye_Right, indices_[1], report.pose);
   sync_.Release();

@@ -39,9 +39,11 @@ void VirtualCompositor::PaintEye(vr::EVREye eye, const runtime::PoseMatrix& head
 }
 
 void VirtualCompositor::HandOver(FrameReport& report) {
+  const std::int64_t begin = NowTicks();
   if (!backbuffer_.Acquire(kBackbufferTimeout)) {
     throw std::runtime_error("the driver did not give the finished texture back");
   }
+  report.syncWaitTicks = NowTicks() - begin;
   PaintEye(vr::Eye_Left, report.pose);
   PaintEye(vr::Eye_Right, report.pose);
   backbuffer_.Release();

@@ -40,12 +40,13 @@ void WriteMatrix(std::ofstream& stream, const runtime::PoseMatrix& matrix) {
 }  // namespace
 
 FrameCsv::FrameCsv(const std::filesystem::path& file)
-    : stream_(OpenCsv(file, "frame,qpc,qpc_frequency,presented_qpc,render_qpc,pose_qpc,missed")) {}
+    : stream_(OpenCsv(file, "frame,qpc,qpc_frequency,presented_qpc,render_qpc,pose_qpc,missed,sync_wait")) {}
 
 void FrameCsv::Add(const FrameReport& report) {
   if (stream_.is_open()) {
     stream_ << report.index << ',' << report.presentTicks << ',' << TicksPerSecond() << ',' << report.presentedTicks
-            << ',' << report.renderTicks << ',' << report.poseTicks << ',' << report.missedIntervals;
+            << ',' << report.renderTicks << ',' << report.poseTicks << ',' << report.missedIntervals << ','
+            << report.syncWaitTicks;
     WriteMatrix(stream_, report.pose);
   }
 }

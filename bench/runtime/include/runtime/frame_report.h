@@ -13,6 +13,7 @@ struct FrameReport {
   std::int64_t renderTicks = 0;     // when the pose was taken and rendering began
   std::int64_t presentTicks = 0;    // when Present was called
   std::int64_t presentedTicks = 0;  // when Present came back
+  std::int64_t syncWaitTicks = 0;   // spent waiting for the keyed mutex of the texture that both sides use
   runtime::PoseMatrix pose{};       // the head's pose that was rendered and, in direct mode, submitted
   // Display intervals since the frame before in which nothing was handed to the driver: whole periods
   // between the two Present calls, less the one that belongs to the frame.
