@@ -96,12 +96,26 @@ void AddSpellings(std::vector<std::string>& names, std::wstring name) {
   names.push_back(Utf8(name));
 }
 
-Adapter Described(const DXGI_ADAPTER_DESC1& desc) {
+// As the graphics driver's files have it.
+std::string DriverVersion(IDXGIAdapter& adapter) {
+  LARGE_INTEGER version{};
+  if (FAILED(adapter.CheckInterfaceSupport(__uuidof(IDXGIDevice), &version))) return {};
+  const auto high = static_cast<std::uint32_t>(version.HighPart), low = static_cast<std::uint32_t>(version.LowPart);
+  char text[32];
+  std::snprintf(text, sizeof(text), "%u.%u.%u.%u", high >> 16U, high & 0xFFFFU, low >> 16U, low & 0xFFFFU);
+  return text;
+}
+
+Adapter Described(IDXGIAdapter& adapter, const DXGI_ADAPTER_DESC1& desc) {
   char luid[32];
   std::snprintf(luid, sizeof(luid), "%lX:%lX", static_cast<unsigned long>(desc.AdapterLuid.HighPart),
                 static_cast<unsigned long>(desc.AdapterLuid.LowPart));
-  return {Utf8(desc.Description), luid, (desc.Flags & DXGI_ADAPTER_FLAG_SOFTWARE) != 0,
-          IsPreferredAdapter(desc.Description)};
+  return {Utf8(desc.Description),
+          luid,
+          (desc.Flags & DXGI_ADAPTER_FLAG_SOFTWARE) != 0,
+          IsPreferredAdapter(desc.Description),
+          DriverVersion(adapter),
+          desc.DedicatedVideoMemory >> 20U};
 }
 
 }  // namespace
@@ -125,7 +139,7 @@ std::vector<Adapter> WindowsMachine::Adapters() {
   ComPtr<IDXGIAdapter1> adapter;
   for (UINT i = 0; SUCCEEDED(factory->EnumAdapters1(i, adapter.ReleaseAndGetAddressOf())); ++i) {
     DXGI_ADAPTER_DESC1 desc{};
-    if (SUCCEEDED(adapter->GetDesc1(&desc))) adapters.push_back(Described(desc));
+    if (SUCCEEDED(adapter->GetDesc1(&desc))) adapters.push_back(Described(*adapter.Get(), desc));
   }
   return adapters;
 }

@@ -30,7 +30,9 @@ struct Adapter {
   std::string name;
   std::string luid;
   bool isSoftware = false;
-  bool isPreferred = false;  // by the driver's own rule
+  bool isPreferred = false;        // by the driver's own rule
+  std::string driverVersion = {};  // of its graphics driver; empty when the system does not tell
+  std::uint64_t memoryMiB = 0;     // its own
 };
 
 // How another process's rights compare with ours: a pipe that one of the two makes may be closed to the other.
