@@ -1,5 +1,5 @@
-# What is installed, and the zips. `cmake --install <build folder> --prefix dist` makes dist/ombrel, the folder that a
-# runtime loads the driver from, and dist/symbols; the target dist does so, and packs a zip of each component beside them.
+# What is installed, and the zips. The target dist makes dist/ombrel, the folder that a runtime loads the driver from, and
+# dist/symbols, and packs a zip of each component beside them; dist_all does the same for preview and self-test.
 # The folder dist/ of the sources belongs to the build in the preset's folder; other build folders make their own.
 
 if(PROJECT_BINARY_DIR STREQUAL "${PROJECT_SOURCE_DIR}/build/mingw-release"
@@ -14,7 +14,7 @@ set(CMAKE_INSTALL_MESSAGE NEVER)
 # For Windows' editors and for cmd.exe, which misses labels in files without carriage returns.
 set(with_carriage_returns "${PROJECT_BINARY_DIR}/installed")
 foreach(file resources/windows/check.cmd resources/windows/install.cmd resources/windows/uninstall.cmd
-    THIRD_PARTY_NOTICES.txt)
+    selftest/selftest.cmd THIRD_PARTY_NOTICES.txt)
   cmake_path(GET file FILENAME name)
   configure_file("${PROJECT_SOURCE_DIR}/${file}" "${with_carriage_returns}/${name}" @ONLY NEWLINE_STYLE CRLF)
 endforeach()
@@ -46,6 +46,24 @@ if(TARGET preview)
     DESTINATION ombrel-preview COMPONENT preview)
 endif()
 
+# A driver of its own, as a runtime would load it, with the programs that do so.
+if(TARGET ombrel_selftest)
+  set(selftest ombrel-selftest)
+  install(FILES "${with_carriage_returns}/selftest.cmd" "${with_carriage_returns}/THIRD_PARTY_NOTICES.txt"
+    DESTINATION ${selftest} COMPONENT selftest)
+  install(TARGETS ombrel_selftest runtime_sim scenarios RUNTIME DESTINATION ${selftest}/bin COMPONENT selftest)
+  # Found beside the program that loads it, without a prefix of the compiler.
+  install(PROGRAMS "$<TARGET_FILE:empty_library>" DESTINATION ${selftest}/bin RENAME empty_library.dll COMPONENT selftest)
+  install(TARGETS companion_sim RUNTIME DESTINATION ${selftest}/bin/companion COMPONENT selftest)
+  install(TARGETS scenario_companion RUNTIME DESTINATION ${selftest}/bin/faults COMPONENT selftest)
+  install(FILES "${PROJECT_SOURCE_DIR}/selftest/session.json" DESTINATION ${selftest}/bin COMPONENT selftest)
+  install(FILES "${PROJECT_BINARY_DIR}/report/template.html" DESTINATION ${selftest}/bin COMPONENT selftest)
+  install(TARGETS driver_ombrel RUNTIME DESTINATION ${selftest}/driver/ombrel/bin/win64 COMPONENT selftest)
+  install(FILES "${resources}/driver.vrdrivermanifest" DESTINATION ${selftest}/driver/ombrel COMPONENT selftest)
+  install(DIRECTORY "${resources}/settings" "${resources}/input" DESTINATION ${selftest}/driver/ombrel/resources
+    COMPONENT selftest)
+endif()
+
 # By the lists of this version and of those before it, installing knows the files that only an older version had.
 install(CODE "set(list_of_files \"resources/files-${PROJECT_VERSION}.txt\")" COMPONENT driver)
 install(SCRIPT "${PROJECT_SOURCE_DIR}/cmake/list_installed_files.cmake" COMPONENT driver)
@@ -66,20 +84,44 @@ ombrel_zip(symbols symbols-win64)
 if(TARGET preview)
   ombrel_zip(preview preview-win64)
 endif()
+if(TARGET ombrel_selftest)
+  ombrel_zip(selftest selftest-win64)
+endif()
 set(CPACK_GENERATOR ZIP)
 set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 include(CPack)
 
+# ombrel_dist_command(COMMAND COMPONENT...): lays those out, and packs their zips.
+function(ombrel_dist_command command)
+  list(JOIN ARGN "," components)
+  set(${command} "${CMAKE_COMMAND}" "-DBUILD=${PROJECT_BINARY_DIR}" "-DCONFIG=$<CONFIG>" "-DDIST=${OMBREL_DIST_DIR}"
+    "-DCOMPONENTS=${components}" -P "${PROJECT_SOURCE_DIR}/cmake/make_dist.cmake" PARENT_SCOPE)
+endfunction()
+
+ombrel_dist_command(make_dist driver symbols)
 add_custom_target(dist ALL
-  COMMAND "${CMAKE_COMMAND}" "-DBUILD=${PROJECT_BINARY_DIR}" "-DCONFIG=$<CONFIG>" "-DDIST=${OMBREL_DIST_DIR}"
-    -P "${PROJECT_SOURCE_DIR}/cmake/make_dist.cmake"
-  DEPENDS driver_ombrel VERBATIM COMMENT "Laying out ${OMBREL_DIST_DIR}")
+  COMMAND ${make_dist} DEPENDS driver_ombrel VERBATIM COMMENT "Laying out ${OMBREL_DIST_DIR}")
 if(TARGET ombrel_doctor)
   add_dependencies(dist ombrel_doctor)
 endif()
+
+set(others "")
+set(programs "")
 if(TARGET preview)
-  add_dependencies(dist preview)
+  list(APPEND others preview)
+  list(APPEND programs preview)
+endif()
+if(TARGET ombrel_selftest)
+  list(APPEND others selftest)
+  list(APPEND programs
+    ombrel_selftest runtime_sim companion_sim scenarios scenario_companion empty_library report_template)
+endif()
+if(others)
+  ombrel_dist_command(make_dist ${others})
+  add_custom_target(dist_all ALL COMMAND ${make_dist} VERBATIM COMMENT "Laying out the rest of ${OMBREL_DIST_DIR}")
+  # After dist, and not beside it: both pack in one folder.
+  add_dependencies(dist_all dist ${programs})
 endif()
 set_property(GLOBAL PROPERTY OMBREL_DIST_DLL "${OMBREL_DIST_DIR}/ombrel/bin/win64/driver_ombrel.dll")
 set_property(GLOBAL PROPERTY OMBREL_DIST_ARCHIVE "${OMBREL_DIST_DIR}/ombrel-${PROJECT_VERSION}-win64.zip")

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Makes what is published of the commit that is checked out: tools/release.sh [--twice]
-# out/release/ then holds a zip of the driver, one of its symbols, and SHA256SUMS.
+# out/release/ then holds the zips of the driver, its symbols, the preview and the self-test, and SHA256SUMS.
 # Refuses a tree with changes. The same commit gives the same bytes as long as the compiler is the same; --twice builds in
 # two folders and compares.
 set -euo pipefail
@@ -17,10 +17,10 @@ if [ -n "$(git status --porcelain)" ]; then
 fi
 commit=$(git describe --always --exclude='*' --abbrev=12)
 
-# build_from_nothing FOLDER: the driver alone, in a clone, so that no edit and no file that git ignores goes in; with the
-# commit's time instead of the clock's.
+# build_from_nothing FOLDER: what is published alone, in a clone, so that no edit and no file that git ignores goes in;
+# with the commit's time instead of the clock's.
 build_from_nothing() {
-  local openvr=$PWD/third_party/openvr libjpeg_turbo=$PWD/third_party/libjpeg-turbo
+  local fetched=$PWD/third_party
   rm -rf "$1"
   git clone --quiet --shared --no-checkout . "$1"
   git -C "$1" checkout --quiet --detach "$commit"
@@ -29,10 +29,9 @@ build_from_nothing() {
   say "building $commit in $1"
   (
     cd "$1"
-    cmake --preset mingw-release "-DOMBREL_OPENVR_DIR=$openvr" -DOMBREL_BUILD_BENCH=OFF -DOMBREL_BUILD_TESTS=OFF \
-      -DOMBREL_BUILD_DOCTOR=ON -DOMBREL_BUILD_PREVIEW=ON "-DOMBREL_LIBJPEG_TURBO_DIR=$libjpeg_turbo" \
-      -Wno-dev --log-level=WARNING
-    cmake --build --preset mingw-release --target dist
+    cmake --preset mingw-release "-DOMBREL_OPENVR_DIR=$fetched/openvr" "-DOMBREL_UPLOT_DIR=$fetched/uplot" \
+      "-DOMBREL_LIBJPEG_TURBO_DIR=$fetched/libjpeg-turbo" -DOMBREL_BUILD_TESTS=OFF -Wno-dev --log-level=WARNING
+    cmake --build --preset mingw-release --target dist dist_all
     WINEPREFIX=$PWD/build/mingw-release/wine /usr/lib/wine/wineserver -k || true
   )
 }

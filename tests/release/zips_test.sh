@@ -14,14 +14,14 @@ fail() {
 # pack NAME ZONE
 pack() {
   SOURCE_DATE_EPOCH=1000000000 TZ=$2 cmake "-DBUILD=$build" -DCONFIG=RelWithDebInfo "-DDIST=$work/$1" \
-    -P "$sources/cmake/make_dist.cmake" >/dev/null
+    -DCOMPONENTS=driver,symbols,preview,selftest -P "$sources/cmake/make_dist.cmake" >/dev/null
 }
 
 pack first UTC
 sleep 2 # a zip's times are even seconds
 pack second Asia/Tokyo
 
-for suffix in win64 symbols-win64 preview-win64; do
+for suffix in win64 symbols-win64 preview-win64 selftest-win64; do
   zip=ombrel-$version-$suffix.zip
   cmp "$work/first/$zip" "$work/second/$zip" || fail "$zip is not the same each time"
   mkdir "$work/$suffix"
@@ -29,11 +29,14 @@ for suffix in win64 symbols-win64 preview-win64; do
   notices=$(find "$work/$suffix" -name THIRD_PARTY_NOTICES.txt)
   tr -d '\r' <"${notices:-/dev/null}" | cmp - "$sources/THIRD_PARTY_NOTICES.txt" || fail "$zip has other notices"
 done
-[ "$(find "$work/first" -maxdepth 1 -name '*.zip' | wc -l)" -eq 3 ] || fail "there is a zip that is not looked at"
+[ "$(find "$work/first" -maxdepth 1 -name '*.zip' | wc -l)" -eq 4 ] || fail "there is a zip that is not looked at"
 
 diff -r "$work/win64/ombrel" "$work/first/ombrel" || fail "the driver's zip is not its folder"
 diff -r "$work/preview-win64/ombrel-preview" "$work/first/ombrel-preview" || fail "the preview's zip is not its folder"
 diff -r "$work/symbols-win64/symbols" "$work/first/symbols" || fail "the zip of symbols is not their folder"
+diff -r "$work/selftest-win64/ombrel-selftest" "$work/first/ombrel-selftest" || fail "the self-test's zip is not its folder"
+cmp "$work/win64/ombrel/bin/win64/driver_ombrel.dll" \
+  "$work/selftest-win64/ombrel-selftest/driver/ombrel/bin/win64/driver_ombrel.dll" || fail "the self-test has another driver"
 list=resources/files-$version.txt
 (cd "$work/win64/ombrel" && find . -type f ! -path "./$list" | cut -c 3- | LC_ALL=C sort) >"$work/found"
 tr -d '\r' <"$work/win64/ombrel/$list" | tr '\134' / | LC_ALL=C sort | diff "$work/found" - || fail "$list is not what is there"
