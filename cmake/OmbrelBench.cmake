@@ -11,7 +11,12 @@ function(bench_header_library name folder)
     message(FATAL_ERROR "No folder ${OMBREL_BENCH_INCLUDE_DIR}/${folder}: install the package that holds it, "
                         "name another folder with OMBREL_BENCH_INCLUDE_DIR, or turn OMBREL_BUILD_BENCH off")
   endif()
-  file(CREATE_LINK "${OMBREL_BENCH_INCLUDE_DIR}/${folder}" "${include_dir}/${folder}" SYMBOLIC)
+  if(CMAKE_HOST_WIN32)
+    # Not everybody may make links there, and the folder holds nothing of a system.
+    set(include_dir "${OMBREL_BENCH_INCLUDE_DIR}")
+  else()
+    file(CREATE_LINK "${OMBREL_BENCH_INCLUDE_DIR}/${folder}" "${include_dir}/${folder}" SYMBOLIC)
+  endif()
   add_library(${name} INTERFACE)
   target_include_directories(${name} SYSTEM INTERFACE "${include_dir}")
 endfunction()
