@@ -1,5 +1,8 @@
 #pragma once
 
+#include <d3d11.h>
+#include <wrl/client.h>
+
 #include <functional>
 #include <optional>
 
@@ -11,7 +14,10 @@ namespace preview {
 // The driver's frames, on whichever adapter its textures can be opened. For one thread.
 class FrameSource {
  public:
-  // False when they cannot be opened on any.
+  // Makes a device at once: that takes longer than a driver that has announced its frames likes to wait.
+  FrameSource();
+
+  // False when they cannot be opened on any adapter.
   [[nodiscard]] bool Open(const companion::FrameSharingInfo& info);
   void Close() { reader_.reset(); }
   [[nodiscard]] bool IsOpen() const { return reader_ && reader_->IsOpen(); }
@@ -22,6 +28,9 @@ class FrameSource {
   [[nodiscard]] std::optional<companion::Picture> Pixels() { return reader_->Pixels(); }
 
  private:
+  bool OpenOn(Microsoft::WRL::ComPtr<ID3D11Device> device, const companion::FrameSharingInfo& info);
+
+  Microsoft::WRL::ComPtr<ID3D11Device> device_;  // the last one that served
   std::optional<companion::FrameReader> reader_;
 };
 

@@ -1,5 +1,8 @@
-#include "device.h"
 #include "frame_source.h"
+
+#include <utility>
+
+#include "device.h"
 
 namespace preview {
 namespace {
@@ -9,15 +12,24 @@ constexpr unsigned kMostAdapters = 16;
 
 }  // namespace
 
+FrameSource::FrameSource() : device_(CreateDevice(0)) {}
+
 bool FrameSource::Open(const companion::FrameSharingInfo& info) {
+  if (OpenOn(device_, info)) return true;
+  // The driver is on another adapter, or the device was lost meanwhile.
   for (unsigned candidate = 0; candidate <= kMostAdapters; ++candidate) {
-    auto device = CreateDevice(candidate);
-    if (!device) continue;
-    reader_.emplace(std::move(device));
-    if (SUCCEEDED(reader_->Open(info))) return true;
+    if (OpenOn(CreateDevice(candidate), info)) return true;
   }
   Close();
   return false;
+}
+
+bool FrameSource::OpenOn(Microsoft::WRL::ComPtr<ID3D11Device> device, const companion::FrameSharingInfo& info) {
+  if (!device) return false;
+  reader_.emplace(device);
+  if (FAILED(reader_->Open(info))) return false;
+  device_ = std::move(device);
+  return true;
 }
 
 std::optional<companion::FrameInfo> FrameSource::Next(

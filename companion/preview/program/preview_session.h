@@ -30,9 +30,9 @@ class PreviewSession {
   void Show(const companion::FrameInfo& frame, std::chrono::steady_clock::time_point when);
 
   JpegEncoder encoder_;
+  FrameSource frames_;
   DriverLink link_;
   Server server_;
-  FrameSource frames_;
   bool connected_ = false;
   std::uint32_t connection_ = 0;
   std::uint32_t frameNumber_ = 0;
