@@ -57,7 +57,7 @@ SESSIONS = {
         "P21": ("end-connected", "the process ended with exit code 0x00000000 while"),
     },
     "ends": {
-        "P14": ("unread", "was not read in"),
+        "P14": ("unread", "a HapticPulse was"),
         "P21": ("half-close", "In was closed, and Out stayed open"),
         "P22": ("keep-block", "still exists"),
     },

@@ -7,7 +7,7 @@ namespace {
 
 constexpr DWORD kWaitMs = 5;
 // Faults come once frames flow.
-constexpr int kFirstFault = 10;
+constexpr int kFirstFault = 5;
 
 void Require(HRESULT result, const char* what) {
   if (result != S_OK) throw std::runtime_error(what);

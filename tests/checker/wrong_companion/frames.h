@@ -22,6 +22,7 @@ class Frames {
   void Close();
   // Looks for a frame without waiting long for one.
   void TakeOne();
+  [[nodiscard]] int Taken() const { return taken_; }
 
  private:
   [[nodiscard]] bool AcquireFresh();

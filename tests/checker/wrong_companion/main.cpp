@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <limits>
@@ -20,6 +21,8 @@ namespace {
 
 constexpr DWORD kPoseIntervalMs = 10;
 constexpr std::uint32_t kUnknownType = 99;
+constexpr int kStreamingSteps = 80;
+constexpr int kLastFrame = 22;
 
 OmbrelTrackingQuaternion PoseAt(double seconds) {
   const auto half = static_cast<float>(std::sin(seconds) / 4);
@@ -115,9 +118,14 @@ class Companion {
     if (steps_ == 20) SendBadMessages(faults_, pipes_);
     if (steps_ == 30) SendStrangely(faults_, pipes_);
     if (steps_ == 40 && faults_.Has("long-message")) SendTooLong(pipes_);
-    if (steps_ == 150 && faults_.Has("half-close")) pipes_.CloseIn();
-    if (steps_ == 150 && faults_.Has("end-connected")) std::exit(0);
+    EndBadly();
     return true;
+  }
+
+  // Once frames have been coming for a while.
+  void EndBadly() {
+    if (frames_.IsOpen() && ++streaming_ == kStreamingSteps && faults_.Has("half-close")) pipes_.CloseIn();
+    if (frames_.Taken() == kLastFrame && faults_.Has("end-connected")) std::exit(0);
   }
 
   void TakeFrame() {
@@ -131,6 +139,7 @@ class Companion {
   Frames frames_;
   Pipes pipes_;
   int steps_ = 0;
+  int streaming_ = 0;
 };
 
 }  // namespace
