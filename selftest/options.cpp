@@ -12,7 +12,7 @@ namespace ombrel::selftest {
 bool Options::Has(const char* part) const { return parts.empty() || std::ranges::find(parts, part) != parts.end(); }
 
 std::vector<SessionPlan> Options::Sessions() const {
-  constexpr double kSeconds = 8, kBriefSeconds = 3;
+  constexpr double kSeconds = 8, kBriefSeconds = 5;
   std::vector<SessionPlan> plans;
   if (!Has("sessions")) return plans;
   for (const char* mode : {"direct", "virtual"}) {

@@ -94,9 +94,12 @@ class Judgement {
             "The picture follows the head by them."};
   }
   [[nodiscard]] Verdict Pictures() const {
+    // A head that has turned is seen some frames later.
+    constexpr std::size_t kEnoughFrames = 60;
+    const bool isSeen = session_.pictures == session_.picturesWanted;
     return {group_,
             "Pictures",
-            GoodIf(session_.pictures == session_.picturesWanted),
+            session_.received < kEnoughFrames ? InTime(isSeen) : GoodIf(isSeen),
             std::to_string(session_.picturesWanted) + " looks, each with the wall that lies there",
             Of(session_.pictures, session_.picturesWanted),
             "The room as the companion sees it: colours, sides and directions are right."};

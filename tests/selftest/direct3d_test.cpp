@@ -8,7 +8,7 @@ namespace ombrel::selftest {
 namespace {
 
 // Answers as a Direct3D gives them that shares textures.
-Direct3DAnswers Sound() {
+Direct3DAnswers SoundDirect3D() {
   Direct3DAnswers answers;
   answers.sharing = "own";
   answers.featureLevel = 0xb000;
@@ -38,13 +38,13 @@ std::vector<std::string> Wrong(const Direct3DAnswers& answers, Result result, bo
 using Names = std::vector<std::string>;
 
 TEST(Direct3DTest, NothingIsWrongWithASoundOne) {
-  EXPECT_EQ(Wrong(Sound(), Result::kBad), Names());
-  EXPECT_EQ(Wrong(Sound(), Result::kUnknown), Names());
+  EXPECT_EQ(Wrong(SoundDirect3D(), Result::kBad), Names());
+  EXPECT_EQ(Wrong(SoundDirect3D(), Result::kUnknown), Names());
 }
 
 TEST(Direct3DTest, EachRuleOfTheKeyedMutexThatDoesNotHoldIsBad) {
   for (const KeyedMutexRule& rule : KeyedMutexRules()) {
-    Direct3DAnswers answers = Sound();
+    Direct3DAnswers answers = SoundDirect3D();
     const auto answer = std::ranges::find(answers.rules, rule.id, &RuleAnswer::rule);
     ASSERT_NE(answer, answers.rules.end()) << rule.id;
     answer->code = answer->code == 0 ? kTimedOut : 0;
@@ -53,13 +53,13 @@ TEST(Direct3DTest, EachRuleOfTheKeyedMutexThatDoesNotHoldIsBad) {
 }
 
 TEST(Direct3DTest, ATimeOutIsNoAbandonedHold) {
-  Direct3DAnswers answers = Sound();
+  Direct3DAnswers answers = SoundDirect3D();
   answers.rules.back().code = kTimedOut;
   EXPECT_EQ(Wrong(answers, Result::kBad).size(), 1U);
 }
 
 TEST(Direct3DTest, AQuestionThatWasNotComeToIsBad) {
-  Direct3DAnswers answers = Sound();
+  Direct3DAnswers answers = SoundDirect3D();
   answers.rules.pop_back();
   answers.failure = "it crashed";
   EXPECT_EQ(Wrong(answers, Result::kBad),
@@ -67,7 +67,7 @@ TEST(Direct3DTest, AQuestionThatWasNotComeToIsBad) {
 }
 
 TEST(Direct3DTest, StandInSharingIsBadWhereItShouldBeTheMachines) {
-  Direct3DAnswers answers = Sound();
+  Direct3DAnswers answers = SoundDirect3D();
   answers.sharing = "stand-in";
   EXPECT_EQ(Wrong(answers, Result::kBad), Names{"Shared textures"});
   EXPECT_EQ(Wrong(answers, Result::kUnknown, false), Names{"Shared textures"});
@@ -76,13 +76,13 @@ TEST(Direct3DTest, StandInSharingIsBadWhereItShouldBeTheMachines) {
 }
 
 TEST(Direct3DTest, AnOldFeatureLevelIsBad) {
-  Direct3DAnswers answers = Sound();
+  Direct3DAnswers answers = SoundDirect3D();
   answers.featureLevel = 0x9300;
   EXPECT_EQ(Wrong(answers, Result::kBad), Names{"Feature level"});
 }
 
 TEST(Direct3DTest, AFormatIsBadOnlyWhereTheDriverCannotDoWithoutIt) {
-  Direct3DAnswers answers = Sound();
+  Direct3DAnswers answers = SoundDirect3D();
   answers.formats[1].opened = 0x80070057;
   EXPECT_EQ(Wrong(answers, Result::kUnknown), Names{"Formats"});
   answers.formats[0].drawn = 0x80070057;
@@ -90,7 +90,7 @@ TEST(Direct3DTest, AFormatIsBadOnlyWhereTheDriverCannotDoWithoutIt) {
 }
 
 TEST(Direct3DTest, APictureBeyondItsToleranceIsBad) {
-  Direct3DAnswers answers = Sound();
+  Direct3DAnswers answers = SoundDirect3D();
   answers.pictures[0].difference = 2;
   EXPECT_EQ(Wrong(answers, Result::kBad), Names{"Picture: levels"});
   answers.pictures.clear();
@@ -98,7 +98,7 @@ TEST(Direct3DTest, APictureBeyondItsToleranceIsBad) {
 }
 
 TEST(Direct3DTest, AnswersComeBackFromTheirFile) {
-  const Direct3DAnswers answers = Sound();
+  const Direct3DAnswers answers = SoundDirect3D();
   EXPECT_EQ(AsJson(ReadDirect3D(AsJson(answers))), AsJson(answers));
 }
 

@@ -33,7 +33,8 @@ TEST(ReportTest, NamesAreTakenOutOfWhatComesFromTheMachineAlone) {
   Report report;
   report.AddFact("good", "good");
   report.Add({{"good", "good", Result::kGood, "good", "good", "good"}});
-  report.AddSection({{"title", "good"}, {"tables", Json::array({Table("good", {"good"}, {{"good", 3}})})}});
+  report.AddSection(
+      {{"title", "good"}, {"tables", Json::array({Table("good", {"good"}, Json::array({Json::array({"good", 3})}))})}});
   Json json = report.AsJson("good", "good");
   CleanTexts(json, [](const std::string&) { return std::string("clean"); });
   EXPECT_EQ(json.at("subtitle"), "clean");

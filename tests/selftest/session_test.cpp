@@ -12,7 +12,7 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-SessionOutcome Sound() {
+SessionOutcome SoundSession() {
   SessionOutcome session;
   session.plan = {"direct", 90, 8};
   session.framesPerSecond = 89.7;
@@ -37,14 +37,14 @@ Names With(Result result, const SessionOutcome& session, bool isTimely = true) {
 // What is bad of a session that is sound but for one change.
 template <typename Change>
 Names Bad(Change change) {
-  SessionOutcome session = Sound();
+  SessionOutcome session = SoundSession();
   change(session);
   return With(Result::kBad, session);
 }
 
 TEST(SessionTest, NothingIsWrongWithASoundOne) {
-  EXPECT_EQ(With(Result::kBad, Sound()), Names());
-  EXPECT_EQ(With(Result::kUnknown, Sound()), Names());
+  EXPECT_EQ(With(Result::kBad, SoundSession()), Names());
+  EXPECT_EQ(With(Result::kUnknown, SoundSession()), Names());
 }
 
 TEST(SessionTest, EachFigureThatIsWrongIsBad) {
@@ -62,7 +62,7 @@ TEST(SessionTest, EachFigureThatIsWrongIsBad) {
 }
 
 TEST(SessionTest, WhereTheProcessorDrawsLatenessIsUnknownAndNothingElse) {
-  SessionOutcome session = Sound();
+  SessionOutcome session = SoundSession();
   session.framesPerSecond = 20;
   session.received = 300;
   session.poseMs = session.frameMs = session.pacingErrorMs = {100};
@@ -72,14 +72,23 @@ TEST(SessionTest, WhereTheProcessorDrawsLatenessIsUnknownAndNothingElse) {
   EXPECT_EQ(With(Result::kBad, session, false), Names{"Pose beside each frame"});
 }
 
+TEST(SessionTest, PicturesThatAreMissingAreUnknownWhereThereWereTooFewFramesToSeeThem) {
+  SessionOutcome session = SoundSession();
+  session.pictures = 1;
+  EXPECT_EQ(With(Result::kBad, session, false), Names{"Pictures"});
+  session.presented = session.received = 12;
+  EXPECT_EQ(With(Result::kBad, session, false), Names());
+  EXPECT_EQ(With(Result::kBad, session), Names{"Pictures"});
+}
+
 TEST(SessionTest, NoFrameAtAllIsBadAnywhere) {
-  SessionOutcome session = Sound();
+  SessionOutcome session = SoundSession();
   session.received = 0;
   EXPECT_EQ(With(Result::kBad, session, false), Names{"Frames received"});
 }
 
 TEST(SessionTest, OfTheVirtualDisplayNoPoseComesWithFrames) {
-  SessionOutcome session = Sound();
+  SessionOutcome session = SoundSession();
   session.plan.mode = "virtual";
   session.matching = 0;
   EXPECT_EQ(With(Result::kBad, session), Names());
