@@ -1,9 +1,14 @@
 """Measures the preview between runtime and browser, and prints a table: measure.py [FRAMES], 10,000 by default.
 
 From a pose's sending by the page to the picture that shows it, in a headless browser, and what of it lies between the pose's
-writing to the pipe and the frame's arrival; the compression; and the program's memory while so many frames are shown."""
+writing to the pipe and the frame's arrival; the compression; and the program's memory while so many frames are shown, small
+ones, since here the processor draws them."""
+import json
 import sys
 import tempfile
+import time
+from contextlib import contextmanager
+from pathlib import Path
 
 from browser import open_browser, set_screen
 from preview_browser import DESK, wait_until, words
@@ -23,13 +28,26 @@ def percentile(values, share):
     return ordered[max(0, -(-len(ordered) * share // 100) - 1)]
 
 
+@contextmanager
+def session_of(width, height):
+    with tempfile.TemporaryDirectory() as folder:
+        settings = Path(folder) / "settings.json"
+        settings.write_text(json.dumps({"driver_ombrel": {"windowWidth": width, "windowHeight": height}}))
+        session = Session(folder, settings)
+        try:
+            yield session
+        finally:
+            session.end()
+
+
 def measure_latency(port):
     with open_browser() as browser:
         set_screen(browser, *DESK)
         browser.get(f"http://localhost:{port}/")
         wait_until(browser, lambda: words(browser) == "", "no picture", 60)
         browser.execute_script(COLLECT)
-        wait_until(browser, lambda: browser.execute_script("return shown.length") >= IN_BROWSER, "too few frames", 300)
+        while browser.execute_script("return shown.length") < IN_BROWSER:
+            time.sleep(1)
         return browser.execute_script("return shown")
 
 
@@ -46,13 +64,10 @@ def measure_memory(session, frames):
 
 def main():
     frames = int(sys.argv[1]) if len(sys.argv) > 1 else 10_000
-    with tempfile.TemporaryDirectory() as folder:
-        session = Session(folder)
-        try:
-            shown = measure_latency(session.port)
-            memory = measure_memory(session, frames)
-        finally:
-            session.end()
+    with session_of(1280, 720) as session:
+        shown = measure_latency(session.port)
+    with session_of(160, 90) as session:
+        memory = measure_memory(session, frames)
     print(f"| {len(shown)} frames in a browser | median | p99 |\n| --- | --- | --- |")
     for name, key in (("pose sent to picture shown, ms", "age"), ("of it driver and runtime, ms", "poseToFrame"),
                       ("compression, ms", "encoding")):

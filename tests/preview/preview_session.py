@@ -42,11 +42,11 @@ class Program:
 
 
 class Session:
-    """`folder` takes the logs."""
+    """`folder` takes the logs; `settings` are the driver's."""
 
-    def __init__(self, folder, mode="direct"):
+    def __init__(self, folder, settings=SOURCES / "tools/demo/direct.json"):
         self.folder = Path(folder)
-        self.mode = mode
+        self.settings = settings
         self.port = 0
         self.start_companion()
         self.start_runtime()
@@ -56,10 +56,10 @@ class Session:
         self.port = int(self.companion.wait_for(r"http://localhost:(\d+)/")[1])
 
     def start_runtime(self):
-        demo = SOURCES / "tools/demo"
         self.runtime = Program(
             self.folder / "runtime.log", os.environ["OMBREL_TEST_RUNTIME"], "--driver", os.environ["OMBREL_TEST_DRIVER"],
-            "--settings", demo / f"{self.mode}.json", "--haptics", demo / "haptics.json", "--keep-devices", "--seconds", 600)
+            "--settings", self.settings, "--haptics", SOURCES / "tools/demo/haptics.json", "--keep-devices",
+            "--seconds", 1800)
         self.companion.wait_for("the driver is here")
 
     def end(self):
