@@ -55,7 +55,7 @@ std::string Listing::LineOf(const char* direction, const Message& message) const
     Json line = {{"seconds", Seconds(message.ended)},
                  {"direction", direction},
                  {"type", message.type},
-                 {"name", TypeName(message.type)},
+                 {"message", TypeName(message.type)},
                  {"length", message.payload.size()}};
     line.update(fields);
     return line.dump();

@@ -46,9 +46,19 @@ TEST_F(ListingTest, ShowsAPoseAsJson) {
   ASSERT_EQ(lines.size(), 1U);
   const auto line = nlohmann::json::parse(lines[0]);
   EXPECT_EQ(line["seconds"], 0.5);
-  EXPECT_EQ(line["name"], "TrackingUpdate");
+  EXPECT_EQ(line["message"], "TrackingUpdate");
   EXPECT_EQ(line["length"], 32);
   EXPECT_EQ(line["orientation"], nlohmann::json({0, 0, 0, 1}));
+}
+
+TEST_F(ListingTest, ShowsAnAnnouncementWithItsName) {
+  OmbrelFrameSharingInfo info{};
+  info.name[0] = 'b';
+  const Bytes bytes = MessageOf(OMBREL_FRAME_SHARING_INFO, BytesOf(info));
+  const auto lines = json.Take(PipeEvent(EventKind::kPipeWritten, Pipe::kIn, bytes));
+  ASSERT_EQ(lines.size(), 1U);
+  EXPECT_EQ(nlohmann::json::parse(lines[0])["message"], "FrameSharingInfo");
+  EXPECT_EQ(nlohmann::json::parse(lines[0])["name"], "b");
 }
 
 TEST_F(ListingTest, WaitsForAllPiecesOfAMessage) {
