@@ -3,6 +3,10 @@
 #include <ombrel/protocol.h>
 
 #include <algorithm>
+#include <set>
+#include <utility>
+
+#include "frames.h"
 
 namespace checker {
 namespace {
@@ -13,7 +17,7 @@ constexpr std::uint32_t kPipeBusy = 231;
 class Builder {
  public:
   void Take(const Event& event);
-  Session Finish() { return std::move(session_); }
+  Session Finish();
 
  private:
   void TakePipe(const Event& event);
@@ -47,6 +51,19 @@ void Builder::Take(const Event& event) {
     TakeCompanionTexture(event);
   }
   TakeProcess(event);
+}
+
+// Other textures with keyed mutexes are the companion's own affair.
+Session Builder::Finish() {
+  std::set<std::uint32_t> announced;
+  for (const Connection& connection : session_.connections) {
+    const auto announcement = AnnouncementOf(connection);
+    if (announcement) announced.insert(announcement->handles.begin(), announcement->handles.end());
+  }
+  const auto isOther = [&](const auto& use) { return !announced.contains(use.handle); };
+  std::erase_if(session_.holds, isOther);
+  for (auto* calls : {&session_.refused, &session_.otherKeys, &session_.readsUnheld}) std::erase_if(*calls, isOther);
+  return std::move(session_);
 }
 
 void Builder::TakePipe(const Event& event) {

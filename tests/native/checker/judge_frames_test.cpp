@@ -36,6 +36,13 @@ TEST_F(JudgeFramesTest, WantsOnlyWhatIsHeldReleased) {
   EXPECT_EQ(session.Violations()[0].count, 2U);
 }
 
+TEST_F(JudgeFramesTest, LeavesOtherTexturesOfTheCompanionAlone) {
+  Event& other = session.Acquire(Side::kCompanion, 0, 1000, kInvalidCall);
+  other.subject = 0x4000002A;
+  other.key = 3;
+  EXPECT_EQ(session.Broken(), "");
+}
+
 TEST_F(JudgeFramesTest, DoesNotBlameTheCompanionForADriverThatDied) {
   session.Acquire(Side::kCompanion, 0, 1000, kAbandoned);
   EXPECT_EQ(session.Broken(), "");

@@ -66,7 +66,7 @@ struct Session {
   std::optional<Nanoseconds> detached;
   std::optional<Nanoseconds> blockLeft;
 
-  // Of the companion; nothing of it is known without a recording of its side.
+  // Of the companion, with the announced textures; nothing of it is known without a recording of its side.
   std::vector<Hold> holds;
   std::vector<OddCall> refused;    // an acquire or a release that failed, time-outs aside
   std::vector<OddCall> otherKeys;  // with another key than the protocol's
