@@ -21,7 +21,8 @@ namespace {
 
 constexpr DWORD kPoseIntervalMs = 10;
 constexpr std::uint32_t kUnknownType = 99;
-constexpr int kStreamingSteps = 80;
+// In time for pulses before and after it.
+constexpr ULONGLONG kHalfCloseMs = 1500;
 constexpr int kLastFrame = 22;
 
 OmbrelTrackingQuaternion PoseAt(double seconds) {
@@ -124,8 +125,10 @@ class Companion {
 
   // Once frames have been coming for a while.
   void EndBadly() {
-    if (frames_.IsOpen() && ++streaming_ == kStreamingSteps && faults_.Has("half-close")) pipes_.CloseIn();
-    if (frames_.Taken() == kLastFrame && faults_.Has("end-connected")) std::exit(0);
+    if (!frames_.IsOpen()) return;
+    if (streamingSince_ == 0) streamingSince_ = GetTickCount64();
+    if (faults_.Has("half-close") && GetTickCount64() - streamingSince_ > kHalfCloseMs) pipes_.CloseIn();
+    if (faults_.Has("end-connected") && frames_.Taken() >= kLastFrame) std::exit(0);
   }
 
   void TakeFrame() {
@@ -139,7 +142,7 @@ class Companion {
   Frames frames_;
   Pipes pipes_;
   int steps_ = 0;
-  int streaming_ = 0;
+  ULONGLONG streamingSince_ = 0;
 };
 
 }  // namespace
