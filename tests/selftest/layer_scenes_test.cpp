@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <vector>
 
 namespace ombrel::selftest {
 namespace {
@@ -59,12 +60,13 @@ TEST(LayerScenesTest, OneWrongPixelInsideIsSeenAndTheRimIsNot) {
 TEST(LayerScenesTest, TheNineScenesDiffer) {
   const auto scenes = LayerScenes();
   ASSERT_EQ(scenes.size(), 9U);
-  for (const LayerScene& one : scenes) {
-    for (const LayerScene& other : scenes) {
-      if (one.name == other.name) continue;
-      const bool isDirect = one.format == LayerFormat::kRgbaTypeless || other.format == LayerFormat::kRgbaTypeless;
-      EXPECT_TRUE(isDirect || DifferenceInside(ExpectedPicture(one), ExpectedPicture(other)) > 6)
-          << one.name << " and " << other.name;
+  std::vector<bench::Image> pictures;
+  for (const LayerScene& scene : scenes) pictures.push_back(ExpectedPicture(scene));
+  for (std::size_t one = 0; one < scenes.size(); ++one) {
+    for (std::size_t other = 0; other < one; ++other) {
+      // A typeless format is to give what its linear kin gives.
+      if (scenes[one].name == "typeless_rgba" && scenes[other].name == "levels") continue;
+      EXPECT_GT(DifferenceInside(pictures[one], pictures[other]), 6) << scenes[one].name << ", " << scenes[other].name;
     }
   }
 }
