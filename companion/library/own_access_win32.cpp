@@ -2,6 +2,7 @@
 
 #include <sddl.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 

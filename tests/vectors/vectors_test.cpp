@@ -5,7 +5,9 @@
 #include <filesystem>
 #include <fstream>
 #include <set>
+#include <span>
 #include <string>
+#include <vector>
 
 #include "link/wire.h"
 #include "nlohmann/json.hpp"
