@@ -62,20 +62,26 @@ def measure_memory(session, frames):
     return rows
 
 
-def main():
-    frames = int(sys.argv[1]) if len(sys.argv) > 1 else 10_000
-    with session_of(1280, 720) as session:
-        shown = measure_latency(session.port)
-    with session_of(160, 90) as session:
-        memory = measure_memory(session, frames)
+def print_latency(shown):
     print(f"| {len(shown)} frames in a browser | median | p99 |\n| --- | --- | --- |")
     for name, key in (("pose sent to picture shown, ms", "age"), ("of it driver and runtime, ms", "poseToFrame"),
                       ("compression, ms", "encoding")):
         values = [frame[key] for frame in shown]
-        print(f"| {name} | {percentile(values, 50):.1f} | {percentile(values, 99):.1f} |")
+        print(f"| {name} | {percentile(values, 50):.1f} | {percentile(values, 99):.1f} |", flush=True)
+
+
+def print_memory(memory):
     print("\n| frames | " + " | ".join(f"{count}" for count, _ in memory) + " |")
     print("| --- " * (len(memory) + 1) + "|")
     print("| resident memory, MB | " + " | ".join(f"{kilobytes / 1024:.1f}" for _, kilobytes in memory) + " |")
+
+
+def main():
+    frames = int(sys.argv[1]) if len(sys.argv) > 1 else 10_000
+    with session_of(1280, 720) as session:
+        print_latency(measure_latency(session.port))
+    with session_of(160, 90) as session:
+        print_memory(measure_memory(session, frames))
 
 
 if __name__ == "__main__":
