@@ -17,6 +17,7 @@ ServerPipe::ServerPipe(HANDLE stop)
 bool ServerPipe::Create(const std::string& name, Direction direction, std::uint32_t bufferBytes) {
   OwnAccess access;
   if (access.Get() == nullptr) return false;
+  // A stranger's pipe of this name is refused, too: by Windows, while Wine 8 takes no notice of the flag.
   const DWORD open = (direction == Direction::FromDriver ? PIPE_ACCESS_INBOUND : PIPE_ACCESS_OUTBOUND) |
                      FILE_FLAG_OVERLAPPED | FILE_FLAG_FIRST_PIPE_INSTANCE;
   const DWORD mode = PIPE_TYPE_BYTE | PIPE_READMODE_BYTE | PIPE_WAIT | PIPE_REJECT_REMOTE_CLIENTS;
