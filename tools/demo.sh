@@ -11,15 +11,17 @@ set -euo pipefail
 
 # serve_preview SECONDS: 0 for no end
 serve_preview() {
-  local out=out/demo/preview bench=build/mingw-release/bench
+  local out=out/demo/preview bench=build/mingw-release/bench preview
   rm -rf "$out"
   mkdir -p "$out"
-  windows "$bench/preview/Ombrel.exe" --seconds "$1" >"$out/preview.log" 2>&1 &
+  windows "$bench/preview/Ombrel.exe" >"$out/preview.log" 2>&1 &
+  preview=$!
   wait_for_line "$out/preview.log" http://localhost 60
   say "the demo's room is at $(grep -o 'http://localhost[^[:space:]]*' "$out/preview.log")"
   windows "$bench/runtime_sim/runtime_sim.exe" --driver dist/ombrel --settings tools/demo/direct.json \
     --haptics tools/demo/haptics.json --keep-devices --quiet --seconds "$1" --driver-log "$out/driver.log" \
     >"$out/runtime.log"
+  kill "$preview"
 }
 
 prepare "${build_packages[@]}" "${display_packages[@]}"
