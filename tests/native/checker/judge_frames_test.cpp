@@ -33,7 +33,7 @@ TEST_F(JudgeFramesTest, WantsOnlyWhatIsHeldReleased) {
   session.Release(Side::kCompanion, 0, 1000, kFailed);
   session.Acquire(Side::kCompanion, 0, 1001, kInvalidCall);
   EXPECT_EQ(session.Broken(), "P17");
-  EXPECT_EQ(session.Violations()[0].count, 2U);
+  EXPECT_EQ(session.Violations().at(0).count, 2U);
 }
 
 TEST_F(JudgeFramesTest, LeavesOtherTexturesOfTheCompanionAlone) {
@@ -64,7 +64,7 @@ TEST_F(JudgeFramesTest, WantsEachFrameReadOnce) {
   session.Read(0, 2914);
   session.Release(Side::kCompanion, 0, 2915);
   EXPECT_EQ(session.Broken(), "P19");
-  EXPECT_EQ(session.Violations()[0].count, 1U);
+  EXPECT_EQ(session.Violations().at(0).count, 1U);
 }
 
 TEST_F(JudgeFramesTest, WantsNoTextureHeldForLong) {

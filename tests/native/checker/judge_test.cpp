@@ -27,13 +27,13 @@ TEST_F(JudgeTest, WantsTheSecondPipeWithTheFirst) {
   empty.AddPipe(EventKind::kPipeOpened, Pipe::kOut, 250, 2);
   empty.AddPipe(EventKind::kPipeOpened, Pipe::kOut, 350);
   EXPECT_EQ(empty.Broken(), "P2");
-  EXPECT_THAT(empty.Violations()[0].evidence[0], testing::HasSubstr("came 250.0 ms after In"));
+  EXPECT_THAT(empty.Violations().at(0).evidence[0], testing::HasSubstr("came 250.0 ms after In"));
 }
 
 TEST_F(JudgeTest, SaysThatTheSecondPipeNeverCame) {
   empty.AddPipe(EventKind::kPipeOpened, Pipe::kIn, 100);
   empty.AddPipe(EventKind::kPipeOpened, Pipe::kOut, 250, 2);
-  EXPECT_THAT(empty.Violations()[0].evidence[0], testing::HasSubstr("error 2, and never came"));
+  EXPECT_THAT(empty.Violations().at(0).evidence[0], testing::HasSubstr("error 2, and never came"));
 }
 
 TEST_F(JudgeTest, WantsMessagesAsLongAsTheirTypeNeeds) {
@@ -44,7 +44,7 @@ TEST_F(JudgeTest, WantsMessagesAsLongAsTheirTypeNeeds) {
   session.Send(1002, MessageOf(OMBREL_FRAMERATE_UPDATE, Bytes(3)));
   session.Send(1003, MessageOf(OMBREL_CONTROLLER_UPDATE, Bytes(191)));
   EXPECT_EQ(session.Broken(), "P3");
-  EXPECT_EQ(session.Violations()[0].count, 4U);
+  EXPECT_EQ(session.Violations().at(0).count, 4U);
 }
 
 TEST_F(JudgeTest, AllowsPayloadsThatAreLongerThanNeeded) {
@@ -94,7 +94,7 @@ TEST_F(JudgeTest, WantsTypesAndFormatsThatAreKnown) {
   session.Send(1001, MessageOf(OMBREL_HAPTIC_PULSE, Bytes(12)));
   session.Send(1002, MessageOf(OMBREL_TRACKING_UPDATE, matrix));
   EXPECT_EQ(session.Broken(), "P6");
-  EXPECT_EQ(session.Violations()[0].count, 3U);
+  EXPECT_EQ(session.Violations().at(0).count, 3U);
 }
 
 TEST_F(JudgeTest, WantsFiniteNumbers) {
@@ -104,7 +104,7 @@ TEST_F(JudgeTest, WantsFiniteNumbers) {
   session.Send(1000, MessageOf(OMBREL_CONTROLLER_UPDATE, BytesOf(record)));
   session.Send(1001, Pose(1, std::numeric_limits<float>::quiet_NaN()));
   EXPECT_EQ(session.Broken(), "P7");
-  EXPECT_EQ(session.Violations()[0].count, 2U);
+  EXPECT_EQ(session.Violations().at(0).count, 2U);
 }
 
 TEST_F(JudgeTest, WantsRotationsOfUnitLength) {
@@ -116,7 +116,7 @@ TEST_F(JudgeTest, WantsRotationsOfUnitLength) {
   session.Send(1002, MessageOf(OMBREL_TRACKING_UPDATE, BytesOf(matrix)));
   session.Send(1003, Pose(1.02F));
   EXPECT_EQ(session.Broken(), "P8");
-  EXPECT_EQ(session.Violations()[0].count, 2U);
+  EXPECT_EQ(session.Violations().at(0).count, 2U);
 }
 
 TEST_F(JudgeTest, WantsPosesToKeepComing) {
@@ -187,7 +187,7 @@ TEST_F(JudgeTest, WantsItsMessagesRead) {
 TEST_F(JudgeTest, NoticesMessagesThatAreNeverRead) {
   session.Receive(1000, Pulse(), MadeUpSession::kEndMs + 100);
   session.CutOffAt(MadeUpSession::kEndMs + 2);
-  EXPECT_THAT(session.Violations()[0].evidence[0], testing::HasSubstr("was not read in the 2000.0 ms until"));
+  EXPECT_THAT(session.Violations().at(0).evidence[0], testing::HasSubstr("was not read in the 2000.0 ms until"));
 }
 
 TEST_F(JudgeTest, NoticesAFullPipeWhereReadingIsNotWatched) {
