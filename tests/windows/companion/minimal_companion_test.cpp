@@ -7,8 +7,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 
 #include "base/wait.h"
 #include "nlohmann/json.hpp"
@@ -21,13 +19,8 @@ using testing::HasSubstr;
 constexpr std::uint32_t kPatienceMs = 120'000;
 constexpr int kControllerClass = 2;
 
-std::string Read(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
 std::string PixelsOf(const std::filesystem::path& path) {
-  const std::string content = Read(path);
+  const std::string content = ombrel::test::ReadAll(path);
   BITMAPFILEHEADER file{};
   BITMAPINFOHEADER picture{};
   EXPECT_EQ(content.size(), sizeof(file) + sizeof(picture) + 4 * 1280 * 720) << path;
@@ -42,13 +35,13 @@ std::string PixelsOf(const std::filesystem::path& path) {
 
 class MinimalCompanion : public testing::Test {
  protected:
-  MinimalCompanion() { std::filesystem::create_directories(folder_ / "pictures"); }
+  MinimalCompanion() { std::filesystem::create_directories(folder_.At("pictures")); }
 
   // The companion saves its pictures where it is started.
   void StartCompanion() {
     const auto here = std::filesystem::current_path();
-    std::filesystem::current_path(folder_ / "pictures");
-    companion_.Start(TestArgument("companion"), {}, folder_ / "companion.txt");
+    std::filesystem::current_path(folder_.At("pictures"));
+    companion_.Start(TestArgument("companion"), {}, folder_.At("companion.txt"));
     std::filesystem::current_path(here);
     ASSERT_TRUE(bench::WaitUntil([&] { return companion_.Output().find("waiting") != std::string::npos; },
                                  std::chrono::milliseconds(kPatienceMs)));
@@ -59,12 +52,12 @@ class MinimalCompanion : public testing::Test {
     Program runtime;
     runtime.Start(TestArgument("runtime"),
                   {"--driver", TestArgument("driver"), "--settings", settings, "--frames", "240", "--seconds", "25",
-                   "--keep-devices", "--summary", (folder_ / "summary.json").string()},
-                  folder_ / "runtime.txt");
+                   "--keep-devices", "--summary", folder_.TextOf("summary.json")},
+                  folder_.At("runtime.txt"));
     ASSERT_EQ(runtime.Wait(kPatienceMs), 0U) << runtime.Output() << companion_.Output();
   }
 
-  TestFolder folder_;
+  ombrel::test::ScratchFolder folder_;
   Program companion_;
 };
 
@@ -74,7 +67,7 @@ TEST_F(MinimalCompanion, MovesTheHeadAndAControllerAndSavesThreePictures) {
   ASSERT_EQ(companion_.Wait(1000), 0U) << companion_.Output();
   EXPECT_THAT(companion_.Output(), HasSubstr(": opened"));
 
-  const auto summary = nlohmann::json::parse(Read(folder_ / "summary.json"));
+  const auto summary = nlohmann::json::parse(folder_.Read("summary.json"));
   EXPECT_GT(summary.at("poses"), 30);
   EXPECT_TRUE(std::ranges::any_of(summary.at("devices"), [](const auto& device) {
     return device.at("class") == kControllerClass && device.at("poses") > 30;
@@ -82,7 +75,7 @@ TEST_F(MinimalCompanion, MovesTheHeadAndAControllerAndSavesThreePictures) {
 
   std::vector<std::string> pictures;
   for (const char* name : {"picture1.bmp", "picture2.bmp", "picture3.bmp"}) {
-    pictures.push_back(PixelsOf(folder_ / "pictures" / name));
+    pictures.push_back(PixelsOf(folder_.At("pictures") / name));
     const std::string& pixels = pictures.back();
     const std::string first = pixels.substr(0, 4);
     bool showsMore = false;
@@ -97,7 +90,7 @@ TEST_F(MinimalCompanion, MovesTheHeadAndAControllerAndSavesThreePictures) {
 TEST_F(MinimalCompanion, SaysThatAnotherOneIsRunning) {
   StartCompanion();
   Program second;
-  second.Start(TestArgument("companion"), {}, folder_ / "second.txt");
+  second.Start(TestArgument("companion"), {}, folder_.At("second.txt"));
   EXPECT_EQ(second.Wait(kPatienceMs), 1U);
   EXPECT_THAT(second.Output(), HasSubstr("another companion"));
 }
