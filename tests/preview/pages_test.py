@@ -215,11 +215,17 @@ def test_a_pulse_lights_the_hand_and_vibrates_what_was_touched_before(show, host
     host.command("pulse", 2, 34464)
     wait_until(page, lambda: page.find_element(By.CSS_SELECTOR, "#right output").text == "Pulse of 34 ms")
     assert page.execute_script("return vibrations") == []
+    wait_until(page, lambda: not page.find_elements(By.CSS_SELECTOR, ".pulse"))
     page.find_element(By.TAG_NAME, "h1").click()
+    page.execute_script("""
+        window.lit = [];
+        new MutationObserver((changes) => changes.forEach(({ target }) => {
+          if (target.classList.contains('pulse')) lit.push(target.id);
+        })).observe(document.body, { subtree: true, attributeFilter: ['class'] });""")
     host.command("pulse", 1, 62500)
     wait_until(page, lambda: page.execute_script("return vibrations") == [63])
-    assert page.find_elements(By.CSS_SELECTOR, "#left.pulse") and not page.find_elements(By.CSS_SELECTOR, "#right.pulse")
     wait_until(page, lambda: not page.find_elements(By.CSS_SELECTOR, ".pulse"))
+    assert page.execute_script("return lit") == ["left"]
 
 
 def test_controllers_go_with_their_page(show, host):

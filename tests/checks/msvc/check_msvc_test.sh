@@ -7,7 +7,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 failures=0
 
-(cd "$1" && cp -r CMakeLists.txt THIRD_PARTY_NOTICES.txt cmake resources platform driver link shaders render devices hmd "$work")
+(cd "$1" && cp -r CMakeLists.txt THIRD_PARTY_NOTICES.txt cmake resources report selftest companion platform driver link shaders render devices hmd "$work")
 [ -n "${OMBREL_OPENVR_DIR:-}" ] || OMBREL_OPENVR_DIR=$(cd "$1" && pwd)/third_party/openvr
 export OMBREL_OPENVR_DIR
 
