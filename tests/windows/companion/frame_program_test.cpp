@@ -84,7 +84,8 @@ class FrameProgram : public testing::Test {
   int FramesRead() const {
     const std::string output = program_.Output();
     int count = 0;
-    for (auto at = output.find(" texture "); at != std::string::npos; at = output.find(" texture ", at + 1)) ++count;
+    constexpr const char* kRead = "companion: connection ";
+    for (auto at = output.find(kRead); at != std::string::npos; at = output.find(kRead, at + 1)) ++count;
     return count;
   }
   std::string ContactSheet() const { return folder_.Read("out/contact_sheet.txt"); }
