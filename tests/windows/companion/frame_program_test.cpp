@@ -88,7 +88,11 @@ class FrameProgram : public testing::Test {
     for (auto at = output.find(kRead); at != std::string::npos; at = output.find(kRead, at + 1)) ++count;
     return count;
   }
-  std::string ContactSheet() const { return folder_.Read("out/contact_sheet.txt"); }
+  std::string ContactSheet() const {
+    std::string text = folder_.Read("out/contact_sheet.txt");
+    std::erase(text, '\r');
+    return text;
+  }
   nlohmann::json Summary() const { return nlohmann::json::parse(folder_.Read("summary.json")); }
   void ExpectExit(std::uint32_t code) { EXPECT_EQ(program_.Wait(), code) << program_.Output(); }
 

@@ -101,7 +101,8 @@ class ConnectionEndTest : public DriverTest {
   void ExpectDriverGone() {
     ASSERT_TRUE(in_.WaitForDriverGone());
     EXPECT_EQ(in_.ReadOne(), ERROR_BROKEN_PIPE);
-    EXPECT_EQ(out_.Write({1}), ERROR_NO_DATA);
+    // The driver closes one handle after the other.
+    EXPECT_TRUE(WaitUntil([&] { return out_.Write({1}) == ERROR_NO_DATA; }, kPatience));
     for (RawPipe* pipe : {&in_, &out_}) EXPECT_EQ(pipe->Listen(), ERROR_NO_DATA);
   }
   void ExpectPoseToArrive() {
