@@ -182,6 +182,7 @@ TEST_F(ConnectionEndTest, DisconnectingOutEndsIt) {
 
 TEST_F(ConnectionEndTest, ClosingInAloneGoesUnnoticed) {
   Connect();
+  ExpectPoseToArrive();  // In was there when the connection was made
   in_.Close();
   ExpectWriteToFailBy(ERROR_NO_DATA);
   ExpectToStayConnected();
@@ -189,6 +190,7 @@ TEST_F(ConnectionEndTest, ClosingInAloneGoesUnnoticed) {
 
 TEST_F(ConnectionEndTest, DisconnectingInAloneGoesUnnoticed) {
   Connect();
+  ExpectPoseToArrive();  // In was there when the connection was made
   in_.Disconnect();
   ExpectWriteToFailBy(ERROR_PIPE_NOT_CONNECTED);
   ExpectToStayConnected();
