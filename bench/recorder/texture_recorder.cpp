@@ -6,6 +6,17 @@ namespace {
 // When this thread's call began: it is asked about before it runs and told of afterwards.
 thread_local checker::Nanoseconds callStart = 0;
 
+checker::Event CallThatEnds(checker::EventKind kind, std::uint32_t handle, UINT64 key, HRESULT result) {
+  checker::Event event;
+  event.kind = kind;
+  event.result = static_cast<std::uint32_t>(result);
+  event.start = callStart;
+  event.end = NowNanoseconds();
+  event.subject = handle;
+  event.key = key;
+  return event;
+}
+
 }  // namespace
 
 std::optional<HRESULT> TextureRecorder::Answer(DeviceCall call) {
@@ -14,26 +25,13 @@ std::optional<HRESULT> TextureRecorder::Answer(DeviceCall call) {
 }
 
 void TextureRecorder::OnAcquireSync(std::uint32_t handle, UINT64 key, DWORD timeoutMs, HRESULT result) {
-  checker::Event event;
-  event.kind = checker::EventKind::kAcquired;
-  event.result = static_cast<std::uint32_t>(result);
-  event.start = callStart;
-  event.end = NowNanoseconds();
-  event.subject = handle;
+  checker::Event event = CallThatEnds(checker::EventKind::kAcquired, handle, key, result);
   event.timeoutMs = timeoutMs;
-  event.key = key;
   file_.Add(event);
 }
 
 void TextureRecorder::OnReleaseSync(std::uint32_t handle, UINT64 key, HRESULT result) {
-  checker::Event event;
-  event.kind = checker::EventKind::kReleased;
-  event.result = static_cast<std::uint32_t>(result);
-  event.start = callStart;
-  event.end = NowNanoseconds();
-  event.subject = handle;
-  event.key = key;
-  file_.Add(event);
+  file_.Add(CallThatEnds(checker::EventKind::kReleased, handle, key, result));
 }
 
 void TextureRecorder::OnReadSharedTexture(std::uint32_t handle) { file_.Add(checker::EventKind::kTextureRead, handle); }
