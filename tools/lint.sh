@@ -8,7 +8,7 @@ set -euo pipefail
 . "$(dirname "$0")/usage.sh"
 cd "$(dirname "$0")/.."
 
-folders=(platform driver link shaders render devices hmd companion report bench tests)
+folders=(platform driver link shaders render devices hmd companion report doctor selftest bench tests)
 failed=0
 
 has() {

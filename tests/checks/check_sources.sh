@@ -106,7 +106,7 @@ check_msvc() {
 }
 
 check_size() {
-  for folder in $driver_folders companion report bench tests; do
+  for folder in $driver_folders companion report selftest bench tests; do
     for file in $(files_of "$folder"); do
       case $file in
         companion/include/*) limit=299 ;;      # one header, to be taken along
