@@ -26,7 +26,7 @@ ExternalProject_Add(libjpeg_turbo
   BUILD_BYPRODUCTS "${turbojpeg_library}"
   LOG_CONFIGURE ON LOG_BUILD ON)
 
-add_library(ombrel_turbojpeg STATIC IMPORTED)
+add_library(ombrel_turbojpeg STATIC IMPORTED GLOBAL)
 set_target_properties(ombrel_turbojpeg PROPERTIES IMPORTED_LOCATION "${turbojpeg_library}")
 target_include_directories(ombrel_turbojpeg SYSTEM INTERFACE "${OMBREL_LIBJPEG_TURBO_DIR}")
 add_dependencies(ombrel_turbojpeg libjpeg_turbo)

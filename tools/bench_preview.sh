@@ -6,10 +6,11 @@ set -euo pipefail
 . "$(dirname "$0")/lib.sh"
 
 prepare "${build_packages[@]}" "${display_packages[@]}" chromium chromium-driver python3-selenium
-build mingw-release dist runtime_sim preview_on_bench
+build mingw-release dist runtime_sim preview_on_bench preview_encode_speed
 start_display
 bench=$PWD/build/mingw-release/bench
 export OMBREL_TEST_PREFIX=$wine_prefix OMBREL_TEST_PREVIEW=$bench/preview/Ombrel.exe \
+  OMBREL_TEST_ENCODING=$PWD/build/mingw-release/tests/preview/preview_encode_speed.exe \
   OMBREL_TEST_RUNTIME=$bench/runtime_sim/runtime_sim.exe OMBREL_TEST_DRIVER=$PWD/dist/ombrel
 say "measuring"
 PYTHONPATH=tests/pages /usr/bin/python3 -B tests/preview/measure.py "$@"

@@ -1,9 +1,11 @@
 """Measures the preview between runtime and browser, and prints a table: measure.py [FRAMES], 10,000 by default.
 
 From a pose's sending by the page to the picture that shows it, in a headless browser, and what of it lies between the pose's
-writing to the pipe and the frame's arrival; the compression; and the program's memory while so many frames are shown, small
-ones, since here the processor draws them."""
+writing to the pipe and the frame's arrival; the compression, and its processor time; and the program's memory while so many
+frames are shown, small ones, since here the processor draws them."""
 import json
+import os
+import subprocess
 import sys
 import tempfile
 import time
@@ -13,9 +15,10 @@ from pathlib import Path
 from browser import open_browser, set_screen
 from preview_browser import DESK, wait_until, words
 from preview_host import Page
-from preview_session import Session
+from preview_session import ENVIRONMENT, SOURCES, Session
 
 IN_BROWSER = 1000
+FRAME_HEADER = 16  # bytes before the JPEG
 COLLECT = """
 window.shown = [];
 document.getElementById('picture').addEventListener('shown', ({ detail }) => detail.age === null || shown.push(detail));
@@ -51,6 +54,14 @@ def measure_latency(port):
         return browser.execute_script("return shown")
 
 
+def measure_encoding(session, folder):
+    """Width, height and processor milliseconds of compressing one of the session's frames, as text."""
+    picture = Path(folder) / "frame.jpg"
+    picture.write_bytes(Page(session.port).receive_picture()[FRAME_HEADER:])
+    wine = [SOURCES / "tools/wine.sh", "--prefix", os.environ["OMBREL_TEST_PREFIX"]]
+    return subprocess.check_output([*wine, os.environ["OMBREL_TEST_ENCODING"], picture], env=ENVIRONMENT, text=True).split()
+
+
 def measure_memory(session, frames):
     """(frames so far, resident kilobytes), ten times."""
     page = Page(session.port)
@@ -80,6 +91,7 @@ def main():
     frames = int(sys.argv[1]) if len(sys.argv) > 1 else 10_000
     with session_of(1280, 720) as session:
         print_latency(measure_latency(session.port))
+        print("\n%s x %s pixels: %s ms of processor time to compress" % tuple(measure_encoding(session, session.folder)))
     with session_of(160, 90) as session:
         print_memory(measure_memory(session, frames))
 

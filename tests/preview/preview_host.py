@@ -103,18 +103,26 @@ class Page:
         self.send_bytes(1, json.dumps(message).encode())
 
     def receive(self):
-        """(opcode, payload) of the next frame of the WebSocket; pings are answered."""
+        """(opcode, payload) of the next message, its fragments joined; pings are answered."""
+        message, kind = b"", 0
         while True:
-            first, second = self._exactly(2)
-            length = second & 0x7F
-            if length == 126:
-                length, = struct.unpack(">H", self._exactly(2))
-            elif length == 127:
-                length, = struct.unpack(">Q", self._exactly(8))
-            payload = self._exactly(length)
-            if first & 0x0F != 9:
-                return first & 0x0F, payload
-            self.send_bytes(10, payload)
+            first, payload = self._receive_fragment()
+            opcode = first & 0x0F
+            if opcode == 9:
+                self.send_bytes(10, payload)
+                continue
+            message, kind = message + payload, kind or opcode
+            if first & 0x80:
+                return kind, message
+
+    def _receive_fragment(self):
+        first, second = self._exactly(2)
+        length = second & 0x7F
+        if length == 126:
+            length, = struct.unpack(">H", self._exactly(2))
+        elif length == 127:
+            length, = struct.unpack(">Q", self._exactly(8))
+        return first, self._exactly(length)
 
     def receive_text(self):
         """The next text, past pictures that are on their way."""
@@ -125,10 +133,14 @@ class Page:
 
     def receive_frame(self):
         """The number of the next picture."""
+        return struct.unpack("<I", self.receive_picture()[:4])[0]
+
+    def receive_picture(self):
+        """The next binary message: what is known of the picture, and the JPEG itself."""
         while True:
             opcode, payload = self.receive()
             if opcode == 2:
-                return struct.unpack("<I", payload[:4])[0]
+                return payload
 
     def acknowledge(self, frame):
         self.send({"type": "received", "frame": frame})
