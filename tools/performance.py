@@ -289,7 +289,7 @@ class Plotter:
         axes.set_yticks(range(len(names)), ["direct mode,\n1 layer", "direct mode,\n4 layers", "virtual display"])
         axes.set(xlabel="processor time of the calling thread for one frame, µs (median, quartiles, p1 and p99)",
                  title="Frames", xlim=(0, None))
-        axes.legend(frameon=False, loc="lower right")
+        axes.legend(frameon=False, ncols=2, loc="lower right", bbox_to_anchor=(1, 1))  # whiskers may be anywhere inside
         self.save(figure, "frames")
 
     def scale(self):
