@@ -83,8 +83,8 @@ def judge(tree, mutant):
         if not tree.make(test.name):
             return 'caught', f'{test.name} does not compile'
         outcome = tree.run(test)
-        # On a busy machine a test may fail by chance, twice hardly.
-        if not outcome.passed and not tree.run(test).passed:
+        # On a busy machine a test may fail by chance, twice hardly; nor does one take four times as long and half a minute.
+        if not outcome.passed and (outcome.hung or not tree.run(test).passed):
             return 'caught', f'{tree.name} {test.name} {outcome.what}'
     return 'survived', ''
 

@@ -62,6 +62,7 @@ class Outcome:
     passed: bool
     what: str
     seconds: float
+    hung: bool = False
 
 
 class Tree:
@@ -150,7 +151,7 @@ class Tree:
         begin = time.monotonic()
         environment = {**os.environ, 'GTEST_FAIL_FAST': '1', 'ASAN_OPTIONS': 'hard_rss_limit_mb=3000',
                        **test.environment}
-        log = self.build / 'test.log'
+        log, hung = self.build / 'test.log', False
         with log.open('wb') as output:
             process = subprocess.Popen(test.command, cwd=self.build, env=environment, stdin=subprocess.DEVNULL,
                                        stdout=output, stderr=subprocess.STDOUT, start_new_session=True,
@@ -158,9 +159,9 @@ class Tree:
             try:
                 what = '' if process.wait(test.limit_s) == 0 else self._failure(log, process.returncode)
             except subprocess.TimeoutExpired:
-                what = f'no end after {test.limit_s:.0f} s'
+                what, hung = f'no end after {test.limit_s:.0f} s', True
             self._end(process)
-        return Outcome(what == '', what, time.monotonic() - begin)
+        return Outcome(what == '', what, time.monotonic() - begin, hung)
 
     @staticmethod
     def _failure(log, code):
