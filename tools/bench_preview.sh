@@ -6,11 +6,12 @@ set -euo pipefail
 . "$(dirname "$0")/lib.sh"
 
 prepare "${build_packages[@]}" "${display_packages[@]}" chromium chromium-driver python3-selenium
-build mingw-release dist runtime_sim preview_on_bench preview_encode_speed
+build mingw-release dist runtime_sim preview preview_encode_speed sharing_dropin
 start_display
-bench=$PWD/build/mingw-release/bench
-export OMBREL_TEST_PREFIX=$wine_prefix OMBREL_TEST_PREVIEW=$bench/preview/Ombrel.exe \
-  OMBREL_TEST_ENCODING=$PWD/build/mingw-release/tests/preview/preview_encode_speed.exe \
-  OMBREL_TEST_RUNTIME=$bench/runtime_sim/runtime_sim.exe OMBREL_TEST_DRIVER=$PWD/dist/ombrel
+built=$PWD/build/mingw-release
+export OMBREL_TEST_PREFIX=${wine_prefix}_companion OMBREL_TEST_SHARING=$built/bench/dropin/d3d11.dll \
+  OMBREL_TEST_PREVIEW=$built/companion/preview/program/Ombrel.exe \
+  OMBREL_TEST_ENCODING=$built/tests/preview/preview_encode_speed.exe \
+  OMBREL_TEST_RUNTIME=$built/bench/runtime_sim/runtime_sim.exe OMBREL_TEST_DRIVER=$PWD/dist/ombrel
 say "measuring"
 PYTHONPATH=tests/pages /usr/bin/python3 -B tests/preview/measure.py "$@"

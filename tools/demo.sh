@@ -11,14 +11,16 @@ set -euo pipefail
 
 # serve_preview SECONDS: 0 for no end
 serve_preview() {
-  local out=out/demo/preview bench=build/mingw-release/bench preview
+  local out=out/demo/preview built=build/mingw-release preview
+  wine_prefix=$PWD/$built/wine_companion
   rm -rf "$out"
   mkdir -p "$out"
-  windows "$bench/preview/Ombrel.exe" >"$out/preview.log" 2>&1 &
+  tools/wine_sharing.sh "$wine_prefix" "$built/bench/dropin/d3d11.dll" \
+    "$built/companion/preview/program/Ombrel.exe" >"$out/preview.log" 2>&1 &
   preview=$!
   wait_for_line "$out/preview.log" http://localhost 60
   say "the demo's room is at $(grep -o 'http://localhost[^[:space:]]*' "$out/preview.log")"
-  windows "$bench/runtime_sim/runtime_sim.exe" --driver dist/ombrel --settings tools/demo/direct.json \
+  windows "$built/bench/runtime_sim/runtime_sim.exe" --driver dist/ombrel --settings tools/demo/direct.json \
     --haptics tools/demo/haptics.json --keep-devices --quiet --seconds "$1" --driver-log "$out/driver.log" \
     >"$out/runtime.log"
   kill "$preview"
@@ -28,7 +30,7 @@ prepare "${build_packages[@]}" "${display_packages[@]}"
 if [ "${1:-}" = --preview ]; then
   seconds=0
   [ "${2:-}" != --seconds ] || seconds=${3:?--seconds needs a number}
-  build mingw-release dist runtime_sim preview_on_bench
+  build mingw-release dist runtime_sim preview sharing_dropin
   start_display
   # shellcheck source=tools/session.sh
   . tools/session.sh

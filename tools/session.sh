@@ -1,9 +1,11 @@
 # A session of the driver between stand-ins of the runtime and the companion; source it after lib.sh.
 # shellcheck shell=bash disable=SC2154
 
-# Without a thread per Direct3D device that spins while it waits: three of them starve a machine of two cores.
+# No thread per Direct3D device that spins while it waits: three of them starve a machine of two cores.
+export WINE_D3D_CONFIG=csmt=0x0
+
 windows() {
-  WINE_D3D_CONFIG=csmt=0x0 WINEPREFIX=$wine_prefix tools/wine.sh "$@"
+  WINEPREFIX=$wine_prefix tools/wine.sh "$@"
 }
 
 # wait_for_line FILE TEXT SECONDS

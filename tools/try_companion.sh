@@ -58,16 +58,6 @@ wine_prefix=$PWD/build/mingw-release/wine_companion
 rm -rf "$report"
 mkdir -p "$report"
 
-# Wine takes its own d3d11.dll unless it is told otherwise; that one stays at hand for ours, by another name.
-supply_sharing() {
-  local system=$wine_prefix/drive_c/windows/system32 ours=$bench/dropin/d3d11.dll
-  [ -e "$wine_prefix/.made" ] || windows cmd.exe /c exit
-  if ! cmp -s "$ours" "$system/d3d11.dll"; then
-    ! grep -q 'Wine builtin DLL' "$system/d3d11.dll" || cp --remove-destination "$system/d3d11.dll" "$system/ombrel_host_d3d11.dll"
-    cp --remove-destination "$ours" "$system/d3d11.dll"
-  fi
-}
-
 # Processes that the driver looks for by name have a folder each: names of files are found in any case.
 copy_idle() {
   mkdir -p "$wine_prefix/$1"
@@ -76,14 +66,12 @@ copy_idle() {
 
 start_companion() {
   cd "$(dirname "$companion")"
-  export WINEDLLOVERRIDES='mscoree,mshtml=;d3d11=n,b' OMBREL_RECORDING="Z:$report/companion.recording"
-  export WINE_D3D_CONFIG=csmt=0x0 WINEPREFIX=$wine_prefix
-  exec "$OLDPWD/tools/wine.sh" ./Ombrel.exe "${arguments[@]}"
+  export OMBREL_RECORDING="Z:$report/companion.recording"
+  exec "$OLDPWD/tools/wine_sharing.sh" "$wine_prefix" "$bench/dropin/d3d11.dll" ./Ombrel.exe "${arguments[@]}"
 }
 
 # The driver never looks at the first process of the list.
 say "starting the companion"
-supply_sharing
 copy_idle idle idle
 copy_idle monitor vrmonitor
 windows "$wine_prefix/idle/idle.exe" 3600 </dev/null >/dev/null 2>&1 &

@@ -7,20 +7,22 @@ import time
 from pathlib import Path
 
 SOURCES = Path(__file__).resolve().parents[2]
+PREFIX = os.environ["OMBREL_TEST_PREFIX"]
+WINE = [SOURCES / "tools/wine.sh", "--prefix", PREFIX]
+SHARING = [SOURCES / "tools/wine_sharing.sh", PREFIX, os.environ["OMBREL_TEST_SHARING"]]
 WAIT_S = 60
 # Without a thread per Direct3D device that spins while it waits: three of them starve a machine of two cores.
 ENVIRONMENT = {**os.environ, "WINE_D3D_CONFIG": "csmt=0x0"}
 
 
 class Program:
-    """A Windows program whose output goes to a file."""
+    """A Windows program whose output goes to a file; `command` is how it is started."""
 
-    def __init__(self, log, program, *arguments):
+    def __init__(self, log, *command):
         self.log = Path(log)
         self.output = open(self.log, "w")
-        self.process = subprocess.Popen(
-            [SOURCES / "tools/wine.sh", "--prefix", os.environ["OMBREL_TEST_PREFIX"], program, *map(str, arguments)],
-            stdout=self.output, stderr=subprocess.STDOUT, env=ENVIRONMENT)
+        self.process = subprocess.Popen(list(map(str, command)), stdout=self.output, stderr=subprocess.STDOUT,
+                                        env=ENVIRONMENT)
 
     def wait_for(self, pattern, seconds=WAIT_S):
         """The match of the pattern in what it printed."""
@@ -52,14 +54,15 @@ class Session:
         self.start_runtime()
 
     def start_companion(self):
-        self.companion = Program(self.folder / "companion.log", os.environ["OMBREL_TEST_PREVIEW"], "--port", self.port)
+        self.companion = Program(self.folder / "companion.log", *SHARING, os.environ["OMBREL_TEST_PREVIEW"],
+                                 "--port", self.port)
         self.port = int(self.companion.wait_for(r"http://localhost:(\d+)/")[1])
 
     def start_runtime(self):
         self.runtime = Program(
-            self.folder / "runtime.log", os.environ["OMBREL_TEST_RUNTIME"], "--driver", os.environ["OMBREL_TEST_DRIVER"],
-            "--settings", self.settings, "--haptics", SOURCES / "tools/demo/haptics.json", "--keep-devices",
-            "--seconds", 1800)
+            self.folder / "runtime.log", *WINE, os.environ["OMBREL_TEST_RUNTIME"],
+            "--driver", os.environ["OMBREL_TEST_DRIVER"], "--settings", self.settings,
+            "--haptics", SOURCES / "tools/demo/haptics.json", "--keep-devices", "--seconds", 1800)
         self.companion.wait_for("the driver is here")
 
     def end(self):

@@ -1,14 +1,35 @@
 #include "frame_source.h"
 
-#include <utility>
+#include <dxgi.h>
 
-#include "device.h"
+#include <utility>
 
 namespace preview {
 namespace {
 
+using Microsoft::WRL::ComPtr;
+
 constexpr std::uint32_t kWaitMs = 10;
 constexpr unsigned kMostAdapters = 16;
+
+ComPtr<IDXGIAdapter> FindAdapter(unsigned index) {
+  ComPtr<IDXGIFactory> factory;
+  ComPtr<IDXGIAdapter> adapter;
+  if (SUCCEEDED(CreateDXGIFactory(IID_PPV_ARGS(&factory)))) factory->EnumAdapters(index, &adapter);
+  return adapter;
+}
+
+// Candidate 0 is on the system's default adapter, the others on each adapter in turn. Null when that one has none, or
+// there are no more.
+ComPtr<ID3D11Device> CreateDevice(unsigned candidate) {
+  ComPtr<IDXGIAdapter> adapter;
+  if (candidate > 0) adapter = FindAdapter(candidate - 1);
+  if (candidate > 0 && !adapter) return nullptr;
+  ComPtr<ID3D11Device> device;
+  D3D11CreateDevice(adapter.Get(), adapter ? D3D_DRIVER_TYPE_UNKNOWN : D3D_DRIVER_TYPE_HARDWARE, nullptr, 0, nullptr, 0,
+                    D3D11_SDK_VERSION, &device, nullptr, nullptr);
+  return device;
+}
 
 }  // namespace
 
@@ -24,7 +45,7 @@ bool FrameSource::Open(const companion::FrameSharingInfo& info) {
   return false;
 }
 
-bool FrameSource::OpenOn(Microsoft::WRL::ComPtr<ID3D11Device> device, const companion::FrameSharingInfo& info) {
+bool FrameSource::OpenOn(ComPtr<ID3D11Device> device, const companion::FrameSharingInfo& info) {
   if (!device) return false;
   reader_.emplace(device);
   if (FAILED(reader_->Open(info))) return false;
