@@ -89,7 +89,8 @@ start_display() {
 
 stop_what_was_started() {
   local prefix
-  for prefix in "$wine_prefix" "${wine_prefix}_gpu" "${wine_prefix}_dxvk" "${wine_prefix}_scenarios"; do
+  for prefix in "$wine_prefix" "${wine_prefix}_gpu" "${wine_prefix}_dxvk" "${wine_prefix}_scenarios" \
+    "${wine_prefix}_companion"; do
     if [ -d "$prefix" ]; then
       WINEPREFIX=$prefix /usr/lib/wine/wineserver -k 2>/dev/null || true
     fi
