@@ -7,6 +7,8 @@ set -euo pipefail
 # shellcheck source=tools/usage.sh
 . "$(dirname "$0")/usage.sh"
 cd "$(dirname "$0")/.."
+# shellcheck source=tools/debian.sh
+. tools/debian.sh
 
 release=trixie
 package=dxvk-wine64=2.6+ds-1
@@ -20,25 +22,8 @@ fi
 echo "fetching a second Direct3D 11 ($package)"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-# shellcheck disable=SC2016  # the names in there are apt's
-archive=$(apt-get indextargets --format '$(REPO_URI) $(RELEASE)' | awk '$2 !~ /-/ { print $1; exit }')
-if [ -z "$archive" ]; then
-  echo "apt knows no archive: is there a list of packages?" >&2
-  exit 1
-fi
-mkdir -p "$work/lists/partial" "$work/cache/archives/partial"
-chmod 755 "$work"
-echo "deb [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] $archive $release main" >"$work/sources.list"
-apt=(apt-get -qq -o "Dir::Etc::sourcelist=$work/sources.list" -o Dir::Etc::sourceparts=-
-  -o "Dir::State::lists=$work/lists" -o "Dir::Cache=$work/cache" -o APT::Sandbox::User="$(id -un)")
-"${apt[@]}" update
-(cd "$work" && "${apt[@]}" download "$package")
-deb=$(echo "$work"/*.deb)
-if ! echo "$package_sha256  $deb" | sha256sum --check --status; then
-  echo "$package is not the package it was: its hash differs" >&2
-  exit 1
-fi
-dpkg-deb -x "$deb" "$work/unpacked"
+fetch_from_debian "$work" deb "$release" "$package_sha256" '*.deb' download "$package"
+dpkg-deb -x "$work"/*.deb "$work/unpacked"
 mkdir -p "$folder"
 for library in d3d11 dxgi; do
   cp "$work/unpacked/usr/lib/dxvk/wine64/$library.dll.so" "$folder/$library.dll"

@@ -7,6 +7,8 @@ set -euo pipefail
 # shellcheck source=tools/usage.sh
 . "$(dirname "$0")/usage.sh"
 cd "$(dirname "$0")/.."
+# shellcheck source=tools/debian.sh
+. tools/debian.sh
 
 release=bookworm
 package=libjpeg-turbo=1:2.1.5-2
@@ -20,26 +22,9 @@ fi
 echo "fetching the sources of libjpeg-turbo ($package)"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-# shellcheck disable=SC2016  # the names in there are apt's
-mirror=$(apt-get indextargets --format '$(REPO_URI) $(RELEASE)' | awk '$2 !~ /-/ { print $1; exit }')
-if [ -z "$mirror" ]; then
-  echo "apt knows no archive: is there a list of packages?" >&2
-  exit 1
-fi
-mkdir -p "$work/lists/partial" "$work/cache/archives/partial"
-chmod 755 "$work"
-echo "deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] $mirror $release main" >"$work/sources.list"
-apt=(apt-get -qq -o "Dir::Etc::sourcelist=$work/sources.list" -o Dir::Etc::sourceparts=-
-  -o "Dir::State::lists=$work/lists" -o "Dir::Cache=$work/cache" -o APT::Sandbox::User="$(id -un)")
-"${apt[@]}" update
-(cd "$work" && "${apt[@]}" source --download-only "$package")
-archive=$(echo "$work"/*.orig.tar.gz)
-if ! echo "$archive_sha256  $archive" | sha256sum --check --status; then
-  echo "$package has not the sources that it had: their hash differs" >&2
-  exit 1
-fi
+fetch_from_debian "$work" deb-src "$release" "$archive_sha256" '*.orig.tar.gz' source --download-only "$package"
 rm -rf "$folder"
 mkdir -p "$folder"
-tar -xzf "$archive" -C "$folder" --strip-components=1
+tar -xzf "$work"/*.orig.tar.gz -C "$folder" --strip-components=1
 echo "$archive_sha256" >"$folder/.fetched"
 echo "they are in $folder"
