@@ -35,6 +35,7 @@ def test_prints_its_usage_and_does_nothing(script, watched_path, tmp_path):
                          stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=20, check=False)
     assert run.returncode == 0, run.stderr
     assert script in run.stdout or f"usage: {pathlib.Path(script).name}" in run.stdout
+    assert "set -eu" not in run.stdout, "its code"
     assert run.stderr == ""
     assert not calls.exists(), calls.read_text()
 
