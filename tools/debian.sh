@@ -20,7 +20,7 @@ fetch_from_debian() {
     -o "Dir::State::lists=$folder/lists" -o "Dir::Cache=$folder/cache" -o APT::Sandbox::User="$(id -un)")
   "${apt[@]}" update
   (cd "$folder" && "${apt[@]}" "$@")
-  # shellcheck disable=SC2086  # a pattern
+  # shellcheck disable=SC2086,SC2116  # a pattern
   file=$(echo "$folder"/$file)
   if ! echo "$sha256  $file" | sha256sum --check --status; then
     echo "$(basename "$file") is not what it was: its hash differs" >&2
