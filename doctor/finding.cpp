@@ -1,9 +1,23 @@
 #include "doctor/finding.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <stdexcept>
 
+#include "subjects.h"
+
 namespace ombrel::doctor {
+
+std::span<const FindingText> FindingTexts() {
+  static const std::vector<FindingText> all = [] {
+    std::vector<FindingText> texts;
+    for (const auto& subject : {StartTexts(), FolderTexts(), ComputerTexts()}) {
+      texts.insert(texts.end(), subject.begin(), subject.end());
+    }
+    return texts;
+  }();
+  return all;
+}
 
 const FindingText& TextOf(std::string_view id) {
   const auto texts = FindingTexts();
@@ -24,6 +38,12 @@ std::string Filled(const char* text, const std::vector<std::string>& values) {
     }
   }
   return filled;
+}
+
+std::string Hexadecimal(std::uint64_t number) {
+  char text[24];
+  std::snprintf(text, sizeof(text), "0x%llX", static_cast<unsigned long long>(number));
+  return text;
 }
 
 }  // namespace ombrel::doctor

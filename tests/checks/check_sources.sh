@@ -18,6 +18,10 @@ files_of() {
   fi
 }
 
+driver_files() {
+  for folder in $driver_folders; do files_of "$folder"; done
+}
+
 # report FILE MESSAGE: puts both before each line that comes in as NUMBER:TEXT.
 report() {
   while IFS= read -r line; do
@@ -47,27 +51,23 @@ check_bench() {
   for file in $(files_of companion/include) $(files_of companion/library); do
     forbid "$file" "the kit includes the bench" "$(includes_of "${benches%|}")"
   done
-  for folder in $driver_folders; do
-    for file in $(files_of "$folder"); do
-      forbid "$file" "the driver includes the companion" "$(includes_of 'companion/|ombrel/')"
-    done
+  for file in $(driver_files); do
+    forbid "$file" "the driver includes the companion" "$(includes_of 'companion/|ombrel/')"
   done
 }
 
 # Windows and Direct3D stay in the files named after them, conditional compilation in platform/.
 check_adapters() {
   windows='windows\.h|winsock|ws2|d3d|dxgi|wrl|tlhelp32\.h|timeapi\.h|mmsystem\.h|psapi\.h|process\.h'
-  for folder in $driver_folders; do
-    for file in $(files_of "$folder"); do
-      case $file in
-        *_win32.* | *_d3d11.*) ;;
-        *) forbid "$file" "system header outside _win32 and _d3d11 files" "$(includes_of "$windows")" ;;
-      esac
-      case $file in
-        platform/*) ;;
-        *) forbid "$file" "conditional compilation outside platform/" '^[[:space:]]*#[[:space:]]*(if|ifdef|ifndef|elif)\b' ;;
-      esac
-    done
+  for file in $(driver_files); do
+    case $file in
+      *_win32.* | *_d3d11.*) ;;
+      *) forbid "$file" "system header outside _win32 and _d3d11 files" "$(includes_of "$windows")" ;;
+    esac
+    case $file in
+      platform/*) ;;
+      *) forbid "$file" "conditional compilation outside platform/" '^[[:space:]]*#[[:space:]]*(if|ifdef|ifndef|elif)\b' ;;
+    esac
   done
 }
 
@@ -76,10 +76,8 @@ check_adapters() {
 check_loading() {
   calls='LoadLibrary|LoadPackagedLibrary|LdrLoadDll|dlopen|SetDllDirectory|AddDllDirectory'
   calls="$calls|CreateProcess|ShellExecute|WinExec|system|_?w?popen|_?w?spawn[lv]p?e?|_?w?exec[lv]p?e?"
-  for folder in $driver_folders; do
-    for file in $(files_of "$folder"); do
-      forbid "$file" "loads a library or starts a program" "\\b($calls)(Ex)?(A|W)?[[:space:]]*\\("
-    done
+  for file in $(driver_files); do
+    forbid "$file" "loads a library or starts a program" "\\b($calls)(Ex)?(A|W)?[[:space:]]*\\("
   done
 }
 
@@ -89,24 +87,22 @@ check_msvc() {
   kits='winternl\.h|ntdef\.h|ntstatus\.h|ntifs\.h|wdm\.h|ddk/'
   posix='unistd\.h|strings\.h|pthread\.h|dirent\.h|getopt\.h|sys/|cxxabi\.h|x86intrin\.h|bits/|ext/'
   constant='(k[A-Z][[:alnum:]]*|sizeof\([^()]*\)) *([=!]=|[<>]=?) *(k[A-Z]|[0-9])'
-  for folder in $driver_folders; do
-    for file in $(files_of "$folder"); do
-      forbid "$file" "header that Microsoft has with other contents, or not" "$(includes_of "$kits")"
-      case $file in
-        *_posix.cpp | */attributes.h) ;;
-        *)
-          forbid "$file" "header that Microsoft has not" "$(includes_of "$posix")"
-          forbid "$file" "extension that MSVC has not" '__attribute__|__builtin_|__int128|\[\[(gnu|clang)::'
-          ;;
-      esac
-      forbid "$file" "condition that is constant (C4127)" "\\b(if|while) \(([^;]*[^[:alnum:]_.:>])?$constant"
-      forbid "$file" "constant without an initializer (C4268)" '^(static )?const [[:alnum:]_:<>, ]+ [[:alnum:]_]+;'
-    done
+  for file in $(driver_files); do
+    forbid "$file" "header that Microsoft has with other contents, or not" "$(includes_of "$kits")"
+    case $file in
+      *_posix.cpp | */attributes.h) ;;
+      *)
+        forbid "$file" "header that Microsoft has not" "$(includes_of "$posix")"
+        forbid "$file" "extension that MSVC has not" '__attribute__|__builtin_|__int128|\[\[(gnu|clang)::'
+        ;;
+    esac
+    forbid "$file" "condition that is constant (C4127)" "\\b(if|while) \(([^;]*[^[:alnum:]_.:>])?$constant"
+    forbid "$file" "constant without an initializer (C4268)" '^(static )?const [[:alnum:]_:<>, ]+ [[:alnum:]_]+;'
   done
 }
 
 check_size() {
-  for folder in $driver_folders companion report selftest bench tests; do
+  for folder in $driver_folders companion report doctor selftest bench tests; do
     for file in $(files_of "$folder"); do
       case $file in
         companion/include/*) limit=299 ;;      # one header, to be taken along

@@ -14,7 +14,7 @@ enum class Language { kEnglish, kGerman };
 // Something that stands in the way of a picture, or may. Its texts are found by the identifier.
 struct Finding {
   std::string_view id;
-  std::vector<std::string> values;  // paths, names and numbers, which the texts refer to as {0}, {1} ...
+  std::vector<std::string> values = {};  // paths, names and numbers, which the texts refer to as {0}, {1} ...
 };
 
 struct Text {
