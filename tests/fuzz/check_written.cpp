@@ -4,15 +4,10 @@
 #include <cstdint>
 
 #include "stream_model.h"
+#include "support/bytes.h"
 
 namespace ombrel::test {
 namespace {
-
-std::uint32_t U32(std::span<const std::byte> bytes, std::size_t offset) {
-  std::uint32_t number = 0;
-  for (std::size_t i = 0; i < 4; ++i) number |= std::to_integer<std::uint32_t>(bytes[offset + i]) << (8 * i);
-  return number;
-}
 
 bool AreZero(std::span<const std::byte> bytes) {
   return std::ranges::all_of(bytes, [](std::byte byte) { return byte == std::byte{0}; });
@@ -25,15 +20,16 @@ bool IsNameCharacter(std::byte byte) {
 
 std::string WrongAnnouncement(std::span<const std::byte> payload) {
   if (payload.size() != 76) return "an announcement of another size";
-  if (U32(payload, 0) != 4660 || U32(payload, 4) != 0x40000002 || U32(payload, 8) != 0x40000006) return "wrong handles";
+  if (ReadU32(payload, 0) != 4660 || ReadU32(payload, 4) != 0x40000002 || ReadU32(payload, 8) != 0x40000006)
+    return "wrong handles";
   if (!std::ranges::all_of(payload.subspan(12, 58), IsNameCharacter)) return "a wrong name";
   return AreZero(payload.subspan(70)) ? "" : "an announcement with bytes that say nothing";
 }
 
 std::string WrongPulse(std::span<const std::byte> payload, const StreamModel& model) {
   if (payload.size() != 12) return "a haptic pulse of another size";
-  if (!model.KnowsController(U32(payload, 0))) return "a haptic pulse for nobody";
-  if (U32(payload, 8) != 3000) return "a haptic pulse of another length, or with bytes that say nothing";
+  if (!model.KnowsController(ReadU32(payload, 0))) return "a haptic pulse for nobody";
+  if (ReadU32(payload, 8) != 3000) return "a haptic pulse of another length, or with bytes that say nothing";
   return {};
 }
 
@@ -42,9 +38,9 @@ std::string WrongPulse(std::span<const std::byte> payload, const StreamModel& mo
 std::string CheckWritten(std::span<const std::byte> bytes, const StreamModel& model) {
   int announcements = 0;
   while (!bytes.empty()) {
-    if (bytes.size() < 8 || bytes.size() < 8 + std::size_t{U32(bytes, 0)}) return "half a message was written";
-    const std::span<const std::byte> payload = bytes.subspan(8, U32(bytes, 0));
-    const std::uint32_t type = U32(bytes, 4);
+    if (bytes.size() < 8 || bytes.size() < 8 + std::size_t{ReadU32(bytes, 0)}) return "half a message was written";
+    const std::span<const std::byte> payload = bytes.subspan(8, ReadU32(bytes, 0));
+    const std::uint32_t type = ReadU32(bytes, 4);
     if (type != 2 && type != 11) return "a message of type " + std::to_string(type) + " was written";
     const std::string wrong = type == 2 ? WrongAnnouncement(payload) : WrongPulse(payload, model);
     if (!wrong.empty()) return wrong;

@@ -7,22 +7,15 @@
 #include "line.h"
 #include "runtime/fake_driver_input.h"
 #include "runtime/fake_properties.h"
+#include "support/bytes.h"
 
 namespace ombrel::test {
 namespace {
 
-template <typename Number>
-Number Little(std::span<const std::byte> bytes, std::size_t offset) {
-  Number number = 0;
-  for (std::size_t i = 0; i < sizeof(Number); ++i) {
-    number |= static_cast<Number>(std::to_integer<Number>(bytes[offset + i]) << (8 * i));
-  }
-  return number;
+std::uint64_t U64(std::span<const std::byte> bytes, std::size_t offset) {
+  return ReadLittle<std::uint64_t>(bytes, offset);
 }
-
-std::uint32_t U32(std::span<const std::byte> bytes, std::size_t offset) { return Little<std::uint32_t>(bytes, offset); }
-std::uint64_t U64(std::span<const std::byte> bytes, std::size_t offset) { return Little<std::uint64_t>(bytes, offset); }
-float F32(std::span<const std::byte> bytes, std::size_t offset) { return std::bit_cast<float>(U32(bytes, offset)); }
+float F32(std::span<const std::byte> bytes, std::size_t offset) { return std::bit_cast<float>(ReadU32(bytes, offset)); }
 double F64(std::span<const std::byte> bytes, std::size_t offset) { return std::bit_cast<double>(U64(bytes, offset)); }
 
 template <std::size_t kCount>
@@ -67,10 +60,10 @@ std::string RecordLine(std::span<const std::byte> record) {
 
 StreamModel::End StreamModel::Take(std::span<const std::byte> bytes) {
   while (bytes.size() >= 4) {
-    const std::size_t length = U32(bytes, 0);
+    const std::size_t length = ReadU32(bytes, 0);
     if (length > 65536) return End::kTooLong;
     if (bytes.size() < 8 + length) return End::kInsideAMessage;
-    Message(U32(bytes, 4), bytes.subspan(8, length));
+    Message(ReadU32(bytes, 4), bytes.subspan(8, length));
     bytes = bytes.subspan(8 + length);
   }
   return bytes.empty() ? End::kBetweenMessages : End::kInsideAMessage;
@@ -80,7 +73,7 @@ void StreamModel::Message(std::uint32_t type, Payload payload) {
   if (type == 4) TrackingUpdate(payload);
   if (type == 8) Recenter();
   if (type == 9 && payload.size() >= 4) {
-    const std::uint32_t rate = U32(payload, 0);
+    const std::uint32_t rate = ReadU32(payload, 0);
     lines_.push_back(Line("frequency") << static_cast<float>(static_cast<std::int32_t>(rate)));
     lines_.push_back(Line("framerate") << rate);
   }
@@ -90,7 +83,7 @@ void StreamModel::Message(std::uint32_t type, Payload payload) {
 
 void StreamModel::TrackingUpdate(Payload payload) {
   if (payload.size() < 4) return;
-  const std::uint32_t format = U32(payload, payload.size() - 4);
+  const std::uint32_t format = ReadU32(payload, payload.size() - 4);
   if (payload.size() < LeastSize(format)) return;
   if (format == 3) position_ = Floats<3>(payload, 12);
   if (format == 4) position_ = Floats<3>(payload, 16);
@@ -134,7 +127,7 @@ void StreamModel::Recenter() {
 }
 
 void StreamModel::ControllerUpdate(Payload record) {
-  const std::uint32_t id = U32(record, 0);
+  const std::uint32_t id = ReadU32(record, 0);
   const auto [entry, isNew] = controllers_.try_emplace(id);
   if (isNew) {
     lines_.push_back(Line("added") << 2);
@@ -156,7 +149,7 @@ void StreamModel::Move(Controller& controller, Payload record) {
   Line line("pose");
   line << controller.device << F32(record, 28) << F32(record, 44) << F32(record, 60);
   for (std::size_t offset = 144; offset < 192; offset += 8) line << F64(record, offset);
-  lines_.push_back(Status(line, U32(record, 4)));
+  lines_.push_back(Status(line, ReadU32(record, 4)));
 }
 
 void StreamModel::Press(Controller& controller, Payload record) {

@@ -5,14 +5,10 @@
 #include <limits>
 #include <utility>
 
+#include "support/bytes.h"
+
 namespace ombrel::test {
 namespace {
-
-std::uint32_t U32(std::span<const std::byte> bytes, std::size_t offset) {
-  std::uint32_t value = 0;
-  for (std::size_t i = 0; i < 4; ++i) value |= std::to_integer<std::uint32_t>(bytes[offset + i]) << (8 * i);
-  return value;
-}
 
 void PutU32(std::span<std::byte> bytes, std::size_t offset, std::uint32_t value) {
   for (std::size_t i = 0; i < 4; ++i) bytes[offset + i] = static_cast<std::byte>(value >> (8 * i) & 0xFFU);
@@ -25,10 +21,10 @@ constexpr float kInfinity = std::numeric_limits<float>::infinity();
 StreamMutator::Messages StreamMutator::Parse(std::span<const std::byte> stream) {
   Messages messages;
   while (stream.size() >= 8) {
-    const std::size_t told = U32(stream, 0), there = std::min(told, stream.size() - 8);
+    const std::size_t told = ReadU32(stream, 0), there = std::min(told, stream.size() - 8);
     const std::span<const std::byte> payload = stream.subspan(8, there);
     const auto lie = static_cast<std::uint32_t>(told - there);
-    messages.push_back({U32(stream, 4), {payload.begin(), payload.end()}, lie});
+    messages.push_back({ReadU32(stream, 4), {payload.begin(), payload.end()}, lie});
     stream = stream.subspan(8 + there);
   }
   return messages;

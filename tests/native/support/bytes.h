@@ -30,6 +30,20 @@ class Bytes {
   std::vector<std::byte> bytes_;
 };
 
+// A number of the type's size at an offset, little-endian.
+template <typename Number>
+[[nodiscard]] Number ReadLittle(std::span<const std::byte> bytes, std::size_t offset) {
+  Number number = 0;
+  for (std::size_t i = 0; i < sizeof(Number); ++i) {
+    number |= static_cast<Number>(std::to_integer<Number>(bytes[offset + i]) << (8 * i));
+  }
+  return number;
+}
+
+[[nodiscard]] inline std::uint32_t ReadU32(std::span<const std::byte> bytes, std::size_t offset) {
+  return ReadLittle<std::uint32_t>(bytes, offset);
+}
+
 // Header and payload.
 [[nodiscard]] Bytes Framed(std::uint32_t type, std::span<const std::byte> payload);
 

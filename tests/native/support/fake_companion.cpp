@@ -3,15 +3,6 @@
 #include <cstdlib>
 
 namespace ombrel::test {
-namespace {
-
-std::uint32_t LittleU32(std::span<const std::byte> bytes) {
-  std::uint32_t value = 0;
-  for (std::size_t i = 0; i < 4; ++i) value |= std::to_integer<std::uint32_t>(bytes[i]) << (8 * i);
-  return value;
-}
-
-}  // namespace
 
 PipeFolder::PipeFolder() { setenv("OMBREL_PIPE_DIR", folder_.TextOf("").c_str(), 1); }
 
@@ -43,8 +34,8 @@ bool FakeCompanion::SendPose(float x, float y, float z, float w) const {
 std::optional<FakeCompanion::Message> FakeCompanion::Receive() const {
   const std::vector<std::byte> header = in.Receive(8);
   if (header.size() != 8) return std::nullopt;
-  const std::uint32_t length = LittleU32(header);
-  Message message{LittleU32(std::span(header).subspan(4)), in.Receive(length)};
+  const std::uint32_t length = ReadU32(header, 0);
+  Message message{ReadU32(header, 4), in.Receive(length)};
   if (message.payload.size() != length) return std::nullopt;
   return message;
 }
