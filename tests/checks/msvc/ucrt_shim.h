@@ -37,26 +37,17 @@ struct timespec {
 #undef isnan
 #undef isnormal
 #undef signbit
-template <typename T>
-inline bool isfinite(T x) {
-  return __builtin_isfinite(x);
-}
-template <typename T>
-inline bool isinf(T x) {
-  return __builtin_isinf(x);
-}
-template <typename T>
-inline bool isnan(T x) {
-  return __builtin_isnan(x);
-}
-template <typename T>
-inline bool isnormal(T x) {
-  return __builtin_isnormal(x);
-}
-template <typename T>
-inline bool signbit(T x) {
-  return __builtin_signbit(x);
-}
+#define ASKED_OF_A_NUMBER(name) \
+  template <typename T>         \
+  inline bool name(T x) {       \
+    return __builtin_##name(x); \
+  }
+ASKED_OF_A_NUMBER(isfinite)
+ASKED_OF_A_NUMBER(isinf)
+ASKED_OF_A_NUMBER(isnan)
+ASKED_OF_A_NUMBER(isnormal)
+ASKED_OF_A_NUMBER(signbit)
+#undef ASKED_OF_A_NUMBER
 
 // Wine's wchar.h hides libc++'s, which looks for its own guard.
 #include <wchar.h>
