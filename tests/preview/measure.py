@@ -15,7 +15,7 @@ from pathlib import Path
 from browser import open_browser, set_screen
 from preview_browser import DESK, wait_until, words
 from preview_host import Page
-from preview_session import ENVIRONMENT, SOURCES, Session
+from preview_session import ENVIRONMENT, WINE, Session
 
 IN_BROWSER = 1000
 FRAME_HEADER = 16  # bytes before the JPEG
@@ -58,8 +58,7 @@ def measure_encoding(session, folder):
     """Width, height and processor milliseconds of compressing one of the session's frames, as text."""
     picture = Path(folder) / "frame.jpg"
     picture.write_bytes(Page(session.port).receive_picture()[FRAME_HEADER:])
-    wine = [SOURCES / "tools/wine.sh", "--prefix", os.environ["OMBREL_TEST_PREFIX"]]
-    return subprocess.check_output([*wine, os.environ["OMBREL_TEST_ENCODING"], picture], env=ENVIRONMENT, text=True).split()
+    return subprocess.check_output([*WINE, os.environ["OMBREL_TEST_ENCODING"], picture], env=ENVIRONMENT, text=True).split()
 
 
 def measure_memory(session, frames):
