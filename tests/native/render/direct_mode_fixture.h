@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <functional>
 #include <memory>
 #include <string>
@@ -11,11 +12,13 @@
 #include <vector>
 
 #include "context/driver_log.h"
+#include "link/frame_sharing.h"
 #include "render/direct_mode_component.h"
 #include "runtime/fake_driver_log.h"
 #include "support/background.h"
 #include "support/fake_companion.h"
 #include "support/fake_renderer.h"
+#include "support/named_objects.h"
 
 namespace ombrel::test {
 
@@ -42,13 +45,14 @@ class DirectModeComponentTest : public testing::Test {
     component_.CreateSwapTextureSet(process, &desc, &handles);
     return {handles[0], handles[1], handles[2]};
   }
-  void Submit(std::uint64_t left, std::uint64_t right, float uMin) {
+  // `x` is the pose's first element.
+  void Submit(std::uint64_t left, std::uint64_t right, float uMin, float x = 0) {
     Eye eyes[2]{};
     eyes[0].hTexture = left;
     eyes[1].hTexture = right;
     eyes[0].bounds = {uMin, 0.125F, 0.5F, 0.75F};
     eyes[1].bounds = {uMin + 0.25F, 0, 1, 1};
-    const vr::HmdMatrix34_t pose{};
+    const vr::HmdMatrix34_t pose{{{x}}};
     component_.SubmitLayer(eyes, &pose);
   }
   [[nodiscard]] bool Connect() {
@@ -76,6 +80,12 @@ class DirectModeComponentTest : public testing::Test {
       layers_.emplace_back(layer.leftTexture, (*layer.bounds)[0].uMin);
     };
     return layers_;
+  }
+  // The first element of the pose beside an output's picture.
+  [[nodiscard]] static float PoseInSlot(std::int32_t slot) {
+    float x = 0;
+    std::memcpy(&x, NewestBlock() + SlotOffset(kFrameSharingBlockSize, slot), sizeof(x));
+    return x;
   }
   // Presents until a frame is taken.
   [[nodiscard]] bool PresentTaken() {

@@ -87,14 +87,15 @@ TEST_F(DirectModeFramesTest, ALayerThatIsSubmittedWhileNobodyTakesAFrameIsDrawnB
   ASSERT_TRUE(PresentTaken());
   renderer_->onCall = [this](const std::string& line) {
     if (line != "AcquireSyncTexture 77 16") return;
-    Submit(3, 4, 0.25F);
+    Submit(3, 4, 0.25F, 0.5F);
     throw std::bad_alloc();
   };
-  Submit(1, 2, 0.125F);
+  Submit(1, 2, 0.125F, -0.5F);
   component_.Present(77);
   const auto& drawn = NoteLayers();
   component_.Present(78);
   EXPECT_EQ(drawn, (Layers{{1, 0.25F}, {3, 0.25F}}));
+  EXPECT_EQ(PoseInSlot(1), -0.5F) << "a frame's pose is that of its first layer";
 }
 
 TEST_F(DirectModeFramesTest, FramesThatArePresentedAtOnceAreDrawnOneAfterTheOther) {
