@@ -2,7 +2,7 @@
 
 #include "caller.h"
 #include "shared_texture.h"
-#include "vtable_patch.h"
+#include "sharing/vtable_patch.h"
 
 #include <wrl/client.h>
 

@@ -2,8 +2,8 @@
 
 #include "caller.h"
 #include "shared_surface.h"
+#include "sharing/vtable_patch.h"
 #include "texture_hooks.h"
-#include "vtable_patch.h"
 
 #include <array>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "sharing/import_patch.h"
 
-#include "vtable_patch.h"
+#include "sharing/vtable_patch.h"
 
 #include <cstdint>
 #include <cstring>

@@ -5,7 +5,7 @@
 #include "shared_resource.h"
 #include "shared_texture.h"
 #include "sharing/textures.h"
-#include "vtable_patch.h"
+#include "sharing/vtable_patch.h"
 
 #include <array>
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "vtable_patch.h"
+#include "sharing/vtable_patch.h"
 
 #include <windows.h>
 
