@@ -72,6 +72,7 @@ start_companion() {
 
 # The driver never looks at the first process of the list.
 say "starting the companion"
+: >"$report/companion.recording" # stays empty when the companion makes no Direct3D 11 device
 copy_idle idle idle
 copy_idle monitor vrmonitor
 windows "$wine_prefix/idle/idle.exe" 3600 </dev/null >/dev/null 2>&1 &
@@ -80,7 +81,7 @@ companion_process=$!
 
 say "playing $seconds seconds in $mode mode"
 windows "$bench/recorder/recorded_runtime.exe" --driver dist/ombrel --settings "tools/demo/$mode.json" \
-  --haptics bench/recorder/haptics.json --monitor "Z:$wine_prefix/monitor/vrmonitor.exe" --seconds "$seconds" --fps "$fps" \
+  --sharing stand-in --keep-devices --haptics bench/recorder/haptics.json --monitor "Z:$wine_prefix/monitor/vrmonitor.exe" --seconds "$seconds" --fps "$fps" \
   --recording "Z:$report/driver.recording" --driver-log "Z:$report/driver.log" >"$report/runtime.log" 2>&1 ||
   echo "the runtime ended with a failure: $report/runtime.log" >&2
 

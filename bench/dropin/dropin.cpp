@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <exception>
 
+#include "connected_pipe.h"
 #include "recorder/texture_recorder.h"
 #include "sharing/sharing_device.h"
 
@@ -65,8 +66,10 @@ extern "C" HRESULT WINAPI D3D11CreateDeviceAndSwapChain(IDXGIAdapter* adapter, D
                device);
 }
 
-BOOL WINAPI DllMain(HINSTANCE, DWORD reason, void*) {
+BOOL WINAPI DllMain(HINSTANCE, DWORD reason, void* processEnds) {
   if (reason == DLL_PROCESS_ATTACH) StartRecording();
-  if (reason == DLL_PROCESS_DETACH && recording != nullptr) recording->AddLast(checker::EventKind::kDetached);
+  if (reason == DLL_PROCESS_DETACH && processEnds != nullptr && recording != nullptr) {
+    recording->AddLast(checker::EventKind::kDetached, HasConnectedPipe() ? 1 : 0);
+  }
   return TRUE;
 }

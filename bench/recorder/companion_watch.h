@@ -8,8 +8,8 @@
 
 namespace bench {
 
-// The id of a process of the companion's name, which must be spelled as the protocol says; 0 when there is none.
-[[nodiscard]] std::uint32_t FindCompanion();
+// The id of a process of this name, spelled exactly so; 0 when there is none.
+[[nodiscard]] std::uint32_t FindProcess(const char* name);
 
 // Records that the companion was found and when it ended.
 class CompanionWatch {

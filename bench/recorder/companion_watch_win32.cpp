@@ -1,6 +1,5 @@
 #include "companion_watch.h"
 
-#include <ombrel/protocol.h>
 #include <tlhelp32.h>
 
 #include <array>
@@ -9,12 +8,12 @@
 
 namespace bench {
 
-std::uint32_t FindCompanion() {
+std::uint32_t FindProcess(const char* name) {
   const OwnedHandle list(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
   PROCESSENTRY32 entry{};
   entry.dwSize = sizeof(entry);
   for (BOOL any = Process32First(list.Get(), &entry); any; any = Process32Next(list.Get(), &entry)) {
-    if (std::strcmp(entry.szExeFile, OMBREL_PROCESS_NAME) == 0) return entry.th32ProcessID;
+    if (std::strcmp(entry.szExeFile, name) == 0) return entry.th32ProcessID;
   }
   return 0;
 }

@@ -44,9 +44,9 @@ void RecordingFile::Add(checker::EventKind kind, std::uint32_t subject, std::uin
   Add(EventOf(kind, subject, result));
 }
 
-void RecordingFile::AddLast(checker::EventKind kind) const {
+void RecordingFile::AddLast(checker::EventKind kind, std::uint32_t result) const {
   const std::unique_lock lock(mutex_, std::try_to_lock);
-  Write(checker::EncodeEvent(EventOf(kind, 0, 0)));
+  Write(checker::EncodeEvent(EventOf(kind, 0, result)));
 }
 
 void RecordingFile::Write(const checker::Bytes& bytes) const {

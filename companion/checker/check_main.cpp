@@ -36,10 +36,9 @@ std::string ReadText(const std::filesystem::path& file) {
   return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
-// A companion that never came to Direct3D has left no recording.
-checker::Session ReadSession(const Options& options) {
+checker::Session ReadSession(const Options& options, checker::Watched watched) {
   auto events = checker::ReadRecording(options.driver);
-  if (!options.companion.empty() && std::filesystem::exists(options.companion)) {
+  if (watched == checker::Watched::kBothSides) {
     const auto more = checker::ReadRecording(options.companion);
     events.insert(events.end(), more.begin(), more.end());
   }
@@ -47,8 +46,9 @@ checker::Session ReadSession(const Options& options) {
 }
 
 int Check(const Options& options) {
-  const checker::Session session = ReadSession(options);
-  const auto watched = options.companion.empty() ? checker::Watched::kDriver : checker::Watched::kBothSides;
+  const auto watched =
+      std::filesystem::exists(options.companion) ? checker::Watched::kBothSides : checker::Watched::kDriver;
+  const checker::Session session = ReadSession(options, watched);
   const checker::Verdict verdict = checker::VerdictOf(session, watched);
   std::fputs(checker::InText(verdict).c_str(), stdout);
   if (!options.json.empty()) Write(options.json, checker::InJson(verdict, session.begin).dump(2) + "\n");
@@ -68,7 +68,7 @@ int main(int argc, char** argv) {
       "frames came, with 1 when one was, with 3 when no frame came");
   app.add_option("--driver", options.driver, "Recording of the driver's side")->required();
   app.add_option("--companion", options.companion,
-                 "Recording of the companion's side; without it textures are not judged");
+                 "Recording of the companion's side; without it what it does with textures is not judged");
   app.add_option("--json", options.json, "File for the verdict as JSON");
   auto* const page = app.add_option("--template", options.pageTemplate, "The report's page");
   app.add_option("--html", options.html, "File for the verdict as a page")->needs(page);

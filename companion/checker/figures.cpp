@@ -3,6 +3,7 @@
 #include <ombrel/protocol.h>
 
 #include <cstring>
+#include <map>
 #include <set>
 
 #include "findings.h"
@@ -37,16 +38,21 @@ void CountFromDriver(const Connection& connection, Figures& figures) {
   }
 }
 
-// The driver has other textures with keyed mutexes, too, those of the runtime.
+std::size_t CountOf(const std::map<std::uint32_t, std::vector<Nanoseconds>>& times, std::uint32_t handle) {
+  const auto found = times.find(handle);
+  return found == times.end() ? 0 : found->second.size();
+}
+
+// The driver's process has other textures with keyed mutexes, too, those of the runtime.
 void CountHandedOver(const Session& session, Figures& figures) {
   for (const Connection& connection : session.connections) {
     const auto announced = AnnouncementOf(connection);
     if (!announced) continue;
+    ++figures.announcements;
     for (const std::uint32_t handle : announced->handles) {
-      const auto found = session.handedOver.find(handle);
-      if (found != session.handedOver.end()) figures.framesHandedOver += found->second.size();
-      const auto timeouts = session.driverTimeouts.find(handle);
-      if (timeouts != session.driverTimeouts.end()) figures.driverTimeouts += timeouts->second.size();
+      figures.framesHandedOver += CountOf(session.handedOver, handle);
+      figures.foundHeld += CountOf(session.foundHeld, handle);
+      figures.driverTimeouts += CountOf(session.driverTimeouts, handle);
     }
   }
 }

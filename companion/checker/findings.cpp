@@ -37,6 +37,12 @@ std::string InHex(std::uint32_t value) {
   return text;
 }
 
+std::vector<Rule> NotJudged(Watched watched) {
+  if (watched == Watched::kBothSides) return {};
+  return {Rule::kTakesFrames, Rule::kKey,       Rule::kReleasesItsOwn,
+          Rule::kReadsHeld,   Rule::kReadsOnce, Rule::kHoldsBriefly};
+}
+
 std::vector<Violation> Judge(const Session& session, Watched watched) {
   Findings findings(session.begin);
   JudgePipes(session, findings);

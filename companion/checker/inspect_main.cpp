@@ -2,13 +2,12 @@
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include <CLI/CLI.hpp>
 
+#include "checker/growing_file.h"
 #include "checker/listing.h"
 #include "checker/recording.h"
 
@@ -27,26 +26,18 @@ bool Print(checker::RecordingReader& reader, checker::Listing& listing) {
   return ended;
 }
 
-int Inspect(const std::filesystem::path& file, checker::Notation notation, bool follow) {
-  std::ifstream stream(file, std::ios::binary);
-  while (!stream && follow) {
-    std::this_thread::sleep_for(kLookAgain);
-    stream.open(file, std::ios::binary);
-  }
+int Inspect(const std::filesystem::path& path, checker::Notation notation, bool follow) {
+  checker::GrowingFile file(path);
   checker::RecordingReader reader;
   checker::Listing listing(notation);
-  std::vector<char> buffer(65536);
-  for (bool ended = !stream; !ended;) {
-    stream.read(buffer.data(), static_cast<std::streamsize>(buffer.size()));
-    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(buffer.data());
-    const auto count = static_cast<std::size_t>(stream.gcount());
-    stream.clear();
-    reader.Feed({bytes, count});
-    ended = reader.Broken() || Print(reader, listing) || (count == 0 && !follow);
-    if (count == 0 && !ended) std::this_thread::sleep_for(kLookAgain);
+  for (bool ended = false; !ended;) {
+    const auto bytes = file.More();
+    reader.Feed(bytes);
+    ended = reader.Broken() || Print(reader, listing) || (bytes.empty() && !follow);
+    if (bytes.empty() && !ended) std::this_thread::sleep_for(kLookAgain);
   }
-  if (stream && !reader.Broken()) return 0;
-  std::fprintf(stderr, "inspect: %s is no recording\n", file.string().c_str());
+  if (file.IsThere() && !reader.Broken()) return 0;
+  std::fprintf(stderr, "inspect: %s is no recording\n", path.string().c_str());
   return 1;
 }
 

@@ -10,6 +10,7 @@ namespace {
 constexpr Nanoseconds kBothWithin = 500 * kMillisecond;
 // Before its process counts as ended, what a program leaves open is closed.
 constexpr Nanoseconds kClosedByDeath = 100 * kMillisecond;
+constexpr std::uint32_t kBrokenPipe = 109, kFirstException = 0xC0000000;
 constexpr Nanoseconds kBusyAtMost = kSecond;
 
 void JudgeHalfClosed(const Connection& connection, Nanoseconds recordingEnd, Findings& findings) {
@@ -20,31 +21,32 @@ void JudgeHalfClosed(const Connection& connection, Nanoseconds recordingEnd, Fin
                "In was closed, and Out stayed open for another " + InMilliseconds(rest));
 }
 
-void JudgeLeftBusy(const Connection& connection, Nanoseconds nextPipe, Findings& findings) {
-  if (!connection.busySince || nextPipe - *connection.busySince <= kBusyAtMost) return;
-  findings.Add(
-      Rule::kClosesBoth, *connection.busySince,
-      "Out was closed, but In still had its former client for " + InMilliseconds(nextPipe - *connection.busySince));
+void JudgeLeftBusy(const Connection& connection, Findings& findings) {
+  if (!connection.busySince) return;
+  const Nanoseconds span = *connection.busyUntil - *connection.busySince;
+  if (span <= kBusyAtMost) return;
+  findings.Add(Rule::kClosesBoth, *connection.busySince,
+               "Out was closed, but In still had its former client for " + InMilliseconds(span));
 }
 
-// A program that ends in an orderly way says so before the system closes what it left open; one that is killed or crashes
-// does not.
-bool DiedConnected(const Session& session, const Connection& connection) {
-  if (!connection.opened || !connection.outLost || !session.processEnded) return false;
-  if (session.detached) return *connection.outLost >= *session.detached;
-  return *connection.outLost >= *session.processEnded - kClosedByDeath;
+// A program that ends in an orderly way is asked for its pipes before the system closes them. One that crashes is not: then
+// the driver's read fails together with the process, and not because the pipe was disconnected. One that was ended from
+// outside, or whose side was not watched, gets the benefit of the doubt: it may have closed its pipes just before.
+bool EndedConnected(const Session& session, const Connection& connection) {
+  if (session.detached) return session.connectedWhenDetached;
+  return session.processEnded && session.exitCode >= kFirstException && connection.outError == kBrokenPipe &&
+         *connection.outLost >= *session.processEnded - kClosedByDeath;
 }
 
 }  // namespace
 
 void JudgeEnd(const Session& session, Findings& findings) {
-  for (std::size_t i = 0; i < session.connections.size(); ++i) {
-    const Connection& connection = session.connections[i];
-    const bool isLast = i + 1 == session.connections.size();
+  for (const Connection& connection : session.connections) {
+    const bool isLast = &connection == &session.connections.back();
     JudgeHalfClosed(connection, session.end, findings);
-    JudgeLeftBusy(connection, isLast ? session.end : session.connections[i + 1].firstPipe, findings);
-    if (isLast && DiedConnected(session, connection)) {
-      findings.Add(Rule::kClosesBoth, *connection.outLost,
+    JudgeLeftBusy(connection, findings);
+    if (isLast && connection.opened && EndedConnected(session, connection)) {
+      findings.Add(Rule::kClosesBoth, connection.End(session.end),
                    "the process ended with exit code " + InHex(session.exitCode) + " while the driver was connected");
     }
   }

@@ -100,8 +100,13 @@ void Builder::OpenFirst(const Event& event) {
     session_.connections.emplace_back().firstPipe = event.end;
     fromDriver_ = {};
     writtenBytes_ = 0;
-  } else if (Connection* const last = Current(); last != nullptr && event.result == kPipeBusy && !last->busySince) {
-    last->busySince = event.end;
+  } else if (Connection* const last = Current(); last != nullptr && !last->busyEnded) {
+    if (event.result != kPipeBusy) {
+      last->busyEnded = last->busySince.has_value();
+      return;
+    }
+    last->busyUntil = event.end;
+    if (!last->busySince) last->busySince = event.end;
   }
 }
 
@@ -116,7 +121,9 @@ void Builder::Read(const Event& event) {
   if (connection == nullptr) return;
   auto messages = connection->unread.Take(event.bytes, event.end);
   std::move(messages.begin(), messages.end(), std::back_inserter(connection->toDriver));
-  if (event.result != 0 && event.result != kOperationAborted && !connection->outLost) connection->outLost = event.end;
+  if (event.result == 0 || event.result == kOperationAborted || connection->outLost) return;
+  connection->outLost = event.end;
+  connection->outError = event.result;
 }
 
 void Builder::Written(const Event& event) {
@@ -143,19 +150,24 @@ void Builder::Drained(const Event& event) {
 
 void Builder::TakeProcess(const Event& event) {
   if (event.kind == EventKind::kProcessFound) session_.processFound = event.end;
-  if (event.kind == EventKind::kDetached) session_.detached = event.end;
+  if (event.kind == EventKind::kDetached) {
+    session_.detached = event.end;
+    session_.connectedWhenDetached = event.result != 0;
+  }
   if (event.kind == EventKind::kBlockLeft) session_.blockLeft = event.end;
   if (event.kind != EventKind::kProcessEnded) return;
   session_.processEnded = event.end;
   session_.exitCode = event.result;
 }
 
+// The recorder tries each acquire of the driver at once before it waits.
 void Builder::TakeDriverTexture(const Event& event) {
   if (event.kind == EventKind::kReleased && event.result == 0) {
     session_.handedOver[event.subject].push_back(event.start);
+  } else if (event.kind == EventKind::kAcquired && event.result == kWaitTimeout) {
+    auto& times = event.timeoutMs == 0 ? session_.foundHeld : session_.driverTimeouts;
+    times[event.subject].push_back(event.end);
   }
-  if (event.kind == EventKind::kAcquired && event.result == kWaitTimeout)
-    session_.driverTimeouts[event.subject].push_back(event.end);
 }
 
 void Builder::TakeCompanionTexture(const Event& event) {

@@ -7,6 +7,12 @@
 #include "findings.h"
 
 namespace checker {
+
+NLOHMANN_JSON_SERIALIZE_ENUM(FramesShownBy, {{FramesShownBy::kNothing, nullptr},
+                                             {FramesShownBy::kAnnouncement, "announcement"},
+                                             {FramesShownBy::kHeldTextures, "held textures"},
+                                             {FramesShownBy::kReads, "reads"}})
+
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -41,24 +47,46 @@ std::vector<Row> Rows(const Verdict& verdict) {
                         {"other messages", std::to_string(figures.otherMessages)},
                         {"pulses sent", std::to_string(figures.pulses)},
                         {"until messages are read", Spread(figures.readings)},
-                        {"frames handed over", std::to_string(figures.framesHandedOver)}};
+                        {"frames handed over", std::to_string(figures.framesHandedOver)},
+                        {"driver waited in vain", std::to_string(figures.driverTimeouts)}};
   if (verdict.watched == Watched::kDriver) return rows;
   rows.push_back({"frames read", PerSecond(figures.framesRead, figures.FramesPerSecond())});
   rows.push_back({"until frames are taken", Spread(figures.handOffs)});
   rows.push_back({"textures held", Spread(figures.holds)});
-  rows.push_back({"driver waited in vain", std::to_string(figures.driverTimeouts)});
   return rows;
+}
+
+// What is to be said of the frames, but for those that were read.
+std::string FramesInWords(const Verdict& verdict) {
+  switch (verdict.Frames()) {
+    case FramesShownBy::kNothing:
+      return verdict.watched == Watched::kDriver ? ", but no frame was announced" : ", but no frame was read";
+    case FramesShownBy::kAnnouncement:
+      return "; frames were announced, and nothing shows whether they were taken";
+    case FramesShownBy::kHeldTextures:
+      return "; frames were taken: the driver found a texture held " + std::to_string(verdict.figures.foundHeld) +
+             (verdict.figures.foundHeld == 1 ? " time" : " times");
+    case FramesShownBy::kReads:
+      break;
+  }
+  return {};
 }
 
 std::string Summary(const Verdict& verdict) {
   if (verdict.figures.connections == 0) return "no driver was connected";
-  const std::string frames = verdict.HasFrames() ? "" : ", but no frame was read";
-  if (verdict.IsClean()) return "no rule was broken" + frames;
-  return std::to_string(verdict.violations.size()) + (verdict.violations.size() == 1 ? " rule was" : " rules were") +
-         " broken" + frames;
+  const std::size_t broken = verdict.violations.size();
+  const std::string rules =
+      broken == 0 ? "no rule was" : std::to_string(broken) + (broken == 1 ? " rule was" : " rules were");
+  return rules + " broken" + FramesInWords(verdict);
 }
 
 std::string NameOf(Rule rule) { return "P" + std::to_string(static_cast<int>(rule)); }
+
+std::vector<std::string> NamesOfNotJudged(const Verdict& verdict) {
+  std::vector<std::string> names;
+  for (const Rule rule : NotJudged(verdict.watched)) names.push_back(NameOf(rule));
+  return names;
+}
 
 Json Spreads(const std::vector<double>& values) {
   return {{"count", values.size()},
@@ -85,9 +113,9 @@ Json FiguresInJson(const Figures& figures) {
           {"textureHeldMs", Spreads(figures.holds)}};
 }
 
-std::string Joined(const std::vector<std::string>& lines) {
+std::string Joined(const std::vector<std::string>& parts, const char* separator) {
   std::string text;
-  for (const std::string& line : lines) text += (text.empty() ? "" : "; ") + line;
+  for (const std::string& part : parts) text += (text.empty() ? "" : separator) + part;
   return text;
 }
 
@@ -116,6 +144,14 @@ Json FigureSection(const Verdict& verdict) {
 
 }  // namespace
 
+FramesShownBy Verdict::Frames() const {
+  if (watched == Watched::kBothSides) {
+    return figures.framesRead > 0 ? FramesShownBy::kReads : FramesShownBy::kNothing;
+  }
+  if (figures.foundHeld > 0) return FramesShownBy::kHeldTextures;
+  return figures.announcements > 0 ? FramesShownBy::kAnnouncement : FramesShownBy::kNothing;
+}
+
 Verdict VerdictOf(const Session& session, Watched watched) {
   return {watched, Judge(session, watched), FiguresOf(session)};
 }
@@ -124,12 +160,14 @@ std::string InText(const Verdict& verdict) {
   std::string text = "checker: " + Summary(verdict) + "\n";
   for (const Violation& violation : verdict.violations) {
     const RuleText& rule = TextOf(violation.rule);
-    text += "\n" + NameOf(violation.rule) + "  " + std::string(rule.title) + "\n";
+    text += "\n" + NameOf(violation.rule) + "  " + rule.title + "\n";
     for (const std::string& evidence : violation.evidence) text += "    " + evidence + "\n";
     const std::size_t more = violation.count - violation.evidence.size();
     if (more != 0) text += "    and " + std::to_string(more) + " more\n";
-    text += "    -> " + std::string(rule.remedy) + "\n";
+    text += "    -> " + rule.remedy + "\n";
   }
+  const auto notJudged = NamesOfNotJudged(verdict);
+  if (!notJudged.empty()) text += "\nnot watched, on the companion's side: " + Joined(notJudged, ", ") + "\n";
   text += "\n";
   for (const Row& row : Rows(verdict)) {
     char line[160];
@@ -152,7 +190,9 @@ Json InJson(const Verdict& verdict, Nanoseconds begin) {
   }
   return {{"clean", verdict.IsClean()},
           {"framesSeen", verdict.HasFrames()},
+          {"framesShownBy", verdict.Frames()},
           {"bothSidesWatched", verdict.watched == Watched::kBothSides},
+          {"notWatched", NamesOfNotJudged(verdict)},
           {"violations", violations},
           {"figures", FiguresInJson(verdict.figures)}};
 }
@@ -161,24 +201,29 @@ Json ForPage(const Verdict& verdict) {
   Json verdicts = Json::array();
   for (const Violation& violation : verdict.violations) {
     const RuleText& rule = TextOf(violation.rule);
-    verdicts.push_back({{"name", NameOf(violation.rule) + ": " + std::string(rule.title)},
+    verdicts.push_back({{"name", NameOf(violation.rule) + ": " + rule.title},
                         {"result", "bad"},
                         {"expected", "never broken"},
-                        {"found", std::to_string(violation.count) + " times. " + Joined(violation.evidence)},
+                        {"found", std::to_string(violation.count) + " times. " + Joined(violation.evidence, "; ")},
                         {"meaning", rule.remedy}});
   }
-  const bool isGood = verdict.IsClean() && verdict.HasFrames();
-  if (isGood) {
+  const bool isGood = verdict.IsClean() && verdict.Frames() >= FramesShownBy::kHeldTextures;
+  if (verdict.IsClean() && verdict.HasFrames()) {
     verdicts.push_back({{"name", "Rules of the protocol"},
                         {"result", "good"},
                         {"expected", "none is broken"},
                         {"found", "none was broken"},
                         {"meaning", "The companion keeps to the protocol, as far as this session shows."}});
   }
+  Json facts = Json::array();
+  if (const auto notJudged = NamesOfNotJudged(verdict); !notJudged.empty()) {
+    facts.push_back({{"name", "Not watched, on the companion's side"}, {"value", Joined(notJudged, ", ")}});
+  }
+  const char* const otherwise = verdict.IsClean() && verdict.HasFrames() ? "unknown" : "bad";
   return {{"title", "A companion on the bench"},
           {"subtitle", Summary(verdict)},
-          {"verdict", isGood ? "good" : "bad"},
-          {"facts", Json::array()},
+          {"verdict", isGood ? "good" : otherwise},
+          {"facts", facts},
           {"verdicts", verdicts},
           {"sections", Json::array({FigureSection(verdict)})}};
 }

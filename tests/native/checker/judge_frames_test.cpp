@@ -8,6 +8,7 @@ namespace checker::test {
 namespace {
 
 constexpr std::uint32_t kFailed = 0x80004005, kInvalidCall = 0x887A0001, kTimedOut = 0x102, kAbandoned = 0x80;
+constexpr std::uint32_t kAccessViolation = 0xC0000005, kNotConnected = 233;
 
 // The rules about textures, the block and a connection's end.
 class JudgeFramesTest : public testing::Test {
@@ -100,6 +101,8 @@ TEST_F(JudgeFramesTest, WantsTheDriverNotToWaitInVain) {
   }
   EXPECT_EQ(session.Broken(), "") << "one in nine, which harmed nobody";
   for (double ms = 1026; ms < 2900; ms += 120) session.Acquire(Side::kDriver, 0, ms, kTimedOut);
+  EXPECT_EQ(session.Broken(), "") << "found held, which harms nobody";
+  for (double ms = 1026; ms < 2900; ms += 120) session.Acquire(Side::kDriver, 0, ms, kTimedOut).timeoutMs = 16;
   EXPECT_EQ(session.Broken(), "P20");
 }
 
@@ -115,6 +118,15 @@ TEST_F(JudgeFramesTest, WantsTheFormerClientDisconnected) {
   EXPECT_EQ(session.Broken(), "P21");
 }
 
+// A pipe that is disconnected is busy until its program listens again or ends.
+TEST_F(JudgeFramesTest, AllowsACompanionThatDisconnectsAndEnds) {
+  session.CutOffAt(1500);
+  session.Disconnect(1500);
+  session.AddPipe(EventKind::kPipeOpened, Pipe::kIn, 1510, 231);
+  for (double ms = 1600; ms < 2900; ms += 100) session.AddPipe(EventKind::kPipeOpened, Pipe::kIn, ms, 2);
+  EXPECT_EQ(session.Broken(), "");
+}
+
 TEST_F(JudgeFramesTest, AllowsThatThePipesAreBusyForAMoment) {
   session.CutOffAt(1500);
   session.Disconnect(1500);
@@ -127,17 +139,38 @@ TEST_F(JudgeFramesTest, AllowsThatThePipesAreBusyForAMoment) {
 TEST_F(JudgeFramesTest, WantsThePipesClosedBeforeTheProcessEnds) {
   session.CutOffAt(2000);
   session.Disconnect(2010);
+  Event& detached = session.Add(EventKind::kDetached, 2005);
+  detached.side = Side::kCompanion;
+  detached.result = 1;
   session.Add(EventKind::kProcessEnded, 2020).result = 0;
-  EXPECT_EQ(session.Broken(), "P21") << "killed";
-  session.Add(EventKind::kDetached, 2005).side = Side::kCompanion;
-  EXPECT_EQ(session.Broken(), "P21") << "ended without closing";
+  EXPECT_EQ(session.Broken(), "P21");
 }
 
-TEST_F(JudgeFramesTest, AllowsAProcessThatClosesAndEnds) {
+TEST_F(JudgeFramesTest, WantsNoCrashWhileTheDriverIsConnected) {
   session.CutOffAt(2000);
   session.Disconnect(2010);
-  session.Add(EventKind::kDetached, 2015).side = Side::kCompanion;
+  session.Add(EventKind::kProcessEnded, 2020).result = kAccessViolation;
+  EXPECT_EQ(session.Broken(), "P21");
+}
+
+TEST_F(JudgeFramesTest, DoesNotBlameTheCompanionForACrashAfterTheEnd) {
+  session.CutOffAt(2000);
+  session.Disconnect(2010);
+  session.Add(EventKind::kProcessEnded, 2120).result = kAccessViolation;
+  EXPECT_EQ(session.Broken(), "") << "closed a while before";
+  session.CutOffAt(2010);
+  session.AddPipe(EventKind::kPipeRead, Pipe::kOut, 2010, kNotConnected);
+  session.Add(EventKind::kProcessEnded, 2020).result = kAccessViolation;
+  EXPECT_EQ(session.Broken(), "") << "disconnected";
+}
+
+// The driver may be told of the end of its pipe only after the process has gone.
+TEST_F(JudgeFramesTest, AllowsAProcessThatClosesAndEndsAtOnce) {
+  session.CutOffAt(2000);
+  session.Disconnect(2030);
   session.Add(EventKind::kProcessEnded, 2020).result = 0;
+  EXPECT_EQ(session.Broken(Watched::kDriver), "") << "its side was not watched";
+  session.Add(EventKind::kDetached, 2015).side = Side::kCompanion;
   EXPECT_EQ(session.Broken(), "");
 }
 

@@ -3,6 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fstream>
+
+#include "checker/growing_file.h"
+#include "test_files/scratch_folder.h"
+
 namespace checker {
 namespace {
 
@@ -76,6 +81,19 @@ TEST(RecordingTest, CountsAReleaseFromItsBeginning) {
   released.start = 4, released.end = 6;
   const auto events = InOrder({acquired, released});
   EXPECT_EQ(events[0].kind, EventKind::kReleased);
+}
+
+TEST(GrowingFileTest, GivesWhatHasComeSinceTheLastTime) {
+  const ombrel::test::ScratchFolder folder;
+  GrowingFile file(folder.At("growing"));
+  EXPECT_TRUE(file.More().empty());
+  EXPECT_FALSE(file.IsThere());
+  std::ofstream writer(folder.At("growing"), std::ios::binary);
+  for (const char* const text : {"first", "", "and second"}) {
+    writer << text << std::flush;
+    const auto more = file.More();
+    EXPECT_EQ(std::string(more.begin(), more.end()), text);
+  }
 }
 
 }  // namespace

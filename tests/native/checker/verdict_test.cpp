@@ -57,6 +57,53 @@ TEST(VerdictTest, SaysWhenThereWasNoConnectionOrNoFrame) {
   EXPECT_THAT(InText(verdict), HasSubstr("no rule was broken, but no frame was read"));
 }
 
+// What the driver's side shows of a session.
+class DriverOnlyTest : public testing::Test {
+ protected:
+  [[nodiscard]] Verdict Look() const { return VerdictOf(session.Build(), Watched::kDriver); }
+
+  MadeUpSession session;
+};
+
+TEST_F(DriverOnlyTest, SaysWhichRulesAreNotWatchedAndBreaksNone) {
+  session.Acquire(Side::kCompanion, 0, 1000).key = 1;
+  session.Read(0, 1001);
+  const Verdict verdict = Look();
+  EXPECT_TRUE(verdict.IsClean());
+  EXPECT_THAT(InText(verdict), HasSubstr("not watched, on the companion's side: P15, P16, P17, P18, P19, P20\n"));
+  const auto json = InJson(verdict, 0);
+  EXPECT_EQ(json["notWatched"], nlohmann::json({"P15", "P16", "P17", "P18", "P19", "P20"}));
+  EXPECT_FALSE(json["bothSidesWatched"].get<bool>());
+}
+
+TEST_F(DriverOnlyTest, StillNamesRulesThatTheDriversSideShows) {
+  session.Send(1000, FrameRate(0));
+  EXPECT_THAT(InText(Look()), HasSubstr("1 rule was broken"));
+}
+
+TEST_F(DriverOnlyTest, TakesAnAnnouncementForFramesWhereNothingShowsMore) {
+  const Verdict verdict = Look();
+  EXPECT_TRUE(verdict.HasFrames());
+  EXPECT_THAT(InText(verdict), HasSubstr("no rule was broken; frames were announced, and nothing shows whether"));
+  EXPECT_EQ(InJson(verdict, 0)["framesShownBy"], "announcement");
+  EXPECT_EQ(ForPage(verdict)["verdict"], "unknown");
+}
+
+TEST_F(DriverOnlyTest, KnowsFramesByATextureThatTheDriverFoundHeld) {
+  session.Acquire(Side::kDriver, 0, 1003, 0x102).timeoutMs = 0;
+  const Verdict verdict = Look();
+  EXPECT_THAT(InText(verdict), HasSubstr("no rule was broken; frames were taken: the driver found a texture held 1"));
+  EXPECT_EQ(InJson(verdict, 0)["framesShownBy"], "held textures");
+  EXPECT_EQ(ForPage(verdict)["verdict"], "good");
+}
+
+TEST_F(DriverOnlyTest, SaysThatNoFrameWasAnnounced) {
+  session.CutOffAt(290);
+  EXPECT_FALSE(Look().HasFrames());
+  EXPECT_THAT(InText(Look()), HasSubstr("but no frame was announced"));
+  EXPECT_EQ(InJson(Look(), 0)["framesShownBy"], nullptr);
+}
+
 // "| P7 | Send finite numbers |": each rule, in its order, with the words that the checker has for it.
 TEST(RulesTest, StandOnTheProtocolsPage) {
   const std::string option = "--document=";
@@ -70,7 +117,7 @@ TEST(RulesTest, StandOnTheProtocolsPage) {
   int number = 0;
   for (const RuleText& rule : Rules()) {
     EXPECT_EQ(static_cast<int>(rule.rule), ++number);
-    const std::string row = "| P" + std::to_string(number) + " | " + std::string(rule.title) + " |";
+    const std::string row = "| P" + std::to_string(number) + " | " + rule.title + " |";
     position = page.find(row, position);
     ASSERT_NE(position, std::string::npos) << "the page has no row\n" << row;
   }

@@ -23,7 +23,7 @@ class RecordingFile {
   // An event of this moment.
   void Add(checker::EventKind kind, std::uint32_t subject = 0, std::uint32_t result = 0) const;
   // The same when the process ends: its other threads are gone, one of them perhaps while it wrote.
-  void AddLast(checker::EventKind kind) const;
+  void AddLast(checker::EventKind kind, std::uint32_t result) const;
 
  private:
   void Write(const checker::Bytes& bytes) const;

@@ -5,7 +5,7 @@
 
 namespace bench {
 
-// Records what one side does with keyed mutexes and shared textures.
+// Records what the program that it observes does with keyed mutexes and shared textures.
 class TextureRecorder : public DeviceObserver {
  public:
   // The file must outlive it.

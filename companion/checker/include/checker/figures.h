@@ -17,7 +17,9 @@ struct Figures {
   std::size_t pulses = 0;
   std::size_t framesHandedOver = 0;  // by the driver
   std::size_t framesRead = 0;        // by the companion, each once
-  std::size_t driverTimeouts = 0;    // the driver waited for a texture in vain
+  std::size_t announcements = 0;     // of textures
+  std::size_t foundHeld = 0;         // the driver came to a texture that the companion held
+  std::size_t driverTimeouts = 0;    // it waited for one in vain
 
   std::vector<double> poseIntervals;
   std::vector<double> handOffs;  // from the driver's release to the companion's acquire, of frames that were read

@@ -32,7 +32,7 @@ enum class EventKind : std::uint16_t {
   kTextureRead = 8,    // subject: shared handle
   kProcessFound = 9,   // subject: process id of the companion
   kProcessEnded = 10,  // subject: process id; result: exit code
-  kDetached = 11,      // the companion's process is ending in an orderly way
+  kDetached = 11,      // the companion's process is ending in an orderly way; result: 1 when a pipe is still connected
   kBlockLeft = 12,     // the block still exists after the driver has gone
   kEnded = 13,         // nothing follows
 };

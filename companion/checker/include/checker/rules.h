@@ -2,7 +2,6 @@
 
 #include <array>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "checker/session.h"
@@ -35,13 +34,15 @@ enum class Rule {
   kLetsGoOfBlock,
 };
 
+inline constexpr std::size_t kRules = 22;
+
 struct RuleText {
-  Rule rule;
-  std::string_view title;   // as the page has it
-  std::string_view remedy;  // what to change in a companion that breaks it
+  Rule rule = Rule::kProcess;
+  std::string title;   // as the page has it
+  std::string remedy;  // what to change in a companion that breaks it
 };
 
-[[nodiscard]] const std::array<RuleText, 22>& Rules();
+[[nodiscard]] const std::array<RuleText, kRules>& Rules();
 [[nodiscard]] const RuleText& TextOf(Rule rule);
 
 // A rule that was broken, once or often.
@@ -52,9 +53,11 @@ struct Violation {
   std::vector<std::string> evidence;  // of the first few times
 };
 
-// What is known besides the session: whether the companion's textures were watched. Without that, the rules about them
-// are not judged.
+// Which sides were watched.
 enum class Watched { kDriver, kBothSides };
+
+// The rules that then are not judged, in their order.
+[[nodiscard]] std::vector<Rule> NotJudged(Watched watched);
 
 // In the order of the rules.
 [[nodiscard]] std::vector<Violation> Judge(const Session& session, Watched watched);

@@ -29,10 +29,13 @@ struct Connection {
   std::vector<DriverMessage> fromDriver;
   MessageCutter unread;  // what came of a message that did not become whole
   bool drainsSeen = false;
-  std::optional<Nanoseconds> inLost;     // a write failed
-  std::optional<Nanoseconds> outLost;    // a read failed, though the driver had not given up
-  std::optional<Nanoseconds> closed;     // by the driver
-  std::optional<Nanoseconds> busySince;  // after that, `In` was there and taken
+  std::optional<Nanoseconds> inLost;   // a write failed
+  std::optional<Nanoseconds> outLost;  // a read failed, though the driver had not given up
+  std::uint32_t outError = 0;          // of that read
+  std::optional<Nanoseconds> closed;   // by the driver
+  // After that, `In` was there and taken, from the driver's first attempt to its last that found it so.
+  std::optional<Nanoseconds> busySince, busyUntil;
+  bool busyEnded = false;
 
   // When it was over for the companion; the recording's end when it never was.
   [[nodiscard]] Nanoseconds End(Nanoseconds recordingEnd) const;
@@ -64,6 +67,7 @@ struct Session {
   std::optional<Nanoseconds> processEnded;
   std::uint32_t exitCode = 0;
   std::optional<Nanoseconds> detached;
+  bool connectedWhenDetached = false;
   std::optional<Nanoseconds> blockLeft;
 
   // Of the companion, with the announced textures; nothing of it is known without a recording of its side.
@@ -72,8 +76,10 @@ struct Session {
   std::vector<OddCall> otherKeys;  // with another key than the protocol's
   std::vector<OddCall> readsUnheld;
 
-  // Of the driver, by shared handle: when it gave a texture back, and when an acquire timed out.
+  // Of the driver, by shared handle: when it gave a texture back, when it found one held by somebody else, and when it
+  // waited for one in vain.
   std::map<std::uint32_t, std::vector<Nanoseconds>> handedOver;
+  std::map<std::uint32_t, std::vector<Nanoseconds>> foundHeld;
   std::map<std::uint32_t, std::vector<Nanoseconds>> driverTimeouts;
 };
 

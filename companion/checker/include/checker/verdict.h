@@ -11,6 +11,10 @@
 
 namespace checker {
 
+// What shows that frames came, the best of it. Who watches the driver alone sees no reading: there a texture that the
+// driver found held shows that the companion takes them, and an announcement that it might.
+enum class FramesShownBy { kNothing, kAnnouncement, kHeldTextures, kReads };
+
 // What the checker has to say of a session.
 struct Verdict {
   Watched watched = Watched::kBothSides;
@@ -19,10 +23,9 @@ struct Verdict {
 
   // No rule was broken.
   [[nodiscard]] bool IsClean() const { return violations.empty(); }
+  [[nodiscard]] FramesShownBy Frames() const;
   // The companion was connected and, as far as that can be seen, got frames.
-  [[nodiscard]] bool HasFrames() const {
-    return watched == Watched::kBothSides ? figures.framesRead > 0 : figures.framesHandedOver > 0;
-  }
+  [[nodiscard]] bool HasFrames() const { return Frames() != FramesShownBy::kNothing; }
 };
 
 [[nodiscard]] Verdict VerdictOf(const Session& session, Watched watched);
