@@ -14,7 +14,7 @@ set(CMAKE_INSTALL_MESSAGE NEVER)
 # For Windows' editors and for cmd.exe, which misses labels in files without carriage returns.
 set(with_carriage_returns "${PROJECT_BINARY_DIR}/installed")
 foreach(file resources/windows/check.cmd resources/windows/install.cmd resources/windows/uninstall.cmd
-    selftest/selftest.cmd THIRD_PARTY_NOTICES.txt)
+    selftest/selftest.cmd selftest/try_companion.cmd THIRD_PARTY_NOTICES.txt)
   cmake_path(GET file FILENAME name)
   configure_file("${PROJECT_SOURCE_DIR}/${file}" "${with_carriage_returns}/${name}" @ONLY NEWLINE_STYLE CRLF)
 endforeach()
@@ -49,14 +49,19 @@ endif()
 # A driver of its own, as a runtime would load it, with the programs that do so.
 if(TARGET ombrel_selftest)
   set(selftest ombrel-selftest)
-  install(FILES "${with_carriage_returns}/selftest.cmd" "${with_carriage_returns}/THIRD_PARTY_NOTICES.txt"
-    DESTINATION ${selftest} COMPONENT selftest)
-  install(TARGETS ombrel_selftest runtime_sim scenarios RUNTIME DESTINATION ${selftest}/bin COMPONENT selftest)
+  install(FILES "${with_carriage_returns}/selftest.cmd" "${with_carriage_returns}/try_companion.cmd"
+    "${with_carriage_returns}/THIRD_PARTY_NOTICES.txt" DESTINATION ${selftest} COMPONENT selftest)
+  install(TARGETS ombrel_selftest runtime_sim scenarios recorded_runtime ombrel_check ombrel_inspect
+    RUNTIME DESTINATION ${selftest}/bin COMPONENT selftest)
   # Found beside the program that loads it, without a prefix of the compiler.
   install(PROGRAMS "$<TARGET_FILE:empty_library>" DESTINATION ${selftest}/bin RENAME empty_library.dll COMPONENT selftest)
   install(TARGETS companion_sim RUNTIME DESTINATION ${selftest}/bin/companion COMPONENT selftest)
   install(TARGETS scenario_companion RUNTIME DESTINATION ${selftest}/bin/faults COMPONENT selftest)
-  install(FILES "${PROJECT_SOURCE_DIR}/selftest/session.json" DESTINATION ${selftest}/bin COMPONENT selftest)
+  # Nobody's program, for a companion that asks for the session's end.
+  install(PROGRAMS "$<TARGET_FILE:idle_companion>" DESTINATION ${selftest}/bin/monitor RENAME vrmonitor.exe
+    COMPONENT selftest)
+  install(FILES "${PROJECT_SOURCE_DIR}/selftest/session.json" "${PROJECT_SOURCE_DIR}/bench/recorder/haptics.json"
+    "${PROJECT_SOURCE_DIR}/tools/demo/virtual.json" DESTINATION ${selftest}/bin COMPONENT selftest)
   install(FILES "${PROJECT_BINARY_DIR}/report/template.html" DESTINATION ${selftest}/bin COMPONENT selftest)
   install(TARGETS driver_ombrel RUNTIME DESTINATION ${selftest}/driver/ombrel/bin/win64 COMPONENT selftest)
   install(FILES "${resources}/driver.vrdrivermanifest" DESTINATION ${selftest}/driver/ombrel COMPONENT selftest)
@@ -115,7 +120,8 @@ endif()
 if(TARGET ombrel_selftest)
   list(APPEND others selftest)
   list(APPEND programs
-    ombrel_selftest runtime_sim companion_sim scenarios scenario_companion empty_library report_template)
+    ombrel_selftest runtime_sim companion_sim scenarios scenario_companion empty_library report_template
+    recorded_runtime idle_companion ombrel_check ombrel_inspect)
 endif()
 if(others)
   ombrel_dist_command(make_dist ${others})

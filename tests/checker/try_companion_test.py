@@ -1,5 +1,5 @@
-"""Plays companions through tools/try_companion.sh and looks at the verdicts. WRONG_COMPANION and COMPANION_SIM name the
-programs, REPORTS the folder for reports."""
+"""Plays companions through tools/try_companion.sh and looks at the verdicts. WRONG_COMPANION, COMPANION_SIM and
+MINIMAL_COMPANION name the programs, REPORTS the folder for reports."""
 import json
 import os
 import pathlib
@@ -86,11 +86,32 @@ def test_finds_nothing_against_a_companion_without_faults():
     assert "to companion  FrameSharingInfo  76 bytes" in messages
 
 
-def test_finds_nothing_against_the_stand_in_with_the_virtual_display():
-    # It reads the pixels only of what it saves.
-    arguments = ["--until-disconnect", "--sharing", "own", "--out", f"Z:{REPORTS}/pictures", "--save-every", "1",
-                 "--save-width", "64"]
-    code, verdict, output = try_companion("virtual", os.environ["COMPANION_SIM"], arguments,
-                                          "--mode", "virtual", "--seconds", "3")
+# The companions of this tree, with their arguments and the session's options. The stand-in reads the pixels only of what
+# it saves.
+COMPANIONS = {
+    "minimal": ("MINIMAL_COMPANION", [], []),
+    "stand-in": ("COMPANION_SIM",
+                 ["--until-disconnect", "--sharing", "own", "--out", f"Z:{REPORTS}/pictures", "--save-every", "1",
+                  "--save-width", "64"],
+                 ["--mode", "virtual", "--seconds", "3"]),
+}
+
+
+@pytest.mark.parametrize("name", COMPANIONS)
+def test_finds_nothing_against_our_own_companions(name):
+    program, arguments, options = COMPANIONS[name]
+    code, verdict, output = try_companion(name, os.environ[program], arguments, *options)
     assert code == 0, output
+    assert verdict["violations"] == []
     assert verdict["figures"]["framesRead"] > 5
+
+
+def test_refuses_a_program_of_another_name(tmp_path):
+    for name, reason in {"ombrel.exe": "(rule P1)", "Ombrel.exe": "there is no"}.items():
+        program = tmp_path / name
+        if name != "Ombrel.exe":
+            program.touch()
+        run = subprocess.run([ROOT / "tools/try_companion.sh", "--built", program], capture_output=True, text=True,
+                             timeout=30, check=False)
+        assert run.returncode == 2
+        assert reason in run.stderr
