@@ -106,6 +106,11 @@ TEST_F(RegistrarTest, RefusesAFolderThatIsNotComplete) {
   }
 }
 
+TEST_F(RegistrarTest, TakesAFolderOutThatIsNotComplete) {
+  machine.Remove(machine.driver + "\\" + kLibrary);
+  EXPECT_EQ(Uninstalled().code, RegistrarCode::kDone);
+}
+
 TEST_F(RegistrarTest, RefusesWhileTheLibraryIsInUse) {
   machine.inUse = R"(C:\VR\ombrel\bin\win64\driver_ombrel.dll)";
   EXPECT_EQ(Installed().code, RegistrarCode::kInUse);

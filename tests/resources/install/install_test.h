@@ -40,7 +40,6 @@ class InstallTest : public testing::Test, protected ScratchFolder {
 
   [[nodiscard]] std::vector<Call> Calls() const;
   [[nodiscard]] nlohmann::json Registry() const;
-  [[nodiscard]] std::vector<std::string> Drivers() const { return Registry()["external_drivers"]; }
 
   std::string driver;   // the driver's folder
   std::string runtime;  // the runtime's folder
