@@ -1,5 +1,5 @@
 #!/bin/sh
-# What is in the zips, and whether they are the same each time: zips_test.sh SOURCES BUILD VERSION
+# What is in the zips, and whether they are the same each time: zips_test.sh SOURCES BUILD VERSION. OBJDUMP names the program.
 set -eu
 sources=$1 build=$2 version=$3
 work=$(mktemp -d)
@@ -35,6 +35,15 @@ diff -r "$work/win64/ombrel" "$work/first/ombrel" || fail "the driver's zip is n
 diff -r "$work/preview-win64/ombrel-preview" "$work/first/ombrel-preview" || fail "the preview's zip is not its folder"
 diff -r "$work/symbols-win64/symbols" "$work/first/symbols" || fail "the zip of symbols is not their folder"
 diff -r "$work/selftest-win64/ombrel-selftest" "$work/first/ombrel-selftest" || fail "the self-test's zip is not its folder"
+# What its scripts name must be there, and nothing in it has symbols.
+selftest=$work/selftest-win64/ombrel-selftest
+for file in $(grep -oh '"%~dp0bin[^"]*' "$selftest"/*.cmd | cut -c 7- | tr '\134' / | sort -u); do
+  [ -f "$selftest/$file" ] || fail "the self-test's scripts name $file, which is not in its zip"
+done
+find "$selftest" -name '*.exe' -o -name '*.dll' >"$work/programs"
+while IFS= read -r program; do
+  ! "$OBJDUMP" -h "$program" | grep -q '\.debug_' || fail "$program has symbols"
+done <"$work/programs"
 cmp "$work/win64/ombrel/bin/win64/driver_ombrel.dll" \
   "$work/selftest-win64/ombrel-selftest/driver/ombrel/bin/win64/driver_ombrel.dll" || fail "the self-test has another driver"
 list=resources/files-$version.txt

@@ -21,6 +21,11 @@ class PipeServerTest : public testing::Test {
     options.toDriverName = names_.out;
     return options;
   }
+  PipeServerOptions Unbuffered() const {
+    auto options = Named();
+    options.bufferBytes = 0;
+    return options;
+  }
 
   void Connect(PipeServer& server) {
     ASSERT_TRUE(client_.Open(names_.in, names_.out));
@@ -114,9 +119,7 @@ TEST_F(PipeServerTest, LetsANewClientInAfterOneThatOpenedOnlyTheFirstPipe) {
 }
 
 TEST_F(PipeServerTest, WithoutABufferASendWaitsForItsReader) {
-  auto options = Named();
-  options.bufferBytes = 0;
-  PipeServer server(options);
+  PipeServer server(Unbuffered());
   ASSERT_TRUE(server.Open());
   Connect(server);
   std::atomic<bool> sent = false;
@@ -129,9 +132,7 @@ TEST_F(PipeServerTest, WithoutABufferASendWaitsForItsReader) {
 }
 
 TEST_F(PipeServerTest, ClosingFreesABlockedSend) {
-  auto options = Named();
-  options.bufferBytes = 0;
-  PipeServer server(options);
+  PipeServer server(Unbuffered());
   ASSERT_TRUE(server.Open());
   Connect(server);
   std::atomic<bool> result = true;
