@@ -13,6 +13,8 @@ namespace {
 // In the place of D3D11CreateDevice, whose arguments do not matter then.
 HRESULT WINAPI NoDevice() { return E_FAIL; }
 
+void WINAPI SleepAMillisecond(DWORD) { Sleep(1); }
+
 }  // namespace
 
 void EnsureCompanionProcess() { static const NamedProcess companion("Ombrel.exe"); }
@@ -21,7 +23,9 @@ vr::DriverPose_t PoseOf(vr::ITrackedDeviceServerDriver& device) { return bench::
 
 DriverTest::DriverTest(Graphics graphics)
     : module(FromEnvironment("OMBREL_TEST_DRIVER"), [graphics](void* driver) {
-        if (graphics == Graphics::kNone) ReplaceImport(driver, "D3D11CreateDevice", reinterpret_cast<void*>(&NoDevice));
+        if (graphics == Graphics::kReal) return;
+        ReplaceImport(driver, "D3D11CreateDevice", reinterpret_cast<void*>(&NoDevice));
+        ReplaceImport(driver, "Sleep", reinterpret_cast<void*>(&SleepAMillisecond));
       }) {}
 
 DriverTest::~DriverTest() { Unload(); }
