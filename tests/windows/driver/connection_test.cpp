@@ -30,14 +30,6 @@ class ConnectionTest : public LinkTest {
   const companion::Bytes pose_ = companion::EncodeQuaternionAndPosition({}, {});
 };
 
-TEST_F(ConnectionTest, CompanionMayRestartManyTimes) {
-  InitAndActivateHeadset();
-  for (int round = 0; round < 10; ++round) {
-    ExpectToConnect(server);
-    server.Close();
-  }
-}
-
 TEST_F(ConnectionTest, OtherPipeMayBeMadeFirst) {
   InitAndActivateHeadset();
   SilentPipes toDriver(SilentPipes::Which::kOnlyToDriver);

@@ -5,7 +5,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <future>
 
 #include "base/wait.h"
 #include "support/link_test.h"
@@ -26,19 +25,6 @@ class EmptyReadsTest : public LinkTest {
  protected:
   EmptyReadsTest() { emptyReads = 0; }
 };
-
-TEST_F(EmptyReadsTest, DoNotKeepTheReaderFromEnding) {
-  Connect();
-  std::future<void> cleanup;
-  {
-    const ModuleImport empty(module.Handle(), "ReadFile", reinterpret_cast<void*>(&ReadNothing));
-    Send(companion::EncodeQuaternionAndPosition({}, {}));  // ends the read that has begun
-    ASSERT_TRUE(bench::WaitUntil([] { return emptyReads > 100; }, std::chrono::milliseconds(kTimeoutMs)));
-    cleanup = std::async(std::launch::async, [this] { Provider().Cleanup(); });
-    EXPECT_EQ(cleanup.wait_for(std::chrono::milliseconds(kTimeoutMs)), std::future_status::ready);
-  }
-  cleanup.get();
-}
 
 TEST_F(EmptyReadsTest, AreNotTheEndOfTheConnection) {
   Connect();

@@ -97,24 +97,6 @@ TEST_F(UnloadTest, LibraryMayGoAtOnceWhileTheCompanionKeepsSending) {
   EXPECT_TRUE(server.WaitForDisconnection(kTimeoutMs));
 }
 
-TEST_F(UnloadTest, LibraryMayComeAndGoManyTimesWhileTheCompanionKeepsSending) {
-  EnsureCompanionProcess();
-  Unload();
-  ASSERT_TRUE(server.Open());
-  const PoseStream stream(server);
-  for (int round = 0; round < 8; ++round) {
-    bench::FakeRuntime fresh;
-    bench::DriverModule driver(FromEnvironment("OMBREL_TEST_DRIVER"));
-    vr::IServerTrackedDeviceProvider& provider = driver.Provider();
-    ASSERT_EQ(provider.Init(&fresh), vr::VRInitError_None);
-    fresh.Host().Added().at(0).driver->Activate(0);
-    EXPECT_TRUE(fresh.Journal().WaitUntil([&] { return fresh.Poses().Count(0) > 20; }, milliseconds(kTimeoutMs)));
-    provider.Cleanup();
-    driver.Unload();
-    ASSERT_EQ(GetModuleHandleA("driver_ombrel.dll"), nullptr);
-  }
-}
-
 TEST_F(UnloadTest, LibraryThatIsAskedForItsProviderLeavesNoHandleWhenItGoes) {
   Unload();
   // Wine does not close its registry keys when it unloads this one of the driver's imports.
