@@ -56,22 +56,10 @@ void RuntimeSession::RunFrameHere() {
 }
 
 void RuntimeSession::StartFrames(double hertz) {
-  thread_.SetTick(
-      [this] {
-        try {
-          RunFrameHere();
-        } catch (...) {
-          ++thrownFrames_;
-        }
-      },
-      hertz);
+  thread_.SetTick([this] { RunFrameHere(); }, hertz);
 }
 
 void RuntimeSession::StopFrames() { thread_.SetTick({}, 0.0); }
-
-void RuntimeSession::RunFrame() {
-  thread_.Run([this] { RunFrameHere(); });
-}
 
 void RuntimeSession::ActivatePending() {
   thread_.Run([this] { ActivatePendingHere(); });
@@ -118,10 +106,6 @@ std::optional<ActiveDevice> RuntimeSession::Find(vr::ETrackedDeviceClass deviceC
   const auto found = std::ranges::find_if(
       devices_, [deviceClass](const ActiveDevice& device) { return device.added.deviceClass == deviceClass; });
   return found == devices_.end() ? std::nullopt : std::optional(*found);
-}
-
-bool RuntimeSession::WaitForDevices(std::size_t count, std::chrono::milliseconds timeout) {
-  return runtime_.Journal().WaitUntil([&] { return Devices().size() >= count; }, timeout);
 }
 
 void* ComponentOf(vr::ITrackedDeviceServerDriver& device, const char* version) {

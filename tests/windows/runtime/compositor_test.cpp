@@ -84,14 +84,6 @@ class CompositorTest : public testing::Test {
   std::unique_ptr<FlatPainter> painter;
 };
 
-TEST_F(CompositorTest, DirectModeMakesOneSwapSetForEachEyeAtTheRecommendedSize) {
-  const DirectCompositor compositor(runtime, active, *painter, device);
-  ASSERT_EQ(headset.descriptions.size(), 2U);
-  EXPECT_EQ(headset.descriptions[0].nWidth, ToyHeadset::kWidth);
-  EXPECT_EQ(headset.descriptions[1].nHeight, ToyHeadset::kHeight);
-  EXPECT_EQ(headset.descriptions[0].nSampleCount, 1U);
-}
-
 TEST_F(CompositorTest, DirectModeCallsInTheRuntimesOrder) {
   DirectCompositor compositor(runtime, active, *painter, device);
   headset.calls.clear();
@@ -138,12 +130,6 @@ TEST_F(CompositorTest, ThePoseThatIsSubmittedIsTheOneThatWasRendered) {
   EXPECT_LE(report.presentTicks, report.presentedTicks);
 }
 
-TEST_F(CompositorTest, SwapSetsAreDestroyedByOneHandleEach) {
-  DirectCompositor compositor(runtime, active, *painter, device);
-  compositor.DestroySwapSets();
-  EXPECT_THAT(headset.destroyed, ElementsAre(headset.swapTextures[0].first, headset.swapTextures[3].first));
-}
-
 TEST_F(CompositorTest, VirtualModePresentsOneFinishedWindow) {
   VirtualCompositor compositor(runtime, active, *painter, device);
   compositor.RunFrame();
@@ -172,18 +158,6 @@ TEST_F(CompositorTest, TheLoopNeverRunsAheadOfItsRate) {
     EXPECT_EQ(reports[index].index, index);
     EXPECT_GE(reports[index].renderTicks - reports[index - 1].renderTicks, SecondsToTicks(0.0199));
   }
-}
-
-TEST_F(CompositorTest, AHeadsetWithoutTheComponentIsRefused) {
-  class NoComponents : public ToyHeadset {
-   public:
-    void* GetComponent(const char* name) override {
-      return std::string(name) == vr::IVRDisplayComponent_Version ? ToyHeadset::GetComponent(name) : nullptr;
-    }
-  } bare;
-  active.added.driver = &bare;
-  EXPECT_THROW(DirectCompositor(runtime, active, *painter, device), std::runtime_error);
-  EXPECT_THROW(VirtualCompositor(runtime, active, *painter, device), std::runtime_error);
 }
 
 }  // namespace

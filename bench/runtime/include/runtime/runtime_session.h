@@ -1,7 +1,6 @@
 #pragma once
 
 #include <atomic>
-#include <chrono>
 #include <cstddef>
 #include <mutex>
 #include <optional>
@@ -24,8 +23,8 @@ struct ActiveDevice {
 // One life of a driver: Init, its devices activated, RunFrame at a rate, Cleanup, all on one server
 // thread, as the runtime does it. A device is activated after its TrackedDeviceAdded returned true, never
 // inside it: at the end of Init, and before each RunFrame. The methods may be called from any thread but
-// the server thread; what the driver throws reaches the caller, except from RunFrame at a rate, where it
-// is counted. Every call into the driver but RunFrame is in the journal ("driver.Activate").
+// the server thread; what the driver throws reaches the caller, but for RunFrame, where it ends the program.
+// Every call into the driver but RunFrame is in the journal ("driver.Activate").
 class RuntimeSession {
  public:
   // The provider's module must stay loaded until the session is gone.
@@ -38,26 +37,17 @@ class RuntimeSession {
   vr::EVRInitError Init();
   void StartFrames(double hertz = 90.0);
   void StopFrames();
-  // One frame by hand: pending devices are activated, then RunFrame.
-  void RunFrame();
   void ActivatePending();
   // Deactivates every device, newest first, as the runtime does before it ends.
   void Deactivate();
   void Cleanup();
-  // Runs anything on the server thread and waits for its end.
-  void OnServerThread(const std::function<void()>& task) { thread_.Run(task); }
 
   [[nodiscard]] std::vector<ActiveDevice> Devices() const;
   [[nodiscard]] std::optional<ActiveDevice> Find(vr::ETrackedDeviceClass deviceClass) const;
   [[nodiscard]] std::optional<ActiveDevice> Headset() const { return Find(vr::TrackedDeviceClass_HMD); }
-  // Waits until that many devices are active.
-  [[nodiscard]] bool WaitForDevices(std::size_t count, std::chrono::milliseconds timeout);
 
   [[nodiscard]] std::size_t Frames() const { return frames_; }
   [[nodiscard]] double LongestFrameMs() const { return longestFrameMs_; }
-  // RunFrame calls at a rate that threw.
-  [[nodiscard]] std::size_t ThrownFrames() const { return thrownFrames_; }
-  [[nodiscard]] std::uint32_t ServerThreadId() const { return thread_.ThreadId(); }
 
  private:
   void ActivatePendingHere();
@@ -68,7 +58,6 @@ class RuntimeSession {
   mutable std::mutex mutex_;
   std::vector<ActiveDevice> devices_;
   std::atomic<std::size_t> frames_ = 0;
-  std::atomic<std::size_t> thrownFrames_ = 0;
   std::atomic<double> longestFrameMs_ = 0.0;
   bool initialised_ = false;
   ServerThread thread_;
