@@ -13,14 +13,21 @@ namespace {
 
 // Of handles, which are multiples of four: more than a companion ever has.
 constexpr std::uintptr_t kHandles = 0x4000;
-// As the system's documentation of FILE_PIPE_LOCAL_INFORMATION has them.
+
+// FILE_PIPE_LOCAL_INFORMATION of the driver kit, which programs' headers lack.
+struct PipeInformation {
+  ULONG type, configuration, maximumInstances, currentInstances;
+  ULONG inboundQuota, readDataAvailable, outboundQuota, writeQuotaAvailable;
+  ULONG state, end;
+};
+constexpr auto kPipeInformation = static_cast<FILE_INFORMATION_CLASS>(24);
 constexpr ULONG kConnectedState = 3, kServerEnd = 1;
 
 bool IsConnectedServer(HANDLE handle) {
   IO_STATUS_BLOCK status{};
-  FILE_PIPE_LOCAL_INFORMATION pipe{};
-  return NtQueryInformationFile(handle, &status, &pipe, sizeof(pipe), FilePipeLocalInformation) == 0 &&
-         pipe.NamedPipeState == kConnectedState && pipe.NamedPipeEnd == kServerEnd;
+  PipeInformation pipe{};
+  return NtQueryInformationFile(handle, &status, &pipe, sizeof(pipe), kPipeInformation) == 0 &&
+         pipe.state == kConnectedState && pipe.end == kServerEnd;
 }
 
 // Without the "\\\\.\\pipe" that programs put before it.

@@ -81,7 +81,7 @@ bool HeldUpTheDriver(const Session& session, const Hold& hold) {
 // `holds`: those over the frame period, the longest first.
 bool AreTooLong(const Session& session, const std::vector<LongHold>& holds) {
   if (holds.empty()) return false;
-  if (holds.front().span > std::max(holds.front().period, kAlwaysTooLong)) return true;
+  if (holds.front().span > kAlwaysTooLong) return true;
   const std::size_t all = session.holds.size();
   const auto inVain = static_cast<std::size_t>(std::count_if(
       holds.begin(), holds.end(), [&](const LongHold& held) { return HeldUpTheDriver(session, *held.hold); }));

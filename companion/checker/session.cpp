@@ -100,11 +100,7 @@ void Builder::OpenFirst(const Event& event) {
     session_.connections.emplace_back().firstPipe = event.end;
     fromDriver_ = {};
     writtenBytes_ = 0;
-  } else if (Connection* const last = Current(); last != nullptr && !last->busyEnded) {
-    if (event.result != kPipeBusy) {
-      last->busyEnded = last->busySince.has_value();
-      return;
-    }
+  } else if (Connection* const last = Current(); last != nullptr && event.result == kPipeBusy) {
     last->busyUntil = event.end;
     if (!last->busySince) last->busySince = event.end;
   }

@@ -13,6 +13,12 @@ constexpr std::uint32_t kAccessViolation = 0xC0000005, kNotConnected = 233;
 // The rules about textures, the block and a connection's end.
 class JudgeFramesTest : public testing::Test {
  protected:
+  // By the companion, of texture 0.
+  void HoldFor(double spanMs, double ms) {
+    session.Acquire(Side::kCompanion, 0, ms);
+    session.Release(Side::kCompanion, 0, ms + spanMs);
+  }
+
   MadeUpSession session;
 };
 
@@ -72,8 +78,7 @@ TEST_F(JudgeFramesTest, WantsNoTextureHeldForLong) {
   session.CutOffAt(2600);
   session.SendPoses(2600, 2990);
   session.Release(Side::kDriver, 0, 2600);
-  session.Acquire(Side::kCompanion, 0, 2601);
-  session.Release(Side::kCompanion, 0, 2801);
+  HoldFor(200, 2601);
   EXPECT_EQ(session.Broken(), "") << "one long hold is the machine's";
   session.Acquire(Side::kCompanion, 1, 2602);
   session.Release(Side::kCompanion, 1, 2900);
@@ -85,20 +90,33 @@ TEST_F(JudgeFramesTest, WantsNoHabitOfHoldingTexturesOverTheFramePeriod) {
   session.Remove(EventKind::kReleased);
   session.Remove(EventKind::kTextureRead);
   session.PassFrame(0, 310);
-  for (double ms = 1000; ms < 2900; ms += 100) {
-    session.Acquire(Side::kCompanion, 0, ms);
-    session.Release(Side::kCompanion, 0, ms + 30);
-  }
+  for (double ms = 1000; ms < 2900; ms += 100) HoldFor(30, ms);
   EXPECT_EQ(session.Broken(), "P20");
   session.Send(999, FrameRate(30));
   EXPECT_EQ(session.Broken(), "");
 }
 
+TEST_F(JudgeFramesTest, LooksForTheHabitFromTenHoldsOn) {
+  session.CutOffAt(400);
+  session.SendPoses(400, 1990);
+  for (double ms = 500; ms < 1000; ms += 100) HoldFor(30, ms);
+  EXPECT_EQ(session.Broken(), "") << "five of nine";
+  HoldFor(30, 1000);
+  EXPECT_EQ(session.Broken(), "P20") << "six of ten";
+}
+
+TEST_F(JudgeFramesTest, AllowsLongHoldsInALongFramePeriod) {
+  session.CutOffAt(2200);
+  session.SendPoses(2200, 3200);
+  session.Send(500, FrameRate(2));
+  HoldFor(400, 2250);
+  EXPECT_EQ(session.Broken(), "");
+  HoldFor(510, 2680);
+  EXPECT_EQ(session.Broken(), "P20");
+}
+
 TEST_F(JudgeFramesTest, WantsTheDriverNotToWaitInVain) {
-  for (double ms = 1006; ms < 2900; ms += 120) {
-    session.Acquire(Side::kCompanion, 0, ms);
-    session.Release(Side::kCompanion, 0, ms + 30);
-  }
+  for (double ms = 1006; ms < 2900; ms += 120) HoldFor(30, ms);
   EXPECT_EQ(session.Broken(), "") << "one in nine, which harmed nobody";
   for (double ms = 1026; ms < 2900; ms += 120) session.Acquire(Side::kDriver, 0, ms, kTimedOut);
   EXPECT_EQ(session.Broken(), "") << "found held, which harms nobody";

@@ -35,7 +35,6 @@ struct Connection {
   std::optional<Nanoseconds> closed;   // by the driver
   // After that, `In` was there and taken, from the driver's first attempt to its last that found it so.
   std::optional<Nanoseconds> busySince, busyUntil;
-  bool busyEnded = false;
 
   // When it was over for the companion; the recording's end when it never was.
   [[nodiscard]] Nanoseconds End(Nanoseconds recordingEnd) const;
