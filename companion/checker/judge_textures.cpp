@@ -11,7 +11,7 @@ namespace {
 constexpr Nanoseconds kFramesWithin = 2 * kSecond;
 // A hold over the frame period is a breach by itself only when it is this long, since the system may stop a thread that
 // holds a texture; so are more than a half of many, and more than a tenth that the driver waited for in vain.
-constexpr Nanoseconds kAlwaysTooLong = 250 * kMillisecond;
+constexpr Nanoseconds kAlwaysTooLong = 500 * kMillisecond;
 constexpr std::size_t kManyHolds = 10;
 
 void JudgeTakesFrames(const Session& session, Findings& findings) {

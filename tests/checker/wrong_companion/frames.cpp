@@ -61,7 +61,7 @@ bool Frames::AcquireFresh() {
 void Frames::TakeOne() {
   if (!AcquireFresh()) return;
   Read();
-  if (faults_.Has("long-hold") && taken_ == kFirstFault) Sleep(300);
+  if (faults_.Has("long-hold") && taken_ == kFirstFault) Sleep(600);
   mutexes_[turn_]->ReleaseSync(OMBREL_KEYED_MUTEX_KEY);
   if (++taken_ > kFirstFault && taken_ % kFirstFault == 0) BreakRules();
   turn_ = 1 - turn_;

@@ -78,10 +78,10 @@ TEST_F(JudgeFramesTest, WantsNoTextureHeldForLong) {
   session.CutOffAt(2600);
   session.SendPoses(2600, 2990);
   session.Release(Side::kDriver, 0, 2600);
-  HoldFor(200, 2601);
+  HoldFor(490, 2601);
   EXPECT_EQ(session.Broken(), "") << "one long hold is the machine's";
   session.Acquire(Side::kCompanion, 1, 2602);
-  session.Release(Side::kCompanion, 1, 2900);
+  session.Release(Side::kCompanion, 1, 3112);
   EXPECT_EQ(session.Broken(), "P20");
 }
 
