@@ -9,6 +9,7 @@ TEST(ComponentName, IsComparedWithoutRegardToLetterCase) {
   EXPECT_TRUE(IsComponentNamed("IVRDisplayComponent_002", "IVRDisplayComponent_002"));
   EXPECT_TRUE(IsComponentNamed("ivrdisplaycomponent_002", "IVRDisplayComponent_002"));
   EXPECT_TRUE(IsComponentNamed("IVRDISPLAYCOMPONENT_002", "ivrDisplayComponent_002"));
+  EXPECT_TRUE(IsComponentNamed("ABCDEFGHIJKLMNOPQRSTUVWXYZ", "abcdefghijklmnopqrstuvwxyz"));
 }
 
 TEST(ComponentName, IsComparedAsAWhole) {
