@@ -21,12 +21,14 @@ void JudgeHalfClosed(const Connection& connection, Nanoseconds recordingEnd, Fin
                "In was closed, and Out stayed open for another " + InMilliseconds(rest));
 }
 
+// Of a program that runs on: one that ends may take its time after it has disconnected.
 void JudgeLeftBusy(const Connection& connection, Findings& findings) {
   if (!connection.busySince) return;
   const Nanoseconds span = *connection.busyUntil - *connection.busySince;
   if (span <= kBusyAtMost) return;
   findings.Add(Rule::kClosesBoth, *connection.busySince,
-               "Out was closed, but In still had its former client for " + InMilliseconds(span));
+               "Out was closed, but In, with its former client or with nobody who listens, could not be opened for " +
+                   InMilliseconds(span));
 }
 
 // A program that ends in an orderly way is asked for its pipes before the system closes them. One that crashes is not: then
@@ -44,7 +46,7 @@ void JudgeEnd(const Session& session, Findings& findings) {
   for (const Connection& connection : session.connections) {
     const bool isLast = &connection == &session.connections.back();
     JudgeHalfClosed(connection, session.end, findings);
-    JudgeLeftBusy(connection, findings);
+    if (!isLast || !session.processEnded) JudgeLeftBusy(connection, findings);
     if (isLast && connection.opened && EndedConnected(session, connection)) {
       findings.Add(Rule::kClosesBoth, connection.End(session.end),
                    "the process ended with exit code " + InHex(session.exitCode) + " while the driver was connected");

@@ -137,6 +137,14 @@ TEST_F(JudgeFramesTest, WantsTheFormerClientDisconnected) {
 }
 
 // A pipe that is disconnected is busy until its program listens again or ends.
+TEST_F(JudgeFramesTest, AllowsACompanionThatDisconnectsAndTakesLongToEnd) {
+  session.CutOffAt(1500);
+  session.Disconnect(1500);
+  for (double ms = 1600; ms < 2900; ms += 100) session.AddPipe(EventKind::kPipeOpened, Pipe::kIn, ms, 231);
+  session.Add(EventKind::kProcessEnded, 2900);
+  EXPECT_EQ(session.Broken(), "");
+}
+
 TEST_F(JudgeFramesTest, AllowsACompanionThatDisconnectsAndEnds) {
   session.CutOffAt(1500);
   session.Disconnect(1500);
