@@ -20,15 +20,7 @@ PoseMatrix PoseFromQuaternion(const vr::HmdQuaternion_t& rotation, const double 
 
 PoseMatrix Multiply(const PoseMatrix& left, const PoseMatrix& right) {
   PoseMatrix product{};
-  for (int row = 0; row < 3; ++row) {
-    for (int column = 0; column < 4; ++column) {
-      float sum = column == 3 ? left.m[row][3] : 0.0F;
-      for (int inner = 0; inner < 3; ++inner) {
-        sum += left.m[row][inner] * right.m[inner][column];
-      }
-      product.m[row][column] = sum;
-    }
-  }
+  MultiplyRows(left.m, right, product.m);
   return product;
 }
 

@@ -19,15 +19,7 @@ struct CameraConstants {
 
 vr::HmdMatrix44_t ClipFromWorld(const vr::HmdMatrix44_t& projection, const runtime::PoseMatrix& eyeFromWorld) {
   vr::HmdMatrix44_t clip{};
-  for (int row = 0; row < 4; ++row) {
-    for (int column = 0; column < 4; ++column) {
-      float sum = column == 3 ? projection.m[row][3] : 0.0F;
-      for (int inner = 0; inner < 3; ++inner) {
-        sum += projection.m[row][inner] * eyeFromWorld.m[inner][column];
-      }
-      clip.m[row][column] = sum;
-    }
-  }
+  runtime::MultiplyRows(projection.m, eyeFromWorld, clip.m);
   return clip;
 }
 

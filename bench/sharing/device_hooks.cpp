@@ -33,57 +33,31 @@ HRESULT STDMETHODCALLTYPE CreateTexture2D(ID3D11Device* self, const D3D11_TEXTUR
   return caller.Count(result, texture, &AtomicCounters::liveTextures);
 }
 
-HRESULT STDMETHODCALLTYPE CreateShaderResourceView(ID3D11Device* self, ID3D11Resource* resource,
-                                                   const D3D11_SHADER_RESOURCE_VIEW_DESC* description,
-                                                   ID3D11ShaderResourceView** view) {
+template <DeviceCall kCall, auto kSeen, class View, class Description>
+HRESULT STDMETHODCALLTYPE CreateView(ID3D11Device* self, ID3D11Resource* resource, const Description* description,
+                                     View** view) {
   const Caller caller(self);
-  if (const auto answer = caller.Answer(DeviceCall::kCreateShaderResourceView, view)) return *answer;
-  caller.Observer().OnCreateShaderResourceView(resource, description);
-  const HRESULT result = Original<&CreateShaderResourceView>()(self, resource, description, view);
+  if (const auto answer = caller.Answer(kCall, view)) return *answer;
+  (caller.Observer().*kSeen)(resource, description);
+  const HRESULT result = Original<&CreateView<kCall, kSeen, View, Description>>()(self, resource, description, view);
   return caller.Count(result, view, &AtomicCounters::liveViews);
 }
 
-HRESULT STDMETHODCALLTYPE CreateRenderTargetView(ID3D11Device* self, ID3D11Resource* resource,
-                                                 const D3D11_RENDER_TARGET_VIEW_DESC* description,
-                                                 ID3D11RenderTargetView** view) {
+template <DeviceCall kCall, class Shader>
+HRESULT STDMETHODCALLTYPE CreateShader(ID3D11Device* self, const void* code, SIZE_T size, ID3D11ClassLinkage* linkage,
+                                       Shader** shader) {
   const Caller caller(self);
-  if (const auto answer = caller.Answer(DeviceCall::kCreateRenderTargetView, view)) return *answer;
-  caller.Observer().OnCreateRenderTargetView(resource, description);
-  const HRESULT result = Original<&CreateRenderTargetView>()(self, resource, description, view);
-  return caller.Count(result, view, &AtomicCounters::liveViews);
-}
-
-HRESULT STDMETHODCALLTYPE CreateVertexShader(ID3D11Device* self, const void* code, SIZE_T size,
-                                             ID3D11ClassLinkage* linkage, ID3D11VertexShader** shader) {
-  const Caller caller(self);
-  if (const auto answer = caller.Answer(DeviceCall::kCreateVertexShader, shader)) return *answer;
-  const HRESULT result = Original<&CreateVertexShader>()(self, code, size, linkage, shader);
+  if (const auto answer = caller.Answer(kCall, shader)) return *answer;
+  const HRESULT result = Original<&CreateShader<kCall, Shader>>()(self, code, size, linkage, shader);
   return caller.Count(result, shader, &AtomicCounters::liveShaders);
 }
 
-HRESULT STDMETHODCALLTYPE CreatePixelShader(ID3D11Device* self, const void* code, SIZE_T size,
-                                            ID3D11ClassLinkage* linkage, ID3D11PixelShader** shader) {
+template <DeviceCall kCall, auto kSeen, class State, class Description>
+HRESULT STDMETHODCALLTYPE CreateState(ID3D11Device* self, const Description* description, State** state) {
   const Caller caller(self);
-  if (const auto answer = caller.Answer(DeviceCall::kCreatePixelShader, shader)) return *answer;
-  const HRESULT result = Original<&CreatePixelShader>()(self, code, size, linkage, shader);
-  return caller.Count(result, shader, &AtomicCounters::liveShaders);
-}
-
-HRESULT STDMETHODCALLTYPE CreateBlendState(ID3D11Device* self, const D3D11_BLEND_DESC* description,
-                                           ID3D11BlendState** state) {
-  const Caller caller(self);
-  if (const auto answer = caller.Answer(DeviceCall::kCreateBlendState, state)) return *answer;
-  if (description != nullptr) caller.Observer().OnCreateBlendState(*description);
-  const HRESULT result = Original<&CreateBlendState>()(self, description, state);
-  return caller.Count(result, state, &AtomicCounters::liveStates);
-}
-
-HRESULT STDMETHODCALLTYPE CreateSamplerState(ID3D11Device* self, const D3D11_SAMPLER_DESC* description,
-                                             ID3D11SamplerState** state) {
-  const Caller caller(self);
-  if (const auto answer = caller.Answer(DeviceCall::kCreateSamplerState, state)) return *answer;
-  if (description != nullptr) caller.Observer().OnCreateSamplerState(*description);
-  const HRESULT result = Original<&CreateSamplerState>()(self, description, state);
+  if (const auto answer = caller.Answer(kCall, state)) return *answer;
+  if (description != nullptr) (caller.Observer().*kSeen)(*description);
+  const HRESULT result = Original<&CreateState<kCall, kSeen, State, Description>>()(self, description, state);
   return caller.Count(result, state, &AtomicCounters::liveStates);
 }
 
@@ -116,12 +90,16 @@ bool PatchDevice(ID3D11Device* device) {
   static const std::array patches{
       Patch<&CreateBuffer>(3),
       Patch<&CreateTexture2D>(5),
-      Patch<&CreateShaderResourceView>(7),
-      Patch<&CreateRenderTargetView>(9),
-      Patch<&CreateVertexShader>(12),
-      Patch<&CreatePixelShader>(15),
-      Patch<&CreateBlendState>(20),
-      Patch<&CreateSamplerState>(23),
+      Patch<&CreateView<DeviceCall::kCreateShaderResourceView, &DeviceObserver::OnCreateShaderResourceView,
+                        ID3D11ShaderResourceView, D3D11_SHADER_RESOURCE_VIEW_DESC>>(7),
+      Patch<&CreateView<DeviceCall::kCreateRenderTargetView, &DeviceObserver::OnCreateRenderTargetView,
+                        ID3D11RenderTargetView, D3D11_RENDER_TARGET_VIEW_DESC>>(9),
+      Patch<&CreateShader<DeviceCall::kCreateVertexShader, ID3D11VertexShader>>(12),
+      Patch<&CreateShader<DeviceCall::kCreatePixelShader, ID3D11PixelShader>>(15),
+      Patch<&CreateState<DeviceCall::kCreateBlendState, &DeviceObserver::OnCreateBlendState, ID3D11BlendState,
+                         D3D11_BLEND_DESC>>(20),
+      Patch<&CreateState<DeviceCall::kCreateSamplerState, &DeviceObserver::OnCreateSamplerState, ID3D11SamplerState,
+                         D3D11_SAMPLER_DESC>>(23),
       Patch<&OpenSharedResource>(28),
       Patch<&GetDeviceRemovedReason>(39),
   };

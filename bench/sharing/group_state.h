@@ -11,22 +11,8 @@
 
 namespace bench {
 
-// The counters of a group while they count. Fields as in Counters.
-struct AtomicCounters {
-  std::atomic<std::int64_t> liveDevices{0};
-  std::atomic<std::int64_t> liveTextures{0};
-  std::atomic<std::int64_t> liveSharedTextures{0};
-  std::atomic<std::int64_t> liveBuffers{0};
-  std::atomic<std::int64_t> liveViews{0};
-  std::atomic<std::int64_t> liveShaders{0};
-  std::atomic<std::int64_t> liveStates{0};
-  std::atomic<std::int64_t> heldMutexes{0};
-  std::atomic<std::int64_t> acquired{0};
-  std::atomic<std::int64_t> timedOut{0};
-  std::atomic<std::int64_t> abandoned{0};
-  std::atomic<std::int64_t> uploads{0};
-  std::atomic<std::int64_t> downloads{0};
-};
+// The counters of a group while they count.
+using AtomicCounters = CountersOf<std::atomic<std::int64_t>>;
 
 // What all devices of a group have in common; one for each group, for the life of the process. Any thread.
 class GroupState {

@@ -28,6 +28,13 @@ class InterceptTest : public testing::Test {
     FreeLibrary(module);
   }
 
+  void ExpectSharing() {
+    const auto description = Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX);
+    ComPtr<ID3D11Texture2D> texture;
+    ASSERT_EQ(device->CreateTexture2D(&description, nullptr, &texture), S_OK);
+    EXPECT_NE(Side().Open(SharedHandle(texture.Get())), nullptr);
+  }
+
   HMODULE module = nullptr;
   MakeDeviceFunction makeDevice = nullptr;
   ComPtr<ID3D11Device> device;
@@ -46,20 +53,14 @@ TEST_F(InterceptTest, LeavesAModuleAloneThatWasNotIntercepted) {
 TEST_F(InterceptTest, GivesSharingToADeviceThatWasMadeWithoutIt) {
   ASSERT_EQ(makeDevice(&device, &context), S_OK);
   ASSERT_TRUE(ShareTexturesOf(device.Get()));
-  const auto description = Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX);
-  ComPtr<ID3D11Texture2D> texture;
-  ASSERT_EQ(device->CreateTexture2D(&description, nullptr, &texture), S_OK);
-  EXPECT_NE(Side().Open(SharedHandle(texture.Get())), nullptr);
+  ExpectSharing();
 }
 
 TEST_F(InterceptTest, GivesTheModulesDevicesSharing) {
   ASSERT_TRUE(InterceptModule(module));
   ASSERT_EQ(makeDevice(&device, &context), S_OK);
   EXPECT_EQ(ReadCounters(DeviceGroup::kIntercepted).liveDevices, 1);
-  const auto description = Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX);
-  ComPtr<ID3D11Texture2D> texture;
-  ASSERT_EQ(device->CreateTexture2D(&description, nullptr, &texture), S_OK);
-  EXPECT_NE(Side().Open(SharedHandle(texture.Get())), nullptr);
+  ExpectSharing();
 }
 
 TEST_F(InterceptTest, GivesTheContextOfTheDevice) {
