@@ -21,17 +21,8 @@ std::future<HRESULT> AcquireOnAnotherThread(IDXGIKeyedMutex* mutex, UINT64 key, 
 }
 
 // One shared texture with a keyed mutex, on two devices.
-class KeyedMutexTest : public testing::Test {
+class KeyedMutexTest : public TwoSidesTest {
  protected:
-  static void SetUpTestSuite() {
-    makerSide.emplace();
-    openerSide.emplace();
-  }
-  static void TearDownTestSuite() {
-    openerSide.reset();
-    makerSide.reset();
-  }
-
   void SetUp() override {
     made = makerSide->Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
     ASSERT_NE(made, nullptr);
@@ -56,16 +47,11 @@ class KeyedMutexTest : public testing::Test {
     made.Reset();
   }
 
-  static std::optional<Side> makerSide;
-  static std::optional<Side> openerSide;
   ComPtr<ID3D11Texture2D> made;
   ComPtr<ID3D11Texture2D> opened;
   ComPtr<IDXGIKeyedMutex> maker;
   ComPtr<IDXGIKeyedMutex> opener;
 };
-
-std::optional<Side> KeyedMutexTest::makerSide;
-std::optional<Side> KeyedMutexTest::openerSide;
 
 void PassOn(IDXGIKeyedMutex* mutex, UINT64 key, UINT64 nextKey) {
   EXPECT_EQ(mutex->AcquireSync(key, kLongMs), S_OK);

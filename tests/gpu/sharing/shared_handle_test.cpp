@@ -10,18 +10,16 @@
 namespace bench::test {
 namespace {
 
-class SharedHandleTest : public testing::Test {
+class SharedHandleTest : public TwoSidesTest {
  protected:
-  HRESULT TryCreate(const D3D11_TEXTURE2D_DESC& description) const {
+  static HRESULT TryCreate(const D3D11_TEXTURE2D_DESC& description) {
     ComPtr<ID3D11Texture2D> texture;
-    return side.device->CreateTexture2D(&description, nullptr, &texture);
+    return makerSide->device->CreateTexture2D(&description, nullptr, &texture);
   }
-
-  Side side;
 };
 
 TEST_F(SharedHandleTest, IsNotZeroAndFitsInto31Bits) {
-  const auto texture = side.Create(Description(D3D11_RESOURCE_MISC_SHARED));
+  const auto texture = makerSide->Create(Description(D3D11_RESOURCE_MISC_SHARED));
   ComPtr<IDXGIResource> resource;
   HANDLE handle = nullptr;
   ASSERT_EQ(texture.As(&resource), S_OK);
@@ -32,51 +30,49 @@ TEST_F(SharedHandleTest, IsNotZeroAndFitsInto31Bits) {
 }
 
 TEST_F(SharedHandleTest, StaysTheSameForOneTexture) {
-  const auto texture = side.Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
+  const auto texture = makerSide->Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
   EXPECT_EQ(SharedHandle(texture.Get()), SharedHandle(texture.Get()));
 }
 
 TEST_F(SharedHandleTest, IsTheSameOnTheOpenersSide) {
-  const auto texture = side.Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
-  const Side opener;
-  const auto opened = opener.Open(SharedHandle(texture.Get()));
+  const auto texture = makerSide->Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
+  const auto opened = openerSide->Open(SharedHandle(texture.Get()));
   EXPECT_EQ(SharedHandle(opened.Get()), SharedHandle(texture.Get()));
 }
 
 TEST_F(SharedHandleTest, IsNotUsedAgainForLaterTextures) {
   std::set<std::uint32_t> handles;
   for (int count = 0; count < 200; ++count) {
-    const auto texture = side.Create(Description(D3D11_RESOURCE_MISC_SHARED));
+    const auto texture = makerSide->Create(Description(D3D11_RESOURCE_MISC_SHARED));
     handles.insert(SharedHandle(texture.Get()));
   }
   EXPECT_EQ(handles.size(), 200u);
 }
 
 TEST_F(SharedHandleTest, NamesNothingOnceItsTextureIsGone) {
-  auto texture = side.Create(Description(D3D11_RESOURCE_MISC_SHARED));
+  auto texture = makerSide->Create(Description(D3D11_RESOURCE_MISC_SHARED));
   const std::uint32_t handle = SharedHandle(texture.Get());
   texture.Reset();
   ComPtr<ID3D11Texture2D> opened;
-  EXPECT_EQ(side.device->OpenSharedResource(reinterpret_cast<HANDLE>(std::uintptr_t{handle}), IID_PPV_ARGS(&opened)),
-            E_INVALIDARG);
+  EXPECT_EQ(
+      makerSide->device->OpenSharedResource(reinterpret_cast<HANDLE>(std::uintptr_t{handle}), IID_PPV_ARGS(&opened)),
+      E_INVALIDARG);
   EXPECT_EQ(opened, nullptr);
 }
 
 TEST_F(SharedHandleTest, OpensAsAnyOfTheTexturesInterfaces) {
-  const auto texture = side.Create(Description(D3D11_RESOURCE_MISC_SHARED));
-  const Side opener;
+  const auto texture = makerSide->Create(Description(D3D11_RESOURCE_MISC_SHARED));
   ComPtr<ID3D11Resource> resource;
   const auto handle = reinterpret_cast<HANDLE>(std::uintptr_t{SharedHandle(texture.Get())});
-  ASSERT_EQ(opener.device->OpenSharedResource(handle, IID_PPV_ARGS(&resource)), S_OK);
+  ASSERT_EQ(openerSide->device->OpenSharedResource(handle, IID_PPV_ARGS(&resource)), S_OK);
   ComPtr<ID3D11Texture2D> opened;
   EXPECT_EQ(resource.As(&opened), S_OK);
 }
 
 TEST_F(SharedHandleTest, ComesWithTheCreatorsDescription) {
   const auto description = Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX, DXGI_FORMAT_B8G8R8A8_TYPELESS);
-  const auto texture = side.Create(description);
-  const Side opener;
-  const auto opened = opener.Open(SharedHandle(texture.Get()));
+  const auto texture = makerSide->Create(description);
+  const auto opened = openerSide->Open(SharedHandle(texture.Get()));
   for (ID3D11Texture2D* const each : {texture.Get(), opened.Get()}) {
     D3D11_TEXTURE2D_DESC seen{};
     each->GetDesc(&seen);
@@ -89,12 +85,12 @@ TEST_F(SharedHandleTest, ComesWithTheCreatorsDescription) {
 }
 
 TEST_F(SharedHandleTest, HasNoKeyedMutexWithoutTheFlag) {
-  const auto texture = side.Create(Description(D3D11_RESOURCE_MISC_SHARED));
+  const auto texture = makerSide->Create(Description(D3D11_RESOURCE_MISC_SHARED));
   EXPECT_EQ(FindKeyedMutex(texture.Get()), nullptr);
 }
 
 TEST_F(SharedHandleTest, BelongsToTheObjectThatTheTextureIs) {
-  const auto texture = side.Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
+  const auto texture = makerSide->Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
   ComPtr<IUnknown> identity;
   ComPtr<IUnknown> mutexIdentity;
   ASSERT_EQ(texture.As(&identity), S_OK);

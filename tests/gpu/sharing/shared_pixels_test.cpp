@@ -8,35 +8,31 @@
 namespace bench::test {
 namespace {
 
-class SharedPixelsTest : public testing::Test {
- protected:
-  Side writer;
-  Side reader;
-};
+class SharedPixelsTest : public TwoSidesTest {};
 
 TEST_F(SharedPixelsTest, ArriveWithTheKeyedMutex) {
-  const auto made = writer.Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
-  const auto opened = reader.Open(SharedHandle(made.Get()));
+  const auto made = makerSide->Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
+  const auto opened = openerSide->Open(SharedHandle(made.Get()));
   const auto writing = FindKeyedMutex(made.Get());
   const auto reading = FindKeyedMutex(opened.Get());
   for (std::uint8_t round = 1; round <= 3; ++round) {
     ASSERT_EQ(writing->AcquireSync(0, 0), S_OK);
-    writer.Write(made.Get(), Pattern(round));
+    makerSide->Write(made.Get(), Pattern(round));
     ASSERT_EQ(writing->ReleaseSync(0), S_OK);
     ASSERT_EQ(reading->AcquireSync(0, 0), S_OK);
-    EXPECT_EQ(reader.Read(opened.Get()), Pattern(round));
+    EXPECT_EQ(openerSide->Read(opened.Get()), Pattern(round));
     ASSERT_EQ(reading->ReleaseSync(0), S_OK);
   }
 }
 
 TEST_F(SharedPixelsTest, TravelBackToTheCreator) {
-  const auto made = writer.Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
-  const auto opened = reader.Open(SharedHandle(made.Get()));
+  const auto made = makerSide->Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
+  const auto opened = openerSide->Open(SharedHandle(made.Get()));
   ASSERT_EQ(FindKeyedMutex(opened.Get())->AcquireSync(0, 0), S_OK);
-  reader.Write(opened.Get(), Pattern(9));
+  openerSide->Write(opened.Get(), Pattern(9));
   ASSERT_EQ(FindKeyedMutex(opened.Get())->ReleaseSync(0), S_OK);
   ASSERT_EQ(FindKeyedMutex(made.Get())->AcquireSync(0, 0), S_OK);
-  EXPECT_EQ(writer.Read(made.Get()), Pattern(9));
+  EXPECT_EQ(makerSide->Read(made.Get()), Pattern(9));
 }
 
 TEST_F(SharedPixelsTest, ArriveOnTheOpenersSideWithInitialData) {
@@ -44,15 +40,15 @@ TEST_F(SharedPixelsTest, ArriveOnTheOpenersSideWithInitialData) {
   const D3D11_SUBRESOURCE_DATA data{pixels.data(), kWidth * sizeof(Pixels::value_type), 0};
   const auto description = Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX);
   ComPtr<ID3D11Texture2D> made;
-  ASSERT_EQ(writer.device->CreateTexture2D(&description, &data, &made), S_OK);
-  const auto opened = reader.Open(SharedHandle(made.Get()));
+  ASSERT_EQ(makerSide->device->CreateTexture2D(&description, &data, &made), S_OK);
+  const auto opened = openerSide->Open(SharedHandle(made.Get()));
   ASSERT_EQ(FindKeyedMutex(opened.Get())->AcquireSync(0, 0), S_OK);
-  EXPECT_EQ(reader.Read(opened.Get()), pixels);
+  EXPECT_EQ(openerSide->Read(opened.Get()), pixels);
 }
 
 TEST_F(SharedPixelsTest, AreNotCopiedBackByATextureThatIsMarkedReadOnly) {
-  const auto made = writer.Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
-  const auto opened = reader.Open(SharedHandle(made.Get()));
+  const auto made = makerSide->Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
+  const auto opened = openerSide->Open(SharedHandle(made.Get()));
   ASSERT_EQ(MarkReadOnly(opened.Get()), S_OK);
   const auto before = ReadCounters(DeviceGroup::kOwn).downloads;
   ASSERT_EQ(FindKeyedMutex(opened.Get())->AcquireSync(0, 0), S_OK);
@@ -61,7 +57,7 @@ TEST_F(SharedPixelsTest, AreNotCopiedBackByATextureThatIsMarkedReadOnly) {
 }
 
 TEST_F(SharedPixelsTest, AreTakenOverOnlyWhenTheyAreNewer) {
-  const auto made = writer.Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
+  const auto made = makerSide->Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
   const auto mutex = FindKeyedMutex(made.Get());
   const auto before = ReadCounters(DeviceGroup::kOwn).uploads;
   for (int round = 0; round < 3; ++round) {
@@ -72,25 +68,25 @@ TEST_F(SharedPixelsTest, AreTakenOverOnlyWhenTheyAreNewer) {
 }
 
 TEST_F(SharedPixelsTest, WithoutKeyedMutexArriveOncePublished) {
-  const auto made = reader.Create(Description(D3D11_RESOURCE_MISC_SHARED));
-  const auto opened = writer.Open(SharedHandle(made.Get()));
+  const auto made = openerSide->Create(Description(D3D11_RESOURCE_MISC_SHARED));
+  const auto opened = makerSide->Open(SharedHandle(made.Get()));
   for (std::uint8_t round = 1; round <= 3; ++round) {
-    writer.Write(opened.Get(), Pattern(round));
+    makerSide->Write(opened.Get(), Pattern(round));
     ASSERT_EQ(PublishSharedTexture(opened.Get()), S_OK);
-    EXPECT_EQ(reader.Read(made.Get()), Pattern(round));
+    EXPECT_EQ(openerSide->Read(made.Get()), Pattern(round));
   }
 }
 
 TEST_F(SharedPixelsTest, AreOneTextureForAllOpenersOnOneDevice) {
-  const auto made = writer.Create(Description(D3D11_RESOURCE_MISC_SHARED));
-  const auto opened = writer.Open(SharedHandle(made.Get()));
-  writer.Write(made.Get(), Pattern(6));
-  EXPECT_EQ(writer.Read(opened.Get()), Pattern(6));
+  const auto made = makerSide->Create(Description(D3D11_RESOURCE_MISC_SHARED));
+  const auto opened = makerSide->Open(SharedHandle(made.Get()));
+  makerSide->Write(made.Get(), Pattern(6));
+  EXPECT_EQ(makerSide->Read(opened.Get()), Pattern(6));
 }
 
 TEST_F(SharedPixelsTest, CannotBePublishedForATextureOfAnotherKind) {
-  const auto keyed = writer.Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
-  const auto plain = writer.Create(Description(0));
+  const auto keyed = makerSide->Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX));
+  const auto plain = makerSide->Create(Description(0));
   EXPECT_EQ(PublishSharedTexture(keyed.Get()), E_INVALIDARG);
   EXPECT_EQ(PublishSharedTexture(plain.Get()), E_INVALIDARG);
 }
@@ -100,14 +96,14 @@ class SharedFormatsTest : public SharedPixelsTest, public testing::WithParamInte
 TEST_P(SharedFormatsTest, CarryEveryBit) {
   const bool isWide = GetParam() == DXGI_FORMAT_R16G16B16A16_FLOAT;
   const Pixels pixels = Pattern(0x25, isWide ? 2 * kWidth : kWidth);
-  const auto made = writer.Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX, GetParam()));
+  const auto made = makerSide->Create(Description(D3D11_RESOURCE_MISC_SHARED_KEYEDMUTEX, GetParam()));
   ASSERT_NE(made, nullptr);
-  const auto opened = reader.Open(SharedHandle(made.Get()));
+  const auto opened = openerSide->Open(SharedHandle(made.Get()));
   ASSERT_EQ(FindKeyedMutex(made.Get())->AcquireSync(0, 0), S_OK);
-  writer.Write(made.Get(), pixels);
+  makerSide->Write(made.Get(), pixels);
   ASSERT_EQ(FindKeyedMutex(made.Get())->ReleaseSync(0), S_OK);
   ASSERT_EQ(FindKeyedMutex(opened.Get())->AcquireSync(0, 0), S_OK);
-  EXPECT_EQ(reader.Read(opened.Get()), pixels);
+  EXPECT_EQ(openerSide->Read(opened.Get()), pixels);
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, SharedFormatsTest,

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <d3d11.h>
+#include <gtest/gtest.h>
 #include <wrl/client.h>
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "sharing/textures.h"
@@ -44,6 +46,21 @@ class Side {
 
   ComPtr<ID3D11Device> device;
   ComPtr<ID3D11DeviceContext> context;
+};
+
+// Two devices for all tests of a suite, since it takes a second to make one.
+class TwoSidesTest : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    makerSide.emplace();
+    openerSide.emplace();
+  }
+  static void TearDownTestSuite() {
+    openerSide.reset();
+    makerSide.reset();
+  }
+
+  static inline std::optional<Side> makerSide, openerSide;
 };
 
 }  // namespace bench::test
