@@ -26,6 +26,16 @@ function(ombrel_count_cases name)
     ENVIRONMENT "GTEST_OUTPUT=xml:${OMBREL_PATH_PREFIX}${OMBREL_TEST_RESULTS}/${name}.xml")
 endfunction()
 
+# ombrel_add_pytest(NAME LABEL FILE [name=value...]): the cases of a Python file, with those variables in the environment
+# and the browser of tests/pages at hand.
+function(ombrel_add_pytest name label file)
+  add_test(NAME ${name} COMMAND "${OMBREL_PYTHON}" -B -m pytest -q -p no:cacheprovider
+    "--junitxml=${OMBREL_TEST_RESULTS}/${name}.xml" "${CMAKE_CURRENT_SOURCE_DIR}/${file}")
+  set(environment "PYTHONPATH=${PROJECT_SOURCE_DIR}/tests/pages" ${ARGN})
+  set_tests_properties(${name} PROPERTIES LABELS ${label} TIMEOUT 300 ENVIRONMENT "${environment}")
+  ombrel_count_cases(${name})
+endfunction()
+
 # ombrel_add_test(NAME LABEL native|windows|gpu SOURCES file... [DEPENDS target...]
 #                 [ARGS argument...] [ENVIRONMENT name=value...] [TIMEOUT seconds])
 # One ctest entry per GoogleTest program: starting Wine is slow. GoogleMock's main is linked.
