@@ -45,7 +45,9 @@ class RendererTest : public testing::Test {
   RecordedCalls calls{bench::DeviceGroup::kIntercepted};
   std::unique_ptr<IHeadsetRenderer> renderer = MakeHeadsetRenderer();
   std::vector<SwapTexture> eyeTextures;  // all that were made
-  RuntimeSide runtime;
+  // For all tests, since it takes a second to make its device. Never destroyed: that would be at the program's end, after
+  // what the stand-in's sharing keeps.
+  static inline RuntimeSide& runtime = *new RuntimeSide;
 };
 
 // The same, with a companion that looks at the output from another process.
