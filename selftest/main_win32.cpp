@@ -3,9 +3,9 @@
 
 #include <cstdio>
 #include <exception>
-#include <fstream>
 
 #include "ask_direct3d.h"
+#include "base/text_file.h"
 #include "console_win32.h"
 #include "facts_win32.h"
 #include "options.h"
@@ -87,8 +87,8 @@ class Run {
                                    {"--ask-direct3d", file.generic_string(), "--sharing", surroundings_.sharing},
                                    surroundings_.work / "direct3d.log", kAskMs);
     Direct3DAnswers answers;
-    if (std::ifstream stream(file); stream) {
-      answers = ReadDirect3D(Json::parse(stream));
+    if (std::filesystem::exists(file)) {
+      answers = ReadDirect3D(Json::parse(bench::ReadText(file)));
     } else {
       answers.failure = "the program that asks failed (" + ending.text + ")";
     }
@@ -119,9 +119,9 @@ class Run {
     const Cleaner cleaner;
     CleanTexts(json, [&](const std::string& text) { return cleaner.Clean(text); });
     const std::string text = json.dump(1, ' ', false, Json::error_handler_t::replace);
-    WriteFileWhole(options_.out / "report.json", text + "\n");
-    WriteFileWhole(options_.out / "report.html",
-                   report::FillTemplate(ReadFileWhole(surroundings_.programs / "template.html"), text));
+    bench::WriteText(options_.out / "report.json", text + "\n");
+    bench::WriteText(options_.out / "report.html",
+                     report::FillTemplate(bench::ReadText(surroundings_.programs / "template.html"), text));
   }
 
   const Options options_;
@@ -136,7 +136,7 @@ class Run {
 int AskHere(const Options& options) {
   const bench::SharingDecision sharing = bench::ChooseSharing(options.sharing);
   const Direct3DAnswers answers = AskDirect3D(sharing, options.sharing.has_value(), OwnProgram());
-  WriteFileWhole(options.askDirect3D, AsJson(answers).dump());
+  bench::WriteText(options.askDirect3D, AsJson(answers).dump());
   return 0;
 }
 

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <exception>
-#include <fstream>
 #include <optional>
 #include <sstream>
 
 #include "base/child_process.h"
+#include "base/text_file.h"
 #include "base/wait.h"
 
 namespace ombrel::selftest {
@@ -22,15 +22,9 @@ constexpr const char* kPipesAreOpen = "pipes open";
 // As the command lines of the stand-ins take it.
 std::string Text(const std::filesystem::path& path) { return path.generic_string(); }
 
-std::string ReadAll(const std::filesystem::path& file) {
-  std::ostringstream text;
-  text << std::ifstream(file, std::ios::binary).rdbuf();
-  return text.str();
-}
-
 // What a program said last, for who reads why it failed.
 std::string LastLine(const std::filesystem::path& log) {
-  std::istringstream lines(ReadAll(log));
+  std::istringstream lines(bench::ReadText(log));
   std::string line, last;
   while (std::getline(lines, line)) {
     std::erase(line, '\r');
@@ -118,7 +112,7 @@ class SessionRunner {
   void WriteSettings() const {
     const Json settings{
         {"driver_ombrel", {{"hmdMode", plan_.mode == "direct" ? 0 : 1}, {"windowWidth", 1280}, {"windowHeight", 720}}}};
-    std::ofstream(folder_ / "settings.json") << settings;
+    bench::WriteText(folder_ / "settings.json", settings.dump());
   }
 
   // Empty when both programs came to their end, whatever they thought of it.
@@ -126,7 +120,7 @@ class SessionRunner {
     WriteSettings();
     const auto companionLog = folder_ / "companion.log";
     const ChildProcess companion(surroundings_.programs / "companion/Ombrel.exe", CompanionArguments(), companionLog);
-    const auto isReady = [&] { return ReadAll(companionLog).find(kPipesAreOpen) != std::string::npos; };
+    const auto isReady = [&] { return bench::ReadText(companionLog).find(kPipesAreOpen) != std::string::npos; };
     if (!bench::WaitUntil([&] { return isReady() || !companion.IsRunning(); }, std::chrono::milliseconds(kStartMs)) ||
         !isReady()) {
       return "the companion does not start: " + LastLine(companionLog);
@@ -172,8 +166,9 @@ FaultsRun RunFaults(const Surroundings& surroundings, const std::vector<FaultPla
       "--sharing", surroundings.sharing,        "--json",      Text(report)};
   for (const FaultPlan& fault : faults) arguments.emplace_back(fault.scenario);
   try {
-    run.exit = RunToEnd(surroundings.programs / "scenarios.exe", arguments, log, kFaultsMs).text + ", " + LastLine(log);
-    run.report = Json::parse(ReadAll(report), nullptr, false);
+    run.exit = RunToEnd(surroundings.programs / "scenarios.exe", arguments, log, kFaultsMs).text;
+    run.exit += ", " + LastLine(log);
+    if (std::filesystem::exists(report)) run.report = Json::parse(bench::ReadText(report), nullptr, false);
   } catch (const std::exception& error) {
     run.exit = error.what();
   }

@@ -2,8 +2,6 @@
 
 #include <windows.h>
 
-#include <fstream>
-#include <sstream>
 #include <stdexcept>
 
 #include "console_win32.h"
@@ -50,18 +48,5 @@ void EndProgramsWithThisOne() {
 }
 
 Cleaner::Cleaner() : anonymizer_(AccountWithFolder()) {}
-
-std::string ReadFileWhole(const std::filesystem::path& file) {
-  std::ostringstream text;
-  text << std::ifstream(file, std::ios::binary).rdbuf();
-  if (text.str().empty()) throw std::runtime_error("cannot read " + file.filename().string());
-  return text.str();
-}
-
-void WriteFileWhole(const std::filesystem::path& file, std::string_view bytes) {
-  std::ofstream stream(file, std::ios::binary | std::ios::trunc);
-  stream << bytes;
-  if (!stream.flush()) throw std::runtime_error("cannot write " + file.filename().string());
-}
 
 }  // namespace ombrel::selftest

@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <string>
-#include <string_view>
 
 #include "doctor/anonymizer.h"
 
@@ -40,9 +39,5 @@ class Cleaner {
  private:
   doctor::Anonymizer anonymizer_;
 };
-
-// Throw std::runtime_error when it does not go.
-[[nodiscard]] std::string ReadFileWhole(const std::filesystem::path& file);
-void WriteFileWhole(const std::filesystem::path& file, std::string_view bytes);
 
 }  // namespace ombrel::selftest

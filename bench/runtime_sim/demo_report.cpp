@@ -4,12 +4,10 @@
 #include <cstdio>
 #include <exception>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <stdexcept>
 
 #include <CLI/CLI.hpp>
 
+#include "base/text_file.h"
 #include "report/page.h"
 #include "session_report.h"
 
@@ -41,22 +39,6 @@ Json MakeReport(const Options& options) {
   return {{"title", "A session with the driver"}, {"subtitle", "between stand-ins of the runtime and of the companion"},
           {"verdict", Overall(verdicts)},         {"facts", std::move(facts)},
           {"verdicts", std::move(verdicts)},      {"sections", std::move(sections)}};
-}
-
-std::string ReadText(const std::filesystem::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream) {
-    throw std::runtime_error("cannot read " + file.string());
-  }
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-void WriteText(const std::filesystem::path& file, const std::string& text) {
-  std::ofstream stream(file, std::ios::binary | std::ios::trunc);
-  stream << text;
-  if (!stream.flush()) {
-    throw std::runtime_error("cannot write " + file.string());
-  }
 }
 
 int Main(int argc, char** argv) {

@@ -17,9 +17,6 @@ void AddSession(CLI::App& app, SimulationOptions& options) {
   app.add_option("--mode", options.mode, "How frames are handed over: auto, direct or virtual")
       ->transform(CLI::CheckedTransformer(kModes));
   app.add_option("--fps", options.fps, "Frames per second, instead of the display rate that the driver reports");
-  app.add_option("--server-rate", options.serverHertz, "RunFrame calls per second");
-  app.add_option("--wait-for-pose", options.waitForPoseSeconds,
-                 "Seconds to wait for the first head pose before frames begin");
   app.add_flag(
       "--keep-devices", options.keepDevices,
       "Never let go of Direct3D devices: for Wine with WINE_D3D_CONFIG=csmt=0x0, which hangs when it destroys them");
@@ -32,7 +29,6 @@ void AddEnds(CLI::App& app, SimulationOptions& options) {
   app.add_option("--seconds", options.seconds, "End after so many seconds of frames (0: on Ctrl+C)");
   app.add_option("--frames", options.frames, "End after so many frames");
   app.add_option("--require-frames", options.requireFrames, "Fail unless at least so many frames were presented");
-  app.add_option("--require-poses", options.requirePoses, "Fail unless at least so many head poses came");
 }
 
 void AddOutputs(CLI::App& app, SimulationOptions& options) {

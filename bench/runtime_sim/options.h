@@ -25,10 +25,7 @@ struct SimulationOptions {
   double seconds = 0.0;      ///< of frames; 0: no limit
   std::uint64_t frames = 0;  ///< 0: no limit
   double fps = 0.0;          ///< 0: the display rate that the driver reports
-  double serverHertz = 90.0;
-  double waitForPoseSeconds = 10.0;
   std::uint64_t requireFrames = 0;
-  std::uint64_t requirePoses = 0;
   std::optional<Sharing> sharing;  ///< unset: the machine is asked
   bool keepDevices = false;
   bool quiet = false;

@@ -1,25 +1,11 @@
 #include "session_record.h"
 
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
-#include <stdexcept>
+
+#include "base/text_file.h"
 
 namespace bench {
 namespace {
-
-nlohmann::json ReadJson(const std::filesystem::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream) {
-    throw std::runtime_error("cannot read " + file.filename().string());
-  }
-  return nlohmann::json::parse(stream);
-}
-
-std::string ReadBytes(const std::filesystem::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 std::vector<std::int64_t> Column(const CsvTable& table, const std::string& name) {
   const std::size_t column = table.Column(name);
@@ -47,8 +33,8 @@ std::vector<std::int64_t> TicksBetween(const CsvTable& table, const std::string&
 
 SessionRecord ReadSession(const std::filesystem::path& folder) {
   SessionRecord record;
-  record.runtime = ReadJson(folder / "runtime.json");
-  record.companion = ReadJson(folder / "companion.json");
+  record.runtime = nlohmann::json::parse(ReadText(folder / "runtime.json"));
+  record.companion = nlohmann::json::parse(ReadText(folder / "companion.json"));
   const CsvTable arrived = ReadCsvFile(folder / "runtime_poses.csv");
   const CsvTable presented = ReadCsvFile(folder / "runtime_frames.csv");
   const CsvTable held = ReadCsvFile(folder / "companion_frames.csv");
@@ -62,7 +48,10 @@ SessionRecord ReadSession(const std::filesystem::path& folder) {
   record.presentTicks = TicksBetween(presented, "qpc", "presented_qpc");
   record.poseAgeTicks = TicksBetween(presented, "pose_qpc", "render_qpc");
   record.poseToFrameTicks = TicksBetween(held, "pose_qpc", "qpc");
-  record.contactSheet = ReadBytes(folder / "contact_sheet.png");
+  const auto sheet = folder / "contact_sheet.png";
+  if (std::filesystem::exists(sheet)) {
+    record.contactSheet = ReadText(sheet);
+  }
   return record;
 }
 

@@ -15,6 +15,8 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int kExitInitFailed = 2;
+constexpr double kServerHertz = 90.0;
+constexpr auto kFirstPoseTimeout = 10s;
 // What is kept of a session that may run for hours.
 constexpr std::size_t kKeptCalls = 10000;
 
@@ -86,7 +88,7 @@ int Simulation::Run() {
     WriteDriverLog();
     return kExitInitFailed;
   }
-  session_.StartFrames(options_.serverHertz);
+  session_.StartFrames(kServerHertz);
   WaitForFirstPose();
   StartGraphics();
   Watch();
@@ -100,9 +102,9 @@ void Simulation::WaitForFirstPose() {
   std::printf("runtime: waiting for the first head pose\n");
   std::fflush(stdout);
   const std::size_t before = runtime_.Poses().Count(kHead);
-  const std::chrono::milliseconds timeout(static_cast<std::int64_t>(options_.waitForPoseSeconds * 1000.0));
-  static_cast<void>(WaitUntil(
-      [&] { return stopRequested_ || runtime_.Poses().Count(kHead) > std::max<std::size_t>(before, 1); }, timeout));
+  static_cast<void>(
+      WaitUntil([&] { return stopRequested_ || runtime_.Poses().Count(kHead) > std::max<std::size_t>(before, 1); },
+                kFirstPoseTimeout));
 }
 
 void Simulation::StartGraphics() {

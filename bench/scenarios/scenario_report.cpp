@@ -1,8 +1,8 @@
 #include "scenario_report.h"
 
-#include <fstream>
-#include <stdexcept>
 #include <utility>
+
+#include "base/text_file.h"
 
 namespace bench::scenarios {
 
@@ -34,9 +34,7 @@ void ScenarioReport::AddSkipped(const std::string& name) {
 
 void ScenarioReport::Write() const {
   if (file_.empty()) return;
-  std::ofstream stream(file_, std::ios::binary | std::ios::trunc);
-  stream << json_.dump(1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
-  if (!stream.flush()) throw std::runtime_error("cannot write " + file_.string());
+  WriteText(file_, json_.dump(1, ' ', false, nlohmann::json::error_handler_t::replace) + '\n');
 }
 
 }  // namespace bench::scenarios

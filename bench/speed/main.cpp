@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <cstdio>
 #include <exception>
-#include <fstream>
 #include <string>
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include "base/text_file.h"
 #include "experiments.h"
 
 namespace bench::speed {
@@ -53,8 +53,7 @@ void Run(const Plan& plan, const std::vector<std::string>& only, const std::stri
     if (experiment.onOneProcessor) KeepToOneProcessor();
     for (const Series& series : experiment.measure(plan)) all.push_back(ToJson(series));
   }
-  std::ofstream file(out);
-  if (!(file << all)) throw std::runtime_error("cannot write " + out);
+  WriteText(out, all.dump());
 }
 
 }  // namespace
