@@ -12,11 +12,12 @@ constexpr std::int64_t kHistorySeconds = 10;
 // Far below what an eye sees, far above what a float loses at this size.
 constexpr float kTagStep = 2e-6F;
 constexpr std::uint64_t kTags = 10000;
+constexpr float kTolerance = 1e-3F;  // of each float of a pose
 
 }  // namespace
 
-DriverLink::DriverLink(const PipeServerOptions& options, std::ofstream posesCsv)
-    : pipes_(options), history_(NowTicks(), kHistorySeconds * TicksPerSecond()), posesCsv_(std::move(posesCsv)) {
+DriverLink::DriverLink(std::ofstream posesCsv)
+    : history_(NowTicks(), kHistorySeconds * TicksPerSecond()), posesCsv_(std::move(posesCsv)) {
   if (!posesCsv_.is_open()) return;
   posesCsv_.precision(9);
   posesCsv_ << "pose,qpc,qpc_frequency";
@@ -31,13 +32,13 @@ bool DriverLink::Send(std::span<const std::uint8_t> message) {
   return SendRemembered(message);
 }
 
-bool DriverLink::SendHead(PoseFormat format, const YawPitch& angles, std::optional<Position> position) {
+bool DriverLink::SendHead(PoseFormat format, const YawPitch& angles) {
   const std::scoped_lock order(orderMutex_);
   std::vector<Bytes> messages;
   {
     const std::scoped_lock lock(mutex_);
     const Position tagged{0, 1.7F, kTagStep * static_cast<float>(headPoses_++ % kTags)};
-    messages = EncodeHeadPose(format, angles, position.value_or(tagged), model_);
+    messages = EncodeHeadPose(format, angles, tagged, model_);
   }
   for (const Bytes& message : messages) {
     if (!SendRemembered(message)) return false;
@@ -66,9 +67,9 @@ void DriverLink::LogPose(std::int64_t ticks) {
   posesCsv_ << '\n';
 }
 
-std::optional<PoseMatch> DriverLink::Match(const PoseSlot& slot, float tolerance) const {
+std::optional<PoseMatch> DriverLink::Match(const PoseSlot& slot) const {
   const std::scoped_lock lock(mutex_);
-  return history_.Match(slot, tolerance);
+  return history_.Match(slot, kTolerance);
 }
 
 std::uint64_t DriverLink::PosesSent() const {

@@ -18,7 +18,7 @@ namespace bench {
 class DriverLink {
  public:
   // `posesCsv` gets a line per pose if it is open.
-  DriverLink(const companion::PipeServerOptions& options, std::ofstream posesCsv);
+  explicit DriverLink(std::ofstream posesCsv);
 
   companion::PipeServer& Pipes() { return pipes_; }
   const companion::PipeServer& Pipes() const { return pipes_; }
@@ -27,10 +27,9 @@ class DriverLink {
   bool Send(std::span<const std::uint8_t> message);
   // Sends the head's pose in the given format. Every position differs a little from the last, so that no two
   // poses are the same where the format has room for one.
-  bool SendHead(companion::PoseFormat format, const companion::YawPitch& angles,
-                std::optional<companion::Position> position);
+  bool SendHead(companion::PoseFormat format, const companion::YawPitch& angles);
 
-  std::optional<companion::PoseMatch> Match(const companion::PoseSlot& slot, float tolerance) const;
+  std::optional<companion::PoseMatch> Match(const companion::PoseSlot& slot) const;
   std::uint64_t PosesSent() const;
   // What the driver publishes now, as far as the protocol tells.
   companion::PoseMatrix PublishedPose() const;

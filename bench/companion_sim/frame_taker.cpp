@@ -30,9 +30,9 @@ std::optional<Image> ToImage(std::optional<Picture> picture) {
 
 }  // namespace
 
-FrameTaker::FrameTaker(const Options& options, DriverLink& link, RunState& run, Expectations& expectations,
+FrameTaker::FrameTaker(const Options& options, DriverLink& link, RunState& run,
                        Microsoft::WRL::ComPtr<ID3D11Device> device, std::ofstream csv)
-    : options_(options), link_(link), run_(run), expectations_(expectations), log_(std::move(csv)) {
+    : options_(options), link_(link), run_(run), log_(std::move(csv)) {
   if (device) reader_.emplace(std::move(device));
 }
 
@@ -65,7 +65,7 @@ bool FrameTaker::TakeOne() {
       frame);
   if (result == TurnResult::Failed) reader_->Close();
   if (result != TurnResult::FrameHeld) return false;
-  const auto match = link_.Match(frame.slot, options_.tolerance);
+  const auto match = link_.Match(frame.slot);
   log_.Add(log_.Frames(), connection_, frame, match);
   std::optional<Image> image;
   if (uses.Any()) image = ToImage(reader_->Pixels());
@@ -92,19 +92,17 @@ void FrameTaker::PrintFrame(const FrameInfo& frame) const {
 
 FrameTaker::Uses FrameTaker::UsesOfNext() const {
   Uses uses;
-  uses.expectation = expectations_.WantsPixels(connection_, inConnection_);
-  uses.named = run_.WantedPicture().Open();
+  uses.named = run_.PictureWanted().Open();
   if (options_.out.empty()) return uses;
   uses.saved = options_.saveEvery != 0 && log_.Frames() % options_.saveEvery == 0;
   return uses;
 }
 
 void FrameTaker::Use(const Uses& uses, const FrameInfo& frame, const Image* image) {
-  expectations_.Check({connection_, inConnection_, frame.texture, frame.slot}, image);
   if (uses.Any() && image == nullptr) run_.Fail("a frame's pixels could not be read");
   if (image == nullptr) return;
   const std::uint64_t number = log_.Frames() - 1;
-  if (const auto name = run_.WantedPicture().Offer(*image)) sheet_.AddNamed(*name, number, LookOf(frame), *image);
+  if (const auto name = run_.PictureWanted().Offer(*image)) sheet_.AddNamed(*name, number, LookOf(frame), *image);
   if (!uses.saved) return;
   sheet_.AddSample(number, LookOf(frame), *image);
   SaveFrame(*image);

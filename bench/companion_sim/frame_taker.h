@@ -3,7 +3,6 @@
 #include "companion/frame_reader.h"
 #include "contact_sheet.h"
 #include "driver_link.h"
-#include "expectations.h"
 #include "frame_log.h"
 #include "options.h"
 #include "picture_writer.h"
@@ -11,13 +10,13 @@
 
 namespace bench {
 
-// Takes the driver's frames one by one: holds the pose of each against what was sent, checks what is expected of
-// it, and keeps the pictures that are asked for. For one thread.
+// Takes the driver's frames one by one: holds the pose of each against what was sent, and keeps the pictures that are
+// asked for. For one thread.
 class FrameTaker {
  public:
   // `device` may be null: frames are then not read.
-  FrameTaker(const Options& options, DriverLink& link, RunState& run, Expectations& expectations,
-             Microsoft::WRL::ComPtr<ID3D11Device> device, std::ofstream csv);
+  FrameTaker(const Options& options, DriverLink& link, RunState& run, Microsoft::WRL::ComPtr<ID3D11Device> device,
+             std::ofstream csv);
 
   void Announce(std::uint32_t connection, const companion::FrameSharingInfo& info);
   // Waits a few milliseconds for a frame. False when none came.
@@ -35,10 +34,9 @@ class FrameTaker {
 
  private:
   struct Uses {
-    bool expectation = false;
     bool named = false;
     bool saved = false;
-    bool Any() const { return expectation || named || saved; }
+    bool Any() const { return named || saved; }
   };
   companion::YawPitch LookOf(const companion::FrameInfo& frame) const;
   Uses UsesOfNext() const;
@@ -49,7 +47,6 @@ class FrameTaker {
   const Options& options_;
   DriverLink& link_;
   RunState& run_;
-  Expectations& expectations_;
   std::optional<companion::FrameReader> reader_;
   FrameLog log_;
   PictureWriter writer_;

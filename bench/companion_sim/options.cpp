@@ -29,15 +29,10 @@ void AddMotion(CLI::App& app, Options& options) {
   app.add_option("--pose-rate", options.poseRate, "Poses per second")->check(CLI::Range(0.1, 10000.0));
   app.add_option("--pose-format", options.poseFormat, "Pose format code")
       ->check(CLI::IsMember({0, 1, 2, 3, 4, 5, 6, 50, 254, 2147483647}));
-  app.add_option("--sweep-seconds", options.sweepSeconds, "Length of one sweep left, right, up and down");
-  app.add_option("--yaw", options.yawDegrees, "Degrees to either side");
-  app.add_option("--pitch", options.pitchDegrees, "Degrees up and down");
   app.add_option("--framerate", options.framerate, "Ask for this frame rate at every connection");
 }
 
 void AddRequirements(CLI::App& app, Options& options) {
-  app.add_option("--expect", options.expect, "JSON file of expected pixels; any difference makes the run fail");
-  app.add_option("--tolerance", options.tolerance, "Largest difference of a matching pose's floats");
   app.add_option("--require-frames", options.requireFrames, "Fail unless at least so many frames were read");
   app.add_option("--require-matching", options.requireMatching,
                  "Fail unless at least so many frames had a pose that was sent, and none had another");
@@ -45,8 +40,7 @@ void AddRequirements(CLI::App& app, Options& options) {
   app.add_option("--require-haptics", options.requireHaptics, "Fail unless at least so many haptic pulses came");
 }
 
-void AddPipes(CLI::App& app, Options& options) {
-  app.add_option("--pipe-buffer", options.pipes.bufferBytes, "Bytes of each pipe's buffer");
+void AddFrames(CLI::App& app, Options& options) {
   app.add_flag("!--no-frames", options.readFrames, "Do not open the output textures");
   AddSharingOption(app, options.sharing);
 }
@@ -59,7 +53,7 @@ std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
   AddEnds(app, options);
   AddOutputs(app, options);
   AddRequirements(app, options);
-  AddPipes(app, options);
+  AddFrames(app, options);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

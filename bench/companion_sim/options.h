@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <optional>
 
-#include "companion/pipe_server.h"
 #include "sharing/choice.h"
 
 namespace bench {
@@ -13,7 +12,6 @@ namespace bench {
 struct Options {
   std::filesystem::path out;     // folder of pictures; empty: none are saved
   std::filesystem::path script;  // empty: the head sweeps for ever
-  std::filesystem::path expect;
   std::filesystem::path summary;
   std::filesystem::path framesCsv;
   std::filesystem::path posesCsv;
@@ -25,14 +23,10 @@ struct Options {
 
   double poseRate = 60;
   std::uint32_t poseFormat = 4;
-  double sweepSeconds = 16;
-  float yawDegrees = 60;
-  float pitchDegrees = 40;
   std::optional<std::uint32_t> framerate;
 
   std::uint64_t saveEvery = 0;  // 0: no single frames
   int saveWidth = 0;            // 0: as wide as the frame
-  float tolerance = 1e-3F;      // largest difference of a matching pose's floats
   std::uint64_t requireFrames = 0;
   std::uint64_t requireMatching = 0;
   std::uint64_t requireNamed = 0;  // pictures that the script names
@@ -40,8 +34,6 @@ struct Options {
   bool readFrames = true;
   std::optional<Sharing> sharing;  // unset: the machine is asked, if frames are read
   bool printFrames = false;
-
-  companion::PipeServerOptions pipes;
 };
 
 // Reads the command line. When the program shall end at once (help, bad options), says why and gives the exit code.

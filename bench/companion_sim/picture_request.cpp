@@ -4,7 +4,7 @@
 
 namespace bench {
 
-void PictureRequest::Ask(Expectation wanted) {
+void PictureRequest::Ask(WantedPicture wanted) {
   const std::scoped_lock lock(mutex_);
   wanted_ = std::move(wanted);
   difference_ = "no frame came";
@@ -24,8 +24,10 @@ bool PictureRequest::Open() const {
 std::optional<std::string> PictureRequest::Offer(const Image& image) {
   const std::scoped_lock lock(mutex_);
   if (!wanted_) return std::nullopt;
-  difference_ = wanted_->hasRegion ? RegionDifference(*wanted_, image) : std::string();
-  if (!difference_.empty()) return std::nullopt;
+  if (wanted_->region) {
+    difference_ = FirstDifference(image, *wanted_->region, OneColour(wanted_->rgba), wanted_->tolerance);
+    if (!difference_.empty()) return std::nullopt;
+  }
   return std::exchange(wanted_, std::nullopt)->name;
 }
 

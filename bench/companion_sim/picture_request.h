@@ -4,16 +4,22 @@
 #include <optional>
 #include <string>
 
-#include "expectations.h"
-#include "picture/image.h"
+#include "picture/comparison.h"
 
 namespace bench {
+
+// What a script wants to see. Without a region, any frame.
+struct WantedPicture {
+  std::string name;
+  std::optional<Box> region = {};
+  Rgba rgba = {};
+  int tolerance = 0;  // largest difference of a channel
+};
 
 // One picture at a time that a script wants: the first frame that shows what it says. Callable from any thread.
 class PictureRequest {
  public:
-  // The expectation's name becomes the picture's; without a region the next frame will do.
-  void Ask(Expectation wanted);
+  void Ask(WantedPicture wanted);
   // Takes the request back. Says how the last frame that was offered differed.
   std::string Withdraw();
   bool Open() const;
@@ -23,7 +29,7 @@ class PictureRequest {
 
  private:
   mutable std::mutex mutex_;
-  std::optional<Expectation> wanted_;
+  std::optional<WantedPicture> wanted_;
   std::string difference_;
 };
 

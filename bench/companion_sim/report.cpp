@@ -1,8 +1,8 @@
 #include "report.h"
 
 #include <cstdio>
-#include <fstream>
 
+#include "base/text_file.h"
 #include "nlohmann/json.hpp"
 #include "sharing/choice.h"
 
@@ -44,17 +44,17 @@ std::string SummaryLine(const Outcome& outcome) {
                 "companion: %.1f s, %u connections, %llu poses (%.1f/s), %llu frames (%.1f/s), "
                 "%llu matching, %llu mismatching, %llu before ours, %llu without pose, pose to companion median %.1f "
                 "ms p99 %.1f ms, "
-                "%llu haptics, %zu of %zu expectations met: %s",
+                "%llu haptics: %s",
                 outcome.seconds, outcome.connections, static_cast<unsigned long long>(outcome.poses),
                 PosesPerSecond(outcome), static_cast<unsigned long long>(outcome.frames), outcome.framesPerSecond,
                 static_cast<unsigned long long>(outcome.matching), static_cast<unsigned long long>(outcome.mismatching),
                 static_cast<unsigned long long>(outcome.unknown), static_cast<unsigned long long>(outcome.withoutPose),
                 outcome.poseAgeMedianMs, outcome.poseAgeP99Ms, static_cast<unsigned long long>(outcome.haptics),
-                outcome.expectationsMet, outcome.expectations, outcome.failures.empty() ? "ok" : "FAILED");
+                outcome.failures.empty() ? "ok" : "FAILED");
   return text;
 }
 
-bool WriteSummary(const Options& options, const Outcome& outcome) {
+void WriteSummary(const Options& options, const Outcome& outcome) {
   const nlohmann::ordered_json summary = {
       {"ok", outcome.failures.empty()},
       {"sharing", NameOf(SharingInUse())},
@@ -74,17 +74,13 @@ bool WriteSummary(const Options& options, const Outcome& outcome) {
       {"haptics", outcome.haptics},
       {"pictures", outcome.pictures},
       {"skippedPictures", outcome.skippedPictures},
-      {"expectations", outcome.expectations},
-      {"expectationsMet", outcome.expectationsMet},
       {"required",
        {{"frames", options.requireFrames},
         {"matching", options.requireMatching},
         {"namedPictures", options.requireNamed},
         {"haptics", options.requireHaptics}}},
   };
-  std::ofstream file(options.summary);
-  file << summary.dump(2) << '\n';
-  return static_cast<bool>(file.flush());
+  WriteText(options.summary, summary.dump(2) + '\n');
 }
 
 }  // namespace bench

@@ -3,7 +3,6 @@
 #include <string>
 #include <vector>
 
-#include "expectations.h"
 #include "frame_taker.h"
 #include "options.h"
 
@@ -26,8 +25,6 @@ struct Outcome {
   std::uint64_t named = 0;  // pictures that the script named
   std::uint64_t pictures = 0;
   std::uint64_t skippedPictures = 0;
-  std::size_t expectations = 0;
-  std::size_t expectationsMet = 0;
   std::vector<std::string> failures;
 };
 
@@ -37,7 +34,8 @@ void CheckRequirements(const Options& options, Outcome& outcome);
 // One line for people.
 std::string SummaryLine(const Outcome& outcome);
 
-// All of it as JSON, with what was required, in the file that the options name. False when it cannot be written.
-bool WriteSummary(const Options& options, const Outcome& outcome);
+// All of it as JSON, with what was required, in the file that the options name. Throws std::runtime_error when that cannot
+// be written.
+void WriteSummary(const Options& options, const Outcome& outcome);
 
 }  // namespace bench

@@ -38,7 +38,7 @@ class RunState {
   bool TakeHaptic(std::uint32_t controllerId, std::uint16_t durationMicroseconds);
   std::uint64_t HapticsReceived() const { return hapticsReceived_; }
 
-  PictureRequest& WantedPicture() { return wantedPicture_; }
+  PictureRequest& PictureWanted() { return pictureWanted_; }
 
   // A requirement of the run that was not met.
   void Fail(std::string reason);
@@ -51,7 +51,7 @@ class RunState {
   std::atomic<std::uint64_t> frames_ = 0;
   std::atomic<std::uint64_t> hapticsReceived_ = 0;
   std::vector<companion::HapticPulse> haptics_;
-  PictureRequest wantedPicture_;
+  PictureRequest pictureWanted_;
   std::vector<std::string> failures_;
 };
 

@@ -1,17 +1,12 @@
 #include "script.h"
 
-#include <algorithm>
-#include <cctype>
-#include <fstream>
 #include <map>
 #include <set>
-#include <sstream>
 #include <stdexcept>
 
+#include "base/text_file.h"
+
 namespace bench {
-
-using namespace companion;
-
 namespace {
 
 using nlohmann::json;
@@ -25,20 +20,9 @@ const std::map<std::string, std::set<std::string>>& KnownSteps() {
       {"look",
        {"label", "yaw", "pitch", "seconds", "rate", "format", "x", "y", "width", "height", "rgba", "tolerance",
         "timeout"}},
-      {"pose", {"format", "yaw", "pitch", "position"}},
-      {"tracking-state", {"state"}},
-      {"recenter", {}},
-      {"framerate", {"fps"}},
-      {"controller",
-       {"id", "state", "pressed", "touched", "trackpad", "trigger", "position", "yaw", "pitch", "velocity",
-        "acceleration"}},
+      {"controller", {"id", "pressed", "touched", "trackpad", "trigger", "position"}},
       {"controllers", {"seconds", "rate", "ids"}},
       {"picture", {"label", "x", "y", "width", "height", "rgba", "tolerance", "timeout"}},
-      {"raw", {"hex"}},
-      {"message", {"type", "hex"}},
-      {"close", {}},
-      {"open", {}},
-      {"shutdown", {}},
       {"expect-haptic", {"controller", "durationMicroseconds", "timeout"}},
       {"together", {"tracks"}},
       {"repeat", {"times", "steps"}},
@@ -61,15 +45,7 @@ void CheckSteps(const json& steps) {
     if (verb == "together") {
       for (const json& track : step.at("tracks")) CheckSteps(track);
     }
-    if (step.contains("hex")) ParseHex(step.at("hex").get<std::string>());
   }
-}
-
-std::uint8_t HexDigit(char digit) {
-  if (digit >= '0' && digit <= '9') return static_cast<std::uint8_t>(digit - '0');
-  const auto lower = static_cast<char>(std::tolower(static_cast<unsigned char>(digit)));
-  if (lower >= 'a' && lower <= 'f') return static_cast<std::uint8_t>(lower - 'a' + 10);
-  throw std::runtime_error(std::string("not a hexadecimal digit: ") + digit);
 }
 
 }  // namespace
@@ -80,24 +56,6 @@ Script ParseScript(const std::string& text) {
   return {root.at("steps").get<std::vector<json>>()};
 }
 
-Script LoadScript(const std::filesystem::path& path) {
-  std::ifstream file(path);
-  if (!file) throw std::runtime_error("cannot read " + path.string());
-  std::ostringstream text;
-  text << file.rdbuf();
-  return ParseScript(text.str());
-}
-
-Bytes ParseHex(const std::string& text) {
-  std::string digits;
-  std::copy_if(text.begin(), text.end(), std::back_inserter(digits),
-               [](char c) { return std::isspace(static_cast<unsigned char>(c)) == 0; });
-  if (digits.size() % 2 != 0) throw std::runtime_error("odd number of hexadecimal digits");
-  Bytes bytes;
-  for (std::size_t i = 0; i < digits.size(); i += 2) {
-    bytes.push_back(static_cast<std::uint8_t>(HexDigit(digits[i]) << 4 | HexDigit(digits[i + 1])));
-  }
-  return bytes;
-}
+Script LoadScript(const std::filesystem::path& path) { return ParseScript(ReadText(path)); }
 
 }  // namespace bench

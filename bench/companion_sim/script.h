@@ -1,11 +1,9 @@
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
 
-#include "companion/wire_bytes.h"
 #include "nlohmann/json.hpp"
 
 namespace bench {
@@ -19,8 +17,5 @@ struct Script {
 // Throws std::runtime_error or a JSON exception that says what is wrong; unknown steps and arguments are found here.
 Script ParseScript(const std::string& text);
 Script LoadScript(const std::filesystem::path& path);
-
-// "0a 0b0C" as bytes. Throws std::runtime_error for anything that is no pair of hexadecimal digits.
-companion::Bytes ParseHex(const std::string& text);
 
 }  // namespace bench

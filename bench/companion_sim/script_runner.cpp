@@ -2,7 +2,6 @@
 
 #include <map>
 #include <numbers>
-#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -18,8 +17,19 @@ namespace {
 
 constexpr double kDefaultTimeoutSeconds = 30;
 constexpr double kTurnSeconds = 0.5;
+constexpr double kSweepSeconds = 16, kSweepYawDegrees = 60, kSweepPitchDegrees = 40;
 
 float Radians(double degrees) { return static_cast<float>(degrees * std::numbers::pi / 180); }
+
+WantedPicture ParsePicture(const nlohmann::json& step) {
+  WantedPicture wanted{.name = step.at("label")};
+  if (!step.contains("rgba")) return wanted;
+  wanted.rgba = step.at("rgba").get<Rgba>();
+  wanted.region =
+      Box{step.at("x").get<int>(), step.at("y").get<int>(), step.value("width", 1), step.value("height", 1)};
+  wanted.tolerance = step.value("tolerance", 0);
+  return wanted;
+}
 
 }  // namespace
 
@@ -50,25 +60,11 @@ void ScriptRunner::PlayAll(const std::vector<Step>& steps) {
 void ScriptRunner::Play(const Step& step) {
   using Verb = void (ScriptRunner::*)(const Step&);
   static const std::map<std::string, Verb> verbs = {
-      {"sleep", &ScriptRunner::Sleep},
-      {"wait", &ScriptRunner::Wait},
-      {"motion", &ScriptRunner::Motion},
-      {"look", &ScriptRunner::Look},
-      {"pose", &ScriptRunner::Pose},
-      {"tracking-state", &ScriptRunner::TrackingState},
-      {"recenter", &ScriptRunner::Recenter},
-      {"framerate", &ScriptRunner::Framerate},
-      {"controller", &ScriptRunner::Controller},
-      {"controllers", &ScriptRunner::Controllers},
-      {"picture", &ScriptRunner::Picture},
-      {"raw", &ScriptRunner::Raw},
-      {"message", &ScriptRunner::AnyMessage},
-      {"close", &ScriptRunner::Close},
-      {"open", &ScriptRunner::Open},
-      {"shutdown", &ScriptRunner::Shutdown},
-      {"expect-haptic", &ScriptRunner::ExpectHaptic},
-      {"together", &ScriptRunner::Together},
-      {"repeat", &ScriptRunner::Repeat},
+      {"sleep", &ScriptRunner::Sleep},           {"wait", &ScriptRunner::Wait},
+      {"motion", &ScriptRunner::Motion},         {"look", &ScriptRunner::Look},
+      {"controller", &ScriptRunner::Controller}, {"controllers", &ScriptRunner::Controllers},
+      {"picture", &ScriptRunner::Picture},       {"expect-haptic", &ScriptRunner::ExpectHaptic},
+      {"together", &ScriptRunner::Together},     {"repeat", &ScriptRunner::Repeat},
   };
   if (run_.Ended()) throw RunEnded();
   (this->*verbs.at(step.at("do").get<std::string>()))(step);
@@ -98,10 +94,8 @@ bool ScriptRunner::WaitFor(double timeoutSeconds, Condition condition, double po
 
 template <typename Meanwhile>
 void ScriptRunner::AwaitPicture(const Step& step, Meanwhile meanwhile, double pollSeconds) {
-  Expectation wanted;
-  wanted.name = step.at("label").get<std::string>();
-  ParseRegion(step, wanted);
-  PictureRequest& request = run_.WantedPicture();
+  const WantedPicture wanted = ParsePicture(step);
+  PictureRequest& request = run_.PictureWanted();
   request.Ask(wanted);
   const auto taken = [&] {
     meanwhile();
@@ -122,8 +116,6 @@ void ScriptRunner::Wait(const Step& step) {
     came = WaitFor(timeout,
                    [&] { return link_.Pipes().Connected() && link_.Pipes().Connections() > connectionsWaitedFor_; });
     connectionsWaitedFor_ = link_.Pipes().Connections();
-  } else if (what == "disconnection") {
-    came = WaitFor(timeout, [&] { return !link_.Pipes().Connected(); });
   } else if (what == "frames") {
     const std::uint64_t wanted = run_.Frames() + step.value("count", std::uint64_t{1});
     came = WaitFor(timeout, [&] { return run_.Frames() >= wanted; });
@@ -136,13 +128,12 @@ void ScriptRunner::Wait(const Step& step) {
 void ScriptRunner::Motion(const Step& step) {
   const auto kind = step.value("kind", std::string("sweep"));
   const auto format = static_cast<PoseFormat>(step.value("format", options_.poseFormat));
-  const float yaw = Radians(step.value("yaw", kind == "hold" ? 0.0 : static_cast<double>(options_.yawDegrees)));
-  const float pitch = Radians(step.value("pitch", kind == "hold" ? 0.0 : static_cast<double>(options_.pitchDegrees)));
-  const double seconds = step.value("seconds", options_.sweepSeconds);
+  const float yaw = Radians(step.value("yaw", kind == "hold" ? 0.0 : kSweepYawDegrees));
+  const float pitch = Radians(step.value("pitch", kind == "hold" ? 0.0 : kSweepPitchDegrees));
+  const double seconds = step.value("seconds", kSweepSeconds);
   if (kind != "sweep" && kind != "hold") throw std::runtime_error("motion knows no \"" + kind + '"');
   const HeadMotion motion = kind == "hold" ? HoldMotion(seconds, {yaw, pitch}) : SweepMotion(seconds, yaw, pitch);
-  AtRate(step.value("rate", options_.poseRate), seconds,
-         [&](double at) { link_.SendHead(format, motion.At(at), std::nullopt); });
+  AtRate(step.value("rate", options_.poseRate), seconds, [&](double at) { link_.SendHead(format, motion.At(at)); });
 }
 
 void ScriptRunner::Look(const Step& step) {
@@ -150,30 +141,10 @@ void ScriptRunner::Look(const Step& step) {
   const double rate = step.value("rate", options_.poseRate), seconds = step.value("seconds", kTurnSeconds);
   const YawPitch direction{Radians(step.value("yaw", 0.0)), Radians(step.value("pitch", 0.0))};
   const HeadMotion turn(LookDirection(link_.PublishedPose()), {{seconds, direction}});
-  AtRate(rate, seconds, [&](double at) { link_.SendHead(format, turn.At(at), std::nullopt); });
+  AtRate(rate, seconds, [&](double at) { link_.SendHead(format, turn.At(at)); });
   // A virtual display shows no frame without a new pose.
   AwaitPicture(
-      step, [&] { link_.SendHead(format, direction, std::nullopt); }, 1 / rate);
-}
-
-void ScriptRunner::Pose(const Step& step) {
-  std::optional<Position> position;
-  if (step.contains("position")) {
-    const auto values = step.at("position").get<std::array<float, 3>>();
-    position = Position{values[0], values[1], values[2]};
-  }
-  const YawPitch angles{Radians(step.value("yaw", 0.0)), Radians(step.value("pitch", 0.0))};
-  link_.SendHead(static_cast<PoseFormat>(step.value("format", options_.poseFormat)), angles, position);
-}
-
-void ScriptRunner::TrackingState(const Step& step) {
-  link_.Send(EncodeTrackingState(step.at("state").get<std::uint8_t>()));
-}
-
-void ScriptRunner::Recenter(const Step&) { link_.Send(EncodeRecenterRequest()); }
-
-void ScriptRunner::Framerate(const Step& step) {
-  link_.Send(EncodeFramerateUpdate(step.at("fps").get<std::uint32_t>()));
+      step, [&] { link_.SendHead(format, direction); }, 1 / rate);
 }
 
 void ScriptRunner::Controller(const Step& step) { link_.Send(EncodeControllerUpdate(ParseController(step))); }
@@ -190,20 +161,6 @@ void ScriptRunner::Controllers(const Step& step) {
     }
   });
 }
-
-void ScriptRunner::Raw(const Step& step) { link_.Send(ParseHex(step.at("hex").get<std::string>())); }
-
-void ScriptRunner::AnyMessage(const Step& step) {
-  link_.Send(EncodeMessage(step.at("type").get<std::uint32_t>(), ParseHex(step.value("hex", std::string()))));
-}
-
-void ScriptRunner::Close(const Step&) { link_.Pipes().Close(); }
-
-void ScriptRunner::Open(const Step&) {
-  if (!link_.Pipes().Open()) throw std::runtime_error("the pipes could not be opened again");
-}
-
-void ScriptRunner::Shutdown(const Step&) { link_.Send(EncodeShutdownRequest()); }
 
 void ScriptRunner::ExpectHaptic(const Step& step) {
   const auto controller = step.at("controller").get<std::uint32_t>();

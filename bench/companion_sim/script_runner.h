@@ -30,18 +30,9 @@ class ScriptRunner {
   void Wait(const Step& step);
   void Motion(const Step& step);
   void Look(const Step& step);
-  void Pose(const Step& step);
-  void TrackingState(const Step& step);
-  void Recenter(const Step& step);
-  void Framerate(const Step& step);
   void Controller(const Step& step);
   void Controllers(const Step& step);
   void Picture(const Step& step);
-  void Raw(const Step& step);
-  void AnyMessage(const Step& step);
-  void Close(const Step& step);
-  void Open(const Step& step);
-  void Shutdown(const Step& step);
   void ExpectHaptic(const Step& step);
   void Together(const Step& step);
   void Repeat(const Step& step);

@@ -3,7 +3,6 @@
 #include <chrono>
 
 #include "driver_link.h"
-#include "expectations.h"
 #include "frame_taker.h"
 #include "options.h"
 #include "report.h"
@@ -36,7 +35,6 @@ class Session {
 
   const Options& options_;
   RunState run_;
-  Expectations expectations_;
   Script script_;
   DriverLink link_;
   FrameTaker frames_;

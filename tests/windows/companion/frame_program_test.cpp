@@ -29,8 +29,6 @@ namespace {
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-constexpr const char* kInName = R"(\\.\pipe\PellmorOmbrelTransmissionPipeV1In)";
-constexpr const char* kOutName = R"(\\.\pipe\PellmorOmbrelTransmissionPipeV1Out)";
 constexpr float kLeft = std::numbers::pi_v<float> / 3;
 constexpr Rgba kRed{200, 10, 20, 255}, kGreen{10, 200, 20, 255}, kBlue{10, 20, 200, 255};
 
@@ -50,7 +48,7 @@ class FrameProgram : public testing::Test {
     Connect();
   }
   void Connect() {
-    ASSERT_TRUE(client_.Open(kInName, kOutName, 20000)) << program_.Output();
+    ASSERT_TRUE(client_.Open(OMBREL_PIPE_FROM_DRIVER, OMBREL_PIPE_TO_DRIVER, 20000)) << program_.Output();
     ASSERT_TRUE(source_.emplace().Create(64, 32));
     ASSERT_TRUE(client_.WriteMessage(EncodeFrameSharingInfo(source_->Info())));
   }
@@ -82,7 +80,7 @@ class FrameProgram : public testing::Test {
     for (int i = 0; i < 1000 && FramesRead() < presented_ && !program_.Wait(0); ++i) Sleep(5);
     ASSERT_EQ(FramesRead(), presented_) << program_.Output();
   }
-  // Counts the lines of --print-frames; what is said of a wrong pixel has a comma behind the connection's number.
+  // Counts the lines of --print-frames.
   int FramesRead() const {
     static const std::regex read("companion: connection \\d+ frame ");
     const std::string output = program_.Output();
@@ -106,34 +104,20 @@ class FrameProgram : public testing::Test {
 
 const PoseSlot kStanding = SlotOf(ToPoseMatrix(Quat{}, {0, 1.7F, 0}));
 
-std::string Pixel(int frame, int x, const Rgba& colour) {
-  return nlohmann::json{{"frame", frame}, {"x", x}, {"y", 5}, {"rgba", colour}, {"texture", frame % 2}}.dump();
-}
-
 TEST_F(FrameProgram, ReadsEveryFrameFromTheTextureWhoseTurnItIs) {
-  const std::string expected = '[' + Pixel(0, 3, kRed) + ',' + Pixel(0, 60, kGreen) + ',' + Pixel(1, 3, kBlue) + ',' +
-                               Pixel(2, 3, kGreen) + ',' + Pixel(3, 60, kRed) + ']';
-  Start({"--expect", folder_.Write("expect.json", expected), "--frames", "4"});
-  PresentSlowly(kRed, kGreen, kStanding);
-  PresentSlowly(kBlue, kGreen, kStanding);
-  PresentSlowly(kGreen, kGreen, kStanding);
-  PresentSlowly(kBlue, kRed, kStanding);
+  Start({"--frames", "3"});
+  for (int i = 0; i < 3; ++i) PresentSlowly(kRed, kGreen, kStanding);
   ExpectExit(0);
-  EXPECT_EQ(Summary().at("expectationsMet"), 5);
-}
-
-TEST_F(FrameProgram, SaysWhichPixelIsWrong) {
-  Start({"--expect", folder_.Write("expect.json", '[' + Pixel(0, 3, kBlue) + ']')});
-  PresentSlowly(kRed, kGreen, kStanding);
-  ExpectExit(1);
-  EXPECT_THAT(program_.Output(), HasSubstr("connection 1, frame 0: pixel (3, 5) is (200, 10, 20, 255), "
-                                           "expected (10, 20, 200, 255) within 0"));
+  for (const char* line : {"frame 0 texture 0", "frame 1 texture 1", "frame 2 texture 0"}) {
+    EXPECT_THAT(program_.Output(), HasSubstr(line));
+  }
 }
 
 TEST_F(FrameProgram, DoesNotCountOneFrameTwice) {
-  Start({"--seconds", "1.5"});
+  Start({"--until-disconnect"});
   PresentSlowly(kRed, kGreen, kStanding);
   PresentSlowly(kRed, kGreen, kStanding);
+  client_.Close();  // it looks for a last frame for half a second
   ExpectExit(0);
   EXPECT_EQ(Summary().at("frames"), 2);
 }
@@ -161,15 +145,13 @@ TEST_F(FrameProgram, CountsFramesThatHaveNoPoseBesideThem) {
 }
 
 TEST_F(FrameProgram, ReadsFreshFramesAfterAReconnect) {
-  const std::string expected =
-      R"([{"connection": 1, "frame": 0, "x": 3, "y": 5, "rgba": [200, 10, 20, 255]},
-          {"connection": 2, "frame": 0, "x": 3, "y": 5, "rgba": [10, 20, 200, 255], "texture": 0}])";
-  Start({"--expect", folder_.Write("expect.json", expected), "--frames", "2", "--seconds", "20"});
+  Start({"--frames", "2", "--seconds", "20"});
   PresentSlowly(kRed, kGreen, kStanding);
   client_.Close();
   Connect();
   PresentSlowly(kBlue, kGreen, kStanding);
   ExpectExit(0);
+  EXPECT_THAT(program_.Output(), HasSubstr("connection 2 frame 0 texture 0"));
   EXPECT_EQ(Summary().at("connections"), 2);
 }
 

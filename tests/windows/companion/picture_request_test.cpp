@@ -14,14 +14,7 @@ Image Plain(const Rgba& colour) {
   return image;
 }
 
-Expectation RedCorner() {
-  Expectation expectation;
-  expectation.name = "red";
-  expectation.hasRegion = true;
-  expectation.rgba = {255, 0, 0, 255};
-  expectation.tolerance = 10;
-  return expectation;
-}
+WantedPicture RedCorner() { return {.name = "red", .region = Box{}, .rgba = {255, 0, 0, 255}, .tolerance = 10}; }
 
 TEST(PictureRequest, IsClosedUntilSomethingIsAskedFor) {
   PictureRequest request;
@@ -40,18 +33,26 @@ TEST(PictureRequest, TakesTheFirstFrameThatShowsWhatIsWanted) {
 
 TEST(PictureRequest, TakesTheNextFrameWithoutAColour) {
   PictureRequest request;
-  Expectation any;
-  any.name = "any";
-  request.Ask(any);
+  request.Ask({.name = "any"});
   EXPECT_THAT(request.Offer(Plain({1, 2, 3, 4})), Optional(std::string("any")));
 }
 
-TEST(PictureRequest, SaysHowTheLastFrameDiffered) {
+TEST(PictureRequest, SaysWhichPixelOfTheRegionTheLastFrameHadWrong) {
   PictureRequest request;
-  request.Ask(RedCorner());
-  static_cast<void>(request.Offer(Plain({0, 9, 0, 255})));
-  EXPECT_THAT(request.Withdraw(), HasSubstr("(0, 9, 0, 255)"));
+  request.Ask({.name = "nine", .region = Box{1, 1, 3, 2}, .rgba = {9, 9, 9, 255}});
+  Image image = Plain({9, 9, 9, 255});
+  image.Set(0, 0, {1, 2, 3, 4});
+  image.Set(3, 2, {9, 9, 12, 255});
+  EXPECT_EQ(request.Offer(image), std::nullopt);
+  EXPECT_EQ(request.Withdraw(), "pixel (3, 2) is (9, 9, 12, 255), expected (9, 9, 9, 255) within 0");
   EXPECT_FALSE(request.Open());
+}
+
+TEST(PictureRequest, TakesNoFrameThatTheRegionLiesOutsideOf) {
+  PictureRequest request;
+  request.Ask({.name = "far", .region = Box{4, 0}, .rgba = {}});
+  EXPECT_EQ(request.Offer(Plain({})), std::nullopt);
+  EXPECT_THAT(request.Withdraw(), HasSubstr("outside the frame"));
 }
 
 TEST(PictureRequest, SaysWhenNoFrameCame) {
