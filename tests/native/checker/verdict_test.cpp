@@ -82,6 +82,7 @@ TEST_F(DriverOnlyTest, StillNamesRulesThatTheDriversSideShows) {
 }
 
 TEST_F(DriverOnlyTest, TakesAnAnnouncementForFramesWhereNothingShowsMore) {
+  session.Remove(EventKind::kReleased);
   const Verdict verdict = Look();
   EXPECT_TRUE(verdict.HasFrames());
   EXPECT_THAT(InText(verdict), HasSubstr("no rule was broken; frames were announced, and nothing shows whether"));
