@@ -28,6 +28,15 @@ TEST_F(JudgeFramesTest, WantsFramesTaken) {
   session.Remove(EventKind::kTextureRead);
   EXPECT_EQ(session.Broken(), "P15");
   EXPECT_EQ(session.Broken(Watched::kDriver), "");
+  HoldFor(1, 2290);
+  EXPECT_EQ(session.Broken(), "") << "within two seconds";
+}
+
+TEST_F(JudgeFramesTest, WantsTexturesReleasedWithKeyZero) {
+  session.CutOffAt(2900);
+  session.Acquire(Side::kCompanion, 0, 2910);
+  session.Release(Side::kCompanion, 0, 2911).key = 1;
+  EXPECT_EQ(session.Broken(), "P16");
 }
 
 TEST_F(JudgeFramesTest, WantsKeyZero) {
