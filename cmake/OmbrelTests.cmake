@@ -31,7 +31,7 @@ endfunction()
 function(ombrel_add_pytest name label file)
   add_test(NAME ${name} COMMAND "${OMBREL_PYTHON}" -B -m pytest -q -p no:cacheprovider
     "--junitxml=${OMBREL_TEST_RESULTS}/${name}.xml" "${CMAKE_CURRENT_SOURCE_DIR}/${file}")
-  set(environment "PYTHONPATH=${PROJECT_SOURCE_DIR}/tests/pages" ${ARGN})
+  set(environment "PYTHONPATH=${PROJECT_SOURCE_DIR}/tests/pages:${PROJECT_SOURCE_DIR}/tests/checker" ${ARGN})
   set_tests_properties(${name} PROPERTIES LABELS ${label} TIMEOUT 300 ENVIRONMENT "${environment}")
   ombrel_count_cases(${name})
 endfunction()

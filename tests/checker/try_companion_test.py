@@ -1,34 +1,19 @@
-"""Plays companions through tools/try_companion.sh and looks at the verdicts. WRONG_COMPANION, COMPANION_SIM and
-MINIMAL_COMPANION name the programs, REPORTS the folder for reports."""
-import json
+"""Plays companions through tools/try_companion.sh and looks at the verdicts. WRONG_COMPANION and COMPANION_SIM name the
+programs, REPORTS the folder for reports."""
 import os
 import pathlib
 import subprocess
 
 import pytest
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
+from trying import LATE, SOURCES, broken, expect_clean, try_companion
+
 REPORTS = pathlib.Path(os.environ["REPORTS"])
-
-
-def try_companion(name, program, arguments, *options):
-    """The exit code, the verdict and what was printed."""
-    report = REPORTS / name
-    run = subprocess.run(
-        [ROOT / "tools/try_companion.sh", "--built", program, "--report", report, *options, "--", *arguments],
-        capture_output=True, text=True, timeout=120, check=False)
-    verdict = report / "check.json"
-    assert verdict.exists(), run.stdout + run.stderr
-    return run.returncode, json.loads(verdict.read_text()), run.stdout + run.stderr
 
 
 def wrong(name, faults, *options):
     arguments = [part for fault in faults for part in ("--fault", fault)]
-    return try_companion(name, os.environ["WRONG_COMPANION"], arguments, *options)
-
-
-def broken(verdict):
-    return {violation["rule"]: violation["evidence"][0] for violation in verdict["violations"]}
+    return try_companion(REPORTS / name, os.environ["WRONG_COMPANION"], *options, arguments=arguments)
 
 
 # Each rule with the fault that breaks it and a part of the evidence. What does not disturb each other shares a session.
@@ -68,7 +53,7 @@ SESSIONS = {
 def test_names_each_rule_that_a_companion_breaks(name):
     expected = SESSIONS[name]
     code, verdict, output = wrong(name, [fault for fault, _ in expected.values()], "--seconds", "5")
-    assert set(broken(verdict)) == set(expected), output
+    assert set(expected) <= set(broken(verdict)) <= set(expected) | LATE, output
     for rule, (_, evidence) in expected.items():
         assert evidence in broken(verdict)[rule]
     assert code == 1
@@ -86,23 +71,12 @@ def test_finds_nothing_against_a_companion_without_faults():
     assert "to companion  FrameSharingInfo  76 bytes" in messages
 
 
-# The companions of this tree, with their arguments and the session's options. The stand-in reads the pixels only of what
-# it saves.
-COMPANIONS = {
-    "minimal": ("MINIMAL_COMPANION", [], []),
-    "stand-in": ("COMPANION_SIM",
-                 ["--until-disconnect", "--sharing", "own", "--out", f"Z:{REPORTS}/pictures", "--save-every", "1",
-                  "--save-width", "64"],
-                 ["--mode", "virtual", "--seconds", "3"]),
-}
-
-
-@pytest.mark.parametrize("name", COMPANIONS)
-def test_finds_nothing_against_our_own_companions(name):
-    program, arguments, options = COMPANIONS[name]
-    code, verdict, output = try_companion(name, os.environ[program], arguments, *options)
-    assert code == 0, output
-    assert verdict["violations"] == []
+# It reads the pixels only of what it saves.
+def test_finds_nothing_against_the_stand_in_companion():
+    verdict = expect_clean(lambda: try_companion(
+        REPORTS / "stand-in", os.environ["COMPANION_SIM"], "--mode", "virtual", "--seconds", "3", arguments=[
+            "--until-disconnect", "--sharing", "own", "--out", f"Z:{REPORTS}/pictures", "--save-every", "1",
+            "--save-width", "64"]))
     assert verdict["figures"]["framesRead"] > 5
 
 
@@ -111,7 +85,7 @@ def test_refuses_a_program_of_another_name(tmp_path):
         program = tmp_path / name
         if name != "Ombrel.exe":
             program.touch()
-        run = subprocess.run([ROOT / "tools/try_companion.sh", "--built", program], capture_output=True, text=True,
+        run = subprocess.run([SOURCES / "tools/try_companion.sh", "--built", program], capture_output=True, text=True,
                              timeout=30, check=False)
         assert run.returncode == 2
         assert reason in run.stderr

@@ -1,19 +1,17 @@
 """The companion that makers copy, as it is: tried with the driver, and started beside itself."""
-import json
 import os
 import shutil
 import struct
 import subprocess
 import time
-from pathlib import Path
 
 import pytest
 
-SOURCES = Path(__file__).resolve().parents[3]
+from trying import SOURCES, expect_clean, try_companion
+
 WINE = [SOURCES / "tools/wine.sh", "--prefix", os.environ["OMBREL_TEST_PREFIX"]]
 WIDTH, HEIGHT = 1280, 720  # of tools/demo/direct.json
 HEADERS = 54
-LATE = {"P5", "P9", "P14", "P15", "P20"}  # rules that a busy machine breaks, being too late
 WAIT_S = 60
 
 
@@ -31,11 +29,7 @@ def pixels_of(path):
 
 
 def test_turns_the_head_and_saves_three_pictures_and_the_checker_finds_nothing_against_it(program, tmp_path):
-    report = tmp_path / "report"
-    run = subprocess.run([SOURCES / "tools/try_companion.sh", "--built", "--seconds", "25", "--report", report, program],
-                         capture_output=True, text=True, timeout=200, check=False)
-    verdict = json.loads((report / "check.json").read_text())
-    assert {violation["rule"] for violation in verdict["violations"]} <= LATE, run.stdout
+    verdict = expect_clean(lambda: try_companion(tmp_path / "report", program, "--seconds", "25"))
     assert verdict["figures"]["controllers"] == 1
     pictures = [pixels_of(tmp_path / f"picture{number}.bmp") for number in (1, 2, 3)]
     assert len(set(pictures)) == 3
