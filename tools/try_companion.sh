@@ -14,6 +14,7 @@ set -euo pipefail
 started_in=$PWD
 # shellcheck source=tools/lib.sh
 . "$(dirname "$0")/lib.sh"
+wine_prefix=$PWD/build/mingw-release/wine_companion # from the beginning: at its end Wine is stopped there, and only there
 
 companion='' mode=direct seconds=10 fps=0 report=$PWD/out/companion built=''
 arguments=()
@@ -54,7 +55,6 @@ fi
 . tools/session.sh
 
 bench=$PWD/build/mingw-release/bench checker=$PWD/build/mingw-release/companion/checker
-wine_prefix=$PWD/build/mingw-release/wine_companion
 rm -rf "$report"
 mkdir -p "$report"
 
