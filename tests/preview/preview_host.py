@@ -110,10 +110,12 @@ class Page:
             opcode = first & 0x0F
             if opcode == 9:
                 self.send_bytes(10, payload)
-                continue
-            message, kind = message + payload, kind or opcode
-            if first & 0x80:
-                return kind, message
+            elif opcode > 7:  # control frames may come between the fragments of a message
+                return opcode, payload
+            else:
+                message, kind = message + payload, kind or opcode
+                if first & 0x80:
+                    return kind, message
 
     def _receive_fragment(self):
         first, second = self._exactly(2)
