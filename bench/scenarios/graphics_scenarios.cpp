@@ -66,7 +66,8 @@ void EachCallFails(ScenarioRun& run) {
   int failed = 0;
   for (const DeviceCall call : kWhileRunning) {
     calls.FailKind(call);
-    LiveThrough(run, life);
+    // On a busy machine four frames may be over before the driver has made what they need.
+    for (int tries = 0; tries < 5 && calls.Failed() == 0; ++tries) LiveThrough(run, life);
     run.Check(calls.Failed() > 0, "a call of kind " + std::to_string(static_cast<int>(call)) + " is made");
     failed += calls.Failed();
     calls.Allow();
