@@ -21,11 +21,16 @@ def broken(verdict):
     return {violation["rule"]: violation["evidence"][0] for violation in verdict["violations"]}
 
 
+def play_in_time(play, expected=frozenset()):
+    """Plays once more when no other rules than those about time were broken beside the expected ones: a busy machine does
+    that once, twice hardly."""
+    outcome = play()
+    beside = set(broken(outcome[1])) - set(expected)
+    return play() if beside and beside <= LATE else outcome
+
+
 def expect_clean(play):
-    """Plays once more when the companion was no more than late: a busy machine does that to it once, twice hardly."""
-    code, verdict, output = play()
-    if broken(verdict) and set(broken(verdict)) <= LATE:
-        code, verdict, output = play()
+    code, verdict, output = play_in_time(play)
     assert code == 0, output
     assert verdict["violations"] == []
     return verdict
