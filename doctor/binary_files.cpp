@@ -20,9 +20,9 @@ std::optional<Number> NumberAt(std::string_view bytes, std::size_t position) {
   return static_cast<Number>(number);
 }
 
-constexpr auto U16 = &NumberAt<std::uint16_t>;
-constexpr auto U32 = &NumberAt<std::uint32_t>;
-constexpr auto U64 = &NumberAt<std::uint64_t>;
+auto U16(std::string_view bytes, std::size_t position) { return NumberAt<std::uint16_t>(bytes, position); }
+auto U32(std::string_view bytes, std::size_t position) { return NumberAt<std::uint32_t>(bytes, position); }
+auto U64(std::string_view bytes, std::size_t position) { return NumberAt<std::uint64_t>(bytes, position); }
 
 // Where a stream of that kind begins.
 std::optional<std::size_t> FindStream(std::string_view dump, std::uint32_t kind) {

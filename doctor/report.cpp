@@ -61,20 +61,20 @@ Values PipesFact(const Survey& survey) {
   return survey.companion.pipes->empty() ? Values{"none"} : *survey.companion.pipes;
 }
 
-Values OrNone(Values values) { return values.empty() ? Values{"none"} : values; }
+Values OrNone(const Values& values) { return values.empty() ? Values{"none"} : values; }
 
 std::string OrNotFound(const std::string& value) { return value.empty() ? "not found" : value; }
 
 Values DriversFact(const Runtime& runtime) {
   Values paths;
   for (const ListedFolder& each : runtime.drivers) paths.push_back(each.path);
-  return OrNone(std::move(paths));
+  return OrNone(paths);
 }
 
 Values AdaptersFact(const std::vector<Adapter>& adapters) {
   Values names;
   for (const Adapter& each : adapters) names.push_back(each.name + " (" + each.luid + ")");
-  return OrNone(std::move(names));
+  return OrNone(names);
 }
 
 std::vector<Fact> FactsOf(const Survey& survey) {

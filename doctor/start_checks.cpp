@@ -65,9 +65,8 @@ void CheckOtherDrivers(const Runtime& runtime, Findings& findings) {
     }
   }
   const nlohmann::json& forced = runtime.settings.At("steamvr", "forcedDriver");
-  if (forced.is_string() && forced != "" && forced != "ombrel") {
-    findings.push_back({"other_driver_forced", {forced.get<std::string>()}});
-  }
+  const auto forcedName = forced.is_string() ? forced.get<std::string>() : std::string();
+  if (!forcedName.empty() && forcedName != "ombrel") findings.push_back({"other_driver_forced", {forcedName}});
   if (!Switch(runtime.settings.At("steamvr", "requireHmd")).value_or(true))
     findings.push_back({"headset_not_required"});
 }

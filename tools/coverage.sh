@@ -11,23 +11,25 @@ builds=build/coverage
 flags='-O0 -g1 -DNDEBUG --coverage -fprofile-update=atomic -fprofile-abs-path'
 only="-fprofile-filter-files='$PWD/(platform|link|shaders|render|devices|hmd|driver)/.*'"
 
-# programs_of FOLDER LABELS: the tests that are programs of the build, but for the linter, which runs no driver.
+# programs_of FOLDER LABELS: the tests that are programs of the build, but for those that run no driver.
 programs_of() {
-  comm -12 <(ctest --test-dir "$1" -N -L "^($2)\$" | sed -n 's/^ *Test *#[0-9]*: //p' | grep -v linter | sort) \
+  comm -12 <(ctest --test-dir "$1" -N -L "^($2)\$" | sed -n 's/^ *Test *#[0-9]*: //p' | grep -vE "linter|preview" | sort) \
     <(ninja -C "$1" -t targets all | sed -n 's/^\([^/:]*\): .*/\1/p' | sort)
 }
 
-# measure PRESET NAME LABELS: a test that fails is told of; what it ran counts nevertheless.
+# measure NAME LABELS CONFIGURE...: a test that fails is told of; what it ran counts nevertheless.
 measure() {
-  local preset=$1 folder=$builds/$2 labels=$3
+  local folder=$builds/$1 labels=$2
   say "building $folder"
-  cmake --preset "$preset" -B "$folder" "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=$flags $only" -Wno-dev --log-level=WARNING
+  cmake "${@:3}" -B "$folder" -DCMAKE_BUILD_TYPE=RelWithDebInfo "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=$flags $only" \
+    -Wno-dev --log-level=WARNING
   find "$folder" -name '*.gcda' -delete
   mapfile -t targets < <(programs_of "$folder" "$labels")
   cmake --build "$folder" --target "${targets[@]}"
   say "testing $folder"
   # One at a time: Windows programs do not lock the files of counts against each other.
-  ctest --test-dir "$folder" -E linter -L "^($labels)\$" --timeout 600 --output-on-failure >"$folder/tests.log" || true
+  ctest --test-dir "$folder" -R "^($(IFS='|'; echo "${targets[*]}"))\$" --timeout 600 --output-on-failure \
+    >"$folder/tests.log" || true
   sed -n '/tests passed/,$p' "$folder/tests.log"
 }
 
@@ -36,8 +38,8 @@ wine_prefix=$PWD/$builds/mingw/wine
 [ $# -gt 0 ] || set -- host mingw
 for name in "$@"; do
   case $name in
-    host) measure host-release host native ;;
-    mingw) start_display; measure mingw-release mingw 'windows|gpu' ;;
+    host) measure host native --preset host-asan -DOMBREL_SANITIZE= ;;
+    mingw) start_display; measure mingw 'windows|gpu' --preset mingw-release ;;
     *) echo "no build is called $name" >&2; exit 1 ;;
   esac
 done

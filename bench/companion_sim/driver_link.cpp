@@ -1,6 +1,7 @@
 #include "driver_link.h"
 
 #include "base/clock.h"
+#include "base/matrix_csv.h"
 
 namespace bench {
 
@@ -16,16 +17,9 @@ constexpr float kTolerance = 1e-3F;  // of each float of a pose
 
 }  // namespace
 
-DriverLink::DriverLink(std::ofstream posesCsv)
-    : history_(NowTicks(), kHistorySeconds * TicksPerSecond()), posesCsv_(std::move(posesCsv)) {
-  if (!posesCsv_.is_open()) return;
-  posesCsv_.precision(9);
-  posesCsv_ << "pose,qpc,qpc_frequency";
-  for (int row = 0; row < 3; ++row) {
-    for (int column = 0; column < 4; ++column) posesCsv_ << ",m" << row << column;
-  }
-  posesCsv_ << '\n';
-}
+DriverLink::DriverLink(const std::filesystem::path& posesCsv)
+    : history_(NowTicks(), kHistorySeconds * TicksPerSecond()),
+      posesCsv_(OpenMatrixCsv(posesCsv, "pose,qpc,qpc_frequency", 3)) {}
 
 bool DriverLink::Send(std::span<const std::uint8_t> message) {
   const std::scoped_lock order(orderMutex_);
@@ -63,8 +57,7 @@ bool DriverLink::SendRemembered(std::span<const std::uint8_t> message) {
 void DriverLink::LogPose(std::int64_t ticks) {
   if (!posesCsv_.is_open()) return;
   posesCsv_ << history_.LastNumber() << ',' << ticks << ',' << TicksPerSecond();
-  for (const float value : model_.Published()) posesCsv_ << ',' << value;
-  posesCsv_ << '\n';
+  EndLine(posesCsv_, model_.Published());
 }
 
 std::optional<PoseMatch> DriverLink::Match(const PoseSlot& slot) const {

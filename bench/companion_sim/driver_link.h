@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <fstream>
 #include <mutex>
 #include <optional>
@@ -17,8 +18,8 @@ namespace bench {
 // All methods may be called on any thread.
 class DriverLink {
  public:
-  // `posesCsv` gets a line per pose if it is open.
-  explicit DriverLink(std::ofstream posesCsv);
+  // `posesCsv` gets a line per pose, unless it is empty; throws std::runtime_error when it cannot be made.
+  explicit DriverLink(const std::filesystem::path& posesCsv);
 
   companion::PipeServer& Pipes() { return pipes_; }
   const companion::PipeServer& Pipes() const { return pipes_; }

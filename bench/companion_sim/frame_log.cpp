@@ -1,6 +1,7 @@
 #include "frame_log.h"
 
 #include "base/clock.h"
+#include "base/matrix_csv.h"
 
 namespace bench {
 
@@ -12,15 +13,9 @@ double Milliseconds(std::int64_t ticks) { return TicksToSeconds(ticks) * 1000; }
 
 }  // namespace
 
-FrameLog::FrameLog(std::ofstream csv) : csv_(std::move(csv)) {
-  if (!csv_.is_open()) return;
-  csv_.precision(9);
-  csv_ << "frame,connection,texture,time_s,qpc,qpc_frequency,matched,pose,pose_qpc,pose_age_ms,difference";
-  for (int row = 0; row < 4; ++row) {
-    for (int column = 0; column < 4; ++column) csv_ << ",m" << row << column;
-  }
-  csv_ << '\n';
-}
+FrameLog::FrameLog(const std::filesystem::path& csv)
+    : csv_(OpenMatrixCsv(
+          csv, "frame,connection,texture,time_s,qpc,qpc_frequency,matched,pose,pose_qpc,pose_age_ms,difference", 4)) {}
 
 void FrameLog::Add(std::uint64_t number, std::uint32_t connection, const FrameInfo& frame,
                    const std::optional<PoseMatch>& match) {
@@ -48,8 +43,7 @@ void FrameLog::WriteLine(std::uint64_t number, std::uint32_t connection, const F
   } else {
     csv_ << "0,,,,";
   }
-  for (const float value : frame.slot) csv_ << ',' << value;
-  csv_ << '\n';
+  EndLine(csv_, frame.slot);
 }
 
 double FrameLog::SecondsBetweenFirstAndLast() const { return TicksToSeconds(lastTicks_ - firstTicks_); }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <fstream>
 #include <optional>
 #include <vector>
@@ -13,7 +14,8 @@ namespace bench {
 // Counts frames by what the pose beside them was, and writes a line of CSV for each. For one thread.
 class FrameLog {
  public:
-  explicit FrameLog(std::ofstream csv);
+  // No lines if `csv` is empty; throws std::runtime_error when it cannot be made.
+  explicit FrameLog(const std::filesystem::path& csv);
 
   // `match` is the sent pose that the slot agrees with, if any.
   void Add(std::uint64_t number, std::uint32_t connection, const companion::FrameInfo& frame,

@@ -31,8 +31,8 @@ std::optional<Image> ToImage(std::optional<Picture> picture) {
 }  // namespace
 
 FrameTaker::FrameTaker(const Options& options, DriverLink& link, RunState& run,
-                       Microsoft::WRL::ComPtr<ID3D11Device> device, std::ofstream csv)
-    : options_(options), link_(link), run_(run), log_(std::move(csv)) {
+                       Microsoft::WRL::ComPtr<ID3D11Device> device)
+    : options_(options), link_(link), run_(run), log_(options.framesCsv) {
   if (device) reader_.emplace(std::move(device));
 }
 

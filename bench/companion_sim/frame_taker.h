@@ -15,8 +15,7 @@ namespace bench {
 class FrameTaker {
  public:
   // `device` may be null: frames are then not read.
-  FrameTaker(const Options& options, DriverLink& link, RunState& run, Microsoft::WRL::ComPtr<ID3D11Device> device,
-             std::ofstream csv);
+  FrameTaker(const Options& options, DriverLink& link, RunState& run, Microsoft::WRL::ComPtr<ID3D11Device> device);
 
   void Announce(std::uint32_t connection, const companion::FrameSharingInfo& info);
   // Waits a few milliseconds for a frame. False when none came.

@@ -9,16 +9,7 @@ constexpr std::size_t kWaitingLimit = 12;
 
 }  // namespace
 
-PictureWriter::PictureWriter() : thread_([this] { Run(); }) {}
-
-PictureWriter::~PictureWriter() {
-  {
-    const std::scoped_lock lock(mutex_);
-    ending_ = true;
-    changed_.notify_all();
-  }
-  thread_.join();
-}
+PictureWriter::PictureWriter() : thread_([this](const std::stop_token& end) { Run(end); }) {}
 
 bool PictureWriter::Save(Image image, std::filesystem::path path) {
   const std::scoped_lock lock(mutex_);
@@ -33,11 +24,9 @@ void PictureWriter::Finish() {
   changed_.wait(lock, [this] { return jobs_.empty(); });
 }
 
-void PictureWriter::Run() {
+void PictureWriter::Run(const std::stop_token& end) {
   std::unique_lock lock(mutex_);
-  while (true) {
-    changed_.wait(lock, [this] { return ending_ || !jobs_.empty(); });
-    if (jobs_.empty()) return;
+  while (changed_.wait(lock, end, [this] { return !jobs_.empty(); })) {
     const Job& job = jobs_.front();  // a deque's elements stay where they are while others are added
     lock.unlock();
     ++(SavePng(job.image, job.path) ? saved_ : failed_);

@@ -5,19 +5,17 @@
 #include <deque>
 #include <filesystem>
 #include <mutex>
+#include <stop_token>
 #include <thread>
 
 #include "picture/image.h"
 
 namespace bench {
 
-// Saves pictures on a thread of its own, so that compressing them holds no frame up. Its destructor saves the rest.
+// Saves pictures on a thread of its own, so that compressing them holds no frame up. What is left when it goes is saved first.
 class PictureWriter {
  public:
   PictureWriter();
-  ~PictureWriter();
-  PictureWriter(const PictureWriter&) = delete;
-  PictureWriter& operator=(const PictureWriter&) = delete;
 
   // False, and nothing is saved, when too many pictures wait already.
   bool Save(Image image, std::filesystem::path path);
@@ -32,15 +30,14 @@ class PictureWriter {
     Image image;
     std::filesystem::path path;
   };
-  void Run();
+  void Run(const std::stop_token& end);
 
   std::mutex mutex_;
-  std::condition_variable changed_;
+  std::condition_variable_any changed_;
   std::deque<Job> jobs_;  // the first one is being saved
-  bool ending_ = false;
   std::atomic<std::uint64_t> saved_ = 0;
   std::atomic<std::uint64_t> failed_ = 0;
-  std::thread thread_;
+  std::jthread thread_;  // asked to end, and joined, before anything above goes
 };
 
 }  // namespace bench

@@ -18,13 +18,6 @@ constexpr const char* kEndlessSweep =
     R"({"steps": [{"do": "wait", "for": "connection", "timeout": 1e9},
                   {"do": "repeat", "steps": [{"do": "motion"}]}]})";
 
-std::ofstream OpenLog(const std::filesystem::path& path) {
-  if (path.empty()) return {};
-  std::ofstream file(path);
-  if (!file) throw std::runtime_error("cannot write " + path.string());
-  return file;
-}
-
 double Seconds(std::chrono::steady_clock::duration span) { return std::chrono::duration<double>(span).count(); }
 
 }  // namespace
@@ -32,8 +25,8 @@ double Seconds(std::chrono::steady_clock::duration span) { return std::chrono::d
 Session::Session(const Options& options, Microsoft::WRL::ComPtr<ID3D11Device> device)
     : options_(options),
       script_(options.script.empty() ? ParseScript(kEndlessSweep) : LoadScript(options.script)),
-      link_(OpenLog(options.posesCsv)),
-      frames_(options, link_, run_, std::move(device), OpenLog(options.framesCsv)),
+      link_(options.posesCsv),
+      frames_(options, link_, run_, std::move(device)),
       runner_(options, link_, run_) {
   if (!options.out.empty()) std::filesystem::create_directories(options.out);
 }

@@ -84,12 +84,8 @@ bool BareOutputs::MakeOutput(Output& output) {
 }
 
 bool BareOutputs::MakeState() {
-  const D3D11_BUFFER_DESC buffer{.ByteWidth = kBufferBytes,
-                                 .Usage = D3D11_USAGE_DYNAMIC,
-                                 .BindFlags = D3D11_BIND_CONSTANT_BUFFER,
-                                 .CPUAccessFlags = D3D11_CPU_ACCESS_WRITE,
-                                 .MiscFlags = 0,
-                                 .StructureByteStride = 0};
+  const CD3D11_BUFFER_DESC buffer(kBufferBytes, D3D11_BIND_CONSTANT_BUFFER, D3D11_USAGE_DYNAMIC,
+                                  D3D11_CPU_ACCESS_WRITE);
   D3D11_BLEND_DESC blend{};
   blend.RenderTarget[0] = {TRUE,
                            D3D11_BLEND_ONE,

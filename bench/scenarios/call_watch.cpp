@@ -63,16 +63,7 @@ double CallWatch::LimitMs(const CallBound& bound) {
   return bound.waitsMs + kSchedulingMs + (bound.usesGraphics ? kGraphicsMs : 0);
 }
 
-CallWatch::CallWatch() : thread_([this] { Look(); }) {}
-
-CallWatch::~CallWatch() {
-  {
-    const std::lock_guard lock(mutex_);
-    stop_ = true;
-  }
-  stopped_.notify_all();
-  thread_.join();
-}
+CallWatch::CallWatch() : thread_([this](const std::stop_token& end) { Look(end); }) {}
 
 std::list<CallWatch::Running>::iterator CallWatch::Begin(const char* call) {
   const auto* bound = std::ranges::find(kBounds, std::string(call), &CallBound::call);
@@ -91,9 +82,9 @@ void CallWatch::End(std::list<Running>::iterator running) {
   running_.erase(running);
 }
 
-void CallWatch::Look() {
+void CallWatch::Look(const std::stop_token& end) {
   std::unique_lock lock(mutex_);
-  while (!stopped_.wait_for(lock, kLookInterval, [this] { return stop_; })) {
+  while (!ended_.wait_for(lock, end, kLookInterval, [&end] { return end.stop_requested(); })) {
     for (Running& running : running_) LookAt(running);
   }
 }

@@ -8,6 +8,7 @@
 #include <map>
 #include <mutex>
 #include <span>
+#include <stop_token>
 #include <string>
 #include <thread>
 #include <vector>
@@ -32,9 +33,6 @@ class CallWatch {
   static constexpr int kHangExitCode = 3;
 
   CallWatch();
-  ~CallWatch();
-  CallWatch(const CallWatch&) = delete;
-  CallWatch& operator=(const CallWatch&) = delete;
 
   // `call` is a name of CallBounds; throws std::logic_error for another one.
   template <typename Body>
@@ -76,16 +74,15 @@ class CallWatch {
 
   [[nodiscard]] std::list<Running>::iterator Begin(const char* call);
   void End(std::list<Running>::iterator running);
-  void Look();
+  void Look(const std::stop_token& end);
   void LookAt(Running& running);
 
   mutable std::mutex mutex_;
-  std::condition_variable stopped_;
-  bool stop_ = false;
+  std::condition_variable_any ended_;
   std::list<Running> running_;
   std::map<std::string, Seen> seen_;
   std::vector<std::string> lateCalls_;
-  std::thread thread_;
+  std::jthread thread_;
 };
 
 }  // namespace bench::scenarios

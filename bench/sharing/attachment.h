@@ -1,9 +1,10 @@
 #pragma once
 
+#include "counted.h"
+
 #include <d3d11.h>
 #include <wrl/client.h>
 
-#include <atomic>
 #include <memory>
 #include <utility>
 
@@ -11,10 +12,9 @@ namespace bench {
 
 // Keeps something alive for as long as a Direct3D object exists: the object holds an attachment as private data
 // and releases it when it is destroyed, on whichever thread that happens and possibly under Direct3D's own lock.
-class Attachment final : public IUnknown {
+class Attachment final : public Counted<IUnknown> {
  public:
   explicit Attachment(std::shared_ptr<void> content) : content_(std::move(content)) {}
-  virtual ~Attachment() = default;
 
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
     if (object == nullptr) return E_POINTER;
@@ -23,16 +23,9 @@ class Attachment final : public IUnknown {
     AddRef();
     return S_OK;
   }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
 
  private:
   std::shared_ptr<void> content_;
-  std::atomic<ULONG> references_{1};
 };
 
 // Replaces what was attached under `name` before. `Object` is a device or a device child.

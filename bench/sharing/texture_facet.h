@@ -1,11 +1,11 @@
 #pragma once
 
+#include "counted.h"
 #include "shared_texture.h"
 
 #include <d3d11.h>
 #include <wrl/client.h>
 
-#include <atomic>
 #include <memory>
 #include <utility>
 
@@ -15,7 +15,7 @@ namespace bench {
 // texture alive; every other interface, IUnknown included, is the texture's. `Interface` derives from
 // IDXGIDeviceSubObject.
 template <class Interface>
-class TextureFacet : public Interface {
+class TextureFacet : public Counted<Interface> {
  public:
   explicit TextureFacet(std::shared_ptr<SharedTexture> shared)
       : shared_(std::move(shared)), texture_(shared_->Texture()) {}
@@ -25,14 +25,8 @@ class TextureFacet : public Interface {
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
     if (object == nullptr || !IsEqualGUID(iid, __uuidof(Interface))) return texture_->QueryInterface(iid, object);
     *object = static_cast<Interface*>(this);
-    AddRef();
+    this->AddRef();
     return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
   }
 
   HRESULT STDMETHODCALLTYPE SetPrivateData(REFGUID name, UINT size, const void* data) override {
@@ -52,15 +46,12 @@ class TextureFacet : public Interface {
   }
 
  protected:
-  virtual ~TextureFacet() = default;
-
   [[nodiscard]] SharedTexture& Shared() const { return *shared_; }
   [[nodiscard]] ID3D11Texture2D* Texture() const { return texture_.Get(); }
 
  private:
   std::shared_ptr<SharedTexture> shared_;
   Microsoft::WRL::ComPtr<ID3D11Texture2D> texture_;
-  std::atomic<ULONG> references_{1};
 };
 
 }  // namespace bench

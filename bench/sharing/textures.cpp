@@ -19,16 +19,8 @@ void RequireOk(HRESULT result, const char* what) {
 }
 
 D3D11_TEXTURE2D_DESC TextureDescription(UINT width, UINT height, DXGI_FORMAT format, UINT miscFlags) {
-  return {.Width = width,
-          .Height = height,
-          .MipLevels = 1,
-          .ArraySize = 1,
-          .Format = format,
-          .SampleDesc = {.Count = 1, .Quality = 0},
-          .Usage = D3D11_USAGE_DEFAULT,
-          .BindFlags = D3D11_BIND_SHADER_RESOURCE | D3D11_BIND_RENDER_TARGET,
-          .CPUAccessFlags = 0,
-          .MiscFlags = miscFlags};
+  return CD3D11_TEXTURE2D_DESC(format, width, height, 1, 1, D3D11_BIND_SHADER_RESOURCE | D3D11_BIND_RENDER_TARGET,
+                               D3D11_USAGE_DEFAULT, 0, 1, 0, miscFlags);
 }
 
 D3D11_TEXTURE2D_DESC StagingDescription(const D3D11_TEXTURE2D_DESC& description) {

@@ -9,8 +9,8 @@ namespace {
 constexpr double kPi = 3.14159265358979323846;
 
 // A matrix element by row and column, in double precision.
-double At(const PoseMatrix& matrix, int row, int column) {
-  return static_cast<double>(matrix[static_cast<std::size_t>(row * 4 + column)]);
+double At(const PoseMatrix& matrix, std::size_t row, std::size_t column) {
+  return static_cast<double>(matrix[row * 4 + column]);
 }
 
 Quat Narrow(double x, double y, double z, double w) {

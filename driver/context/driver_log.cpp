@@ -22,6 +22,7 @@ void Log(const char* format, ...) {
   std::array<char, kMessageCapacity> message;
   va_list arguments;
   va_start(arguments, format);
+  // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): it does not see what va_start does
   std::vsnprintf(message.data(), message.size(), format, arguments);
   va_end(arguments);
   Guarded([&] { sink->Log(message.data()); });

@@ -16,15 +16,15 @@ JpegEncoder::JpegEncoder(int quality) : compressor_(tjInitCompress()), quality_(
   if (compressor_ == nullptr) throw std::runtime_error("no JPEG compressor");
 }
 
-JpegEncoder::~JpegEncoder() { tjDestroy(compressor_); }
+void JpegEncoder::Destroy::operator()(void* compressor) const { tjDestroy(compressor); }
 
 std::vector<std::uint8_t> JpegEncoder::Encode(const companion::Picture& picture) {
   const int width = static_cast<int>(picture.width), height = static_cast<int>(picture.height);
   std::vector<std::uint8_t> jpeg(tjBufSize(width, height, kSampling));
   unsigned char* target = jpeg.data();
   auto size = static_cast<unsigned long>(jpeg.size());
-  const int result = tjCompress2(compressor_, picture.rgba.data(), width, 4 * width, height, TJPF_RGBA, &target, &size,
-                                 kSampling, quality_, TJFLAG_NOREALLOC | TJFLAG_FASTDCT);
+  const int result = tjCompress2(compressor_.get(), picture.rgba.data(), width, 4 * width, height, TJPF_RGBA, &target,
+                                 &size, kSampling, quality_, TJFLAG_NOREALLOC | TJFLAG_FASTDCT);
   jpeg.resize(result == 0 ? size : 0);
   return jpeg;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "companion/frame_reader.h"
@@ -12,15 +13,15 @@ class JpegEncoder {
  public:
   // `quality` from 1 to 100. Throws std::runtime_error when there is no memory.
   explicit JpegEncoder(int quality);
-  ~JpegEncoder();
-  JpegEncoder(const JpegEncoder&) = delete;
-  JpegEncoder& operator=(const JpegEncoder&) = delete;
 
   // Empty when the picture cannot be compressed.
   [[nodiscard]] std::vector<std::uint8_t> Encode(const companion::Picture& picture);
 
  private:
-  void* compressor_;
+  struct Destroy {
+    void operator()(void* compressor) const;
+  };
+  std::unique_ptr<void, Destroy> compressor_;
   int quality_;
 };
 

@@ -49,6 +49,8 @@ class PageSocket final : public Channel, public std::enable_shared_from_this<Pag
   PageSocket(tcp::socket socket, Place place, Hub& hub, Role role)
       : place_(std::move(place)), hub_(hub), role_(role), stream_(std::move(socket)) {}
   ~PageSocket() override { hub_.Leave(*this); }
+  PageSocket(const PageSocket&) = delete;
+  PageSocket& operator=(const PageSocket&) = delete;
 
   void Accept(const Request& request, milliseconds handshake, milliseconds silence) {
     stream_.set_option(websocket::stream_base::timeout{handshake, silence, true});
@@ -208,6 +210,8 @@ class Server::State {
     context.stop();
     thread_.join();
   }
+  State(const State&) = delete;
+  State& operator=(const State&) = delete;
 
   std::uint16_t Port() const { return v4_.acceptor.local_endpoint().port(); }
 

@@ -18,6 +18,8 @@ class OwnedHandle {
   OwnedHandle() = default;
   // On Windows INVALID_HANDLE_VALUE is none as well: CreateFile fails with it, other calls with null.
   explicit OwnedHandle(NativeHandle native);
+  OwnedHandle(const OwnedHandle&) = delete;
+  OwnedHandle& operator=(const OwnedHandle&) = delete;
   OwnedHandle(OwnedHandle&& other) noexcept : native_(std::exchange(other.native_, kNoHandle)) {}
   OwnedHandle& operator=(OwnedHandle&& other) noexcept {
     if (this != &other) {

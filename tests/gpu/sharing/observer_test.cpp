@@ -133,16 +133,8 @@ TEST_F(ObserverTest, SeesTheViewsAndClearsOfATarget) {
 }
 
 TEST_F(ObserverTest, SeesTheStatesThatAreMade) {
-  const D3D11_SAMPLER_DESC sampler{.Filter = D3D11_FILTER_MIN_MAG_MIP_POINT,
-                                   .AddressU = D3D11_TEXTURE_ADDRESS_WRAP,
-                                   .AddressV = D3D11_TEXTURE_ADDRESS_WRAP,
-                                   .AddressW = D3D11_TEXTURE_ADDRESS_WRAP,
-                                   .MipLODBias = 0,
-                                   .MaxAnisotropy = 16,
-                                   .ComparisonFunc = D3D11_COMPARISON_NEVER,
-                                   .BorderColor = {},
-                                   .MinLOD = 0,
-                                   .MaxLOD = 0};
+  CD3D11_SAMPLER_DESC sampler{CD3D11_DEFAULT()};
+  sampler.MaxAnisotropy = 16;
   const D3D11_BUFFER_DESC buffer{16, D3D11_USAGE_DYNAMIC, D3D11_BIND_CONSTANT_BUFFER, D3D11_CPU_ACCESS_WRITE, 0, 0};
   EXPECT_CALL(observer, OnCreateSamplerState(Field(&D3D11_SAMPLER_DESC::MaxAnisotropy, 16u)));
   EXPECT_CALL(observer, OnCreateBuffer(Field(&D3D11_BUFFER_DESC::ByteWidth, 16u)));
