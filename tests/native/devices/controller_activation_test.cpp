@@ -61,6 +61,18 @@ TEST_F(ControllerActivationTest, AScalarThatCannotBeMadeIsNotWorthALine) {
   EXPECT_THAT(runtime_.Log().Lines(), ElementsAre("Controller: OmbrelControllerV02ID0 activated with id: 1\n"));
 }
 
+TEST_F(ControllerActivationTest, DoesWithoutInputs) {
+  Context().Clear();
+  runtime_.Withhold("IVRDriverInput_001");
+  ASSERT_EQ(Context().Init(&runtime_), vr::VRInitError_None);
+  Activate();
+  companion::ControllerRecord record = Holding(0x1);
+  record.axes[0] = {0.5F, 0.5F};
+  SendRecord(record);
+  EXPECT_THAT(InputLines(runtime_), IsEmpty());
+  EXPECT_EQ(PosesSent(), 1U);
+}
+
 TEST_F(ControllerActivationTest, RecordsBeforeItChangeNothing) {
   const vr::DriverPose_t made = Pose();
   for (int i = 0; i < 3; ++i) SendRecord(Holding(0x1));

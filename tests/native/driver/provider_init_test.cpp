@@ -53,6 +53,11 @@ TEST_F(InitTest, GoesOnWithoutPropertiesAndInputs) {
   EXPECT_EQ(PosesOf(0), 1U);
 }
 
+TEST_F(InitTest, AFrameBeforeItIsWithoutEffect) {
+  provider_.RunFrame();
+  EXPECT_TRUE(runtime_.Journal().Calls().empty());
+}
+
 TEST_F(InitTest, NeedsAContext) { EXPECT_EQ(provider_.Init(nullptr), vr::VRInitError_Init_InterfaceNotFound); }
 
 TEST_F(InitTest, AnnouncesTheHeadsetAndThenTheBaseStation) {

@@ -170,6 +170,15 @@ TEST_F(ProviderTest, EndsTheMonitorForACompanionThatAsksForTheEndOfTheSession) {
   EXPECT_FALSE(TheProcesses().isOwnEnded);
 }
 
+TEST_F(ProviderTest, EndsNothingWithoutAMonitor) {
+  TheProcesses().listed.pop_back();
+  Connect();
+  ASSERT_TRUE(companion_.Send(14));
+  Fence();
+  EXPECT_TRUE(TheProcesses().ended.empty());
+  EXPECT_FALSE(TheProcesses().isOwnEnded);
+}
+
 TEST_F(ProviderTest, EndsItsOwnProcessWhenThatIsTheRuntimesServer) {
   TheProcesses().ownPath = "vrserver.exe";
   Connect();

@@ -102,6 +102,13 @@ TEST_F(HeadsetActivationTest, DoesWithoutInputs) {
   EXPECT_EQ(runtime_.Poses().Count(), 1U);
 }
 
+TEST_F(HeadsetActivationTest, IsNotWornOnceTheRuntimesInterfacesAreGone) {
+  headset_->Activate(3);
+  Context().Clear();
+  headset_->ReportWorn();
+  EXPECT_EQ(InputLines(runtime_).size(), 2U);
+}
+
 TEST_F(HeadsetActivationTest, IsNotWornBeforeAndAfterwards) {
   headset_->ReportWorn();
   EXPECT_EQ(InputLines(runtime_).size(), 0U);

@@ -21,6 +21,14 @@ Matrix3x4 Rows(float a, float b, float c, float d, float e, float f, float g, fl
 
 TEST(Quaternion, IsTheIdentityUnlessSaidOtherwise) { EXPECT_EQ(Quaternion{}, (Quaternion{0, 0, 0, 1})); }
 
+TEST(Quaternion, DiffersInAnyComponent) {
+  const Quaternion rotation{1, 2, 3, 4};
+  EXPECT_EQ(rotation, (Quaternion{1, 2, 3, 4}));
+  for (const Quaternion& other : {Quaternion{0, 2, 3, 4}, {1, 0, 3, 4}, {1, 2, 0, 4}, {1, 2, 3, 0}}) {
+    EXPECT_NE(rotation, other);
+  }
+}
+
 TEST(HamiltonProduct, FollowsTheRulesOfTheUnits) {
   const Quaternion i{1, 0, 0, 0}, j{0, 1, 0, 0}, k{0, 0, 1, 0};
   const Quaternion minusOne{0, 0, 0, -1};

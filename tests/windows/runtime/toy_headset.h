@@ -10,6 +10,7 @@
 #include "idle_driver/idle_driver.h"
 #include "picture/read_image.h"
 #include "sharing/sharing_device.h"
+#include "sharing/textures.h"
 
 namespace bench {
 
