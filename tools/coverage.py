@@ -8,6 +8,7 @@ import itertools
 import json
 import subprocess
 import sys
+import tomllib
 from collections import defaultdict
 from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
@@ -96,7 +97,7 @@ def row(name, files):
     return f'| {name} | {share(total(files, File.line_counts))} | {share(total(files, File.branch_counts))} |'
 
 
-def page(files):
+def page(files, reasons):
     yield '# Coverage'
     yield ''
     yield ("Lines and branches of the driver's folders that the tests run, natively and under Wine, as"
@@ -113,18 +114,19 @@ def page(files):
     yield ''
     yield '## What is not covered'
     yield ''
-    yield '| file | lines that never ran | lines of which a branch was never taken |'
-    yield '| --- | --- | --- |'
+    yield '| file | lines that never ran | lines of which a branch was never taken | why |'
+    yield '| --- | --- | --- | --- |'
     for name in sorted(files):
         not_run, half_run = files[name].lines_not_run(), files[name].lines_half_run()
         if not_run or half_run:
-            yield f'| `{name}` | {ranges(not_run)} | {ranges(half_run)} |'
+            yield f'| `{name}` | {ranges(not_run)} | {ranges(half_run)} | {reasons.get(name, "")} |'
 
 
 def main():
     root, output, *builds = sys.argv[1:]
     files = merged(Path(root).resolve(), [build.split('=') for build in builds])
-    Path(output).write_text('\n'.join(page(files)) + '\n')
+    reasons = tomllib.loads((Path(__file__).parent / 'coverage.toml').read_text())
+    Path(output).write_text('\n'.join(page(files, reasons)) + '\n')
     print('lines', share(total(files.values(), File.line_counts)))
     print('branches', share(total(files.values(), File.branch_counts)))
 

@@ -41,9 +41,14 @@ class Coverage(unittest.TestCase):
 
     def test_a_folder_within_a_folder_is_counted_apart(self):
         files = {'driver/a.cpp': file_of(line(1, 1)), 'driver/context/b.cpp': file_of(line(1, 0))}
-        rows = [row for row in page(files) if row.startswith('| `driver') and '%' in row]
+        rows = [row for row in page(files, {}) if row.startswith('| `driver') and '%' in row]
         self.assertEqual(rows, ['| `driver/context/` | 0 of 1 (0.0 %) | 0 of 0 |',
                                 '| `driver/` | 1 of 1 (100.0 %) | 0 of 0 |'])
+
+    def test_what_is_not_covered_may_have_a_reason(self):
+        files = {name: file_of(line(1, 0), line(2, 1, 1, 0)) for name in ('link/a.cpp', 'link/b.cpp')}
+        rows = list(page(files, {'link/a.cpp': 'it ends the process'}))[-2:]
+        self.assertEqual(rows, ['| `link/a.cpp` | 1 | 2 | it ends the process |', '| `link/b.cpp` | 1 | 2 |  |'])
 
 
 if __name__ == '__main__':

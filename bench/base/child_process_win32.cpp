@@ -3,6 +3,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "base/command_line.h"
+
 namespace bench {
 namespace {
 
@@ -53,8 +55,7 @@ ChildProcess::ChildProcess(const std::filesystem::path& program, const std::vect
 
 void ChildProcess::Start(const std::filesystem::path& program, const std::vector<std::string>& arguments, HANDLE output,
                          HANDLE error) {
-  std::wstring line = L'"' + program.native() + L'"';
-  for (const std::string& argument : arguments) line += L" \"" + std::filesystem::path(argument).native() + L'"';
+  std::wstring line = CommandLine(program, arguments);
   Pipe input = MakePipe(true);
   STARTUPINFOW startup{};
   startup.cb = sizeof(startup);
