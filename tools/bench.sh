@@ -30,6 +30,7 @@ describe_machine() {
 prepare "${build_packages[@]}" "${display_packages[@]}" python3-matplotlib
 build mingw-release dist driver_speed
 start_display
+will_test "$PWD/build/mingw-release"
 rm -rf "$out"
 mkdir -p "$out"
 load_before=$(cut -d' ' -f1 /proc/loadavg)

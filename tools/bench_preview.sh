@@ -8,6 +8,7 @@ set -euo pipefail
 prepare "${build_packages[@]}" "${display_packages[@]}" chromium chromium-driver python3-selenium
 build mingw-release dist runtime_sim preview preview_encode_speed sharing_dropin
 start_display
+will_test "$PWD/build/mingw-release"
 built=$PWD/build/mingw-release
 export OMBREL_TEST_PREFIX=${wine_prefix}_companion OMBREL_TEST_SHARING=$built/bench/dropin/d3d11.dll \
   OMBREL_TEST_PREVIEW=$built/companion/preview/program/Ombrel.exe \

@@ -35,7 +35,7 @@ measure() {
 }
 
 prepare "${build_packages[@]}" "${display_packages[@]}" "${test_packages[@]}" python3
-wine_prefix=$PWD/$builds/mingw/wine
+will_test "$PWD/$builds/mingw"
 [ $# -gt 0 ] || set -- host mingw
 for name in "$@"; do
   case $name in

@@ -13,6 +13,7 @@ set -euo pipefail
 serve_preview() {
   local out=out/demo/preview built=build/mingw-release preview
   wine_prefix=$PWD/$built/wine_companion
+  wine_prefixes=("$wine_prefix")
   rm -rf "$out"
   mkdir -p "$out"
   tools/wine_sharing.sh "$wine_prefix" "$built/bench/dropin/d3d11.dll" \

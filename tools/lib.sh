@@ -69,7 +69,13 @@ build() {
 }
 
 wine_prefix=$PWD/build/mingw-release/wine
+wine_prefixes=() # those whose programs this script starts, and stops at its end: others may be somebody else's
 display_pid=
+
+# will_test BUILD: ctest gives each kind of test a prefix of its own.
+will_test() {
+  wine_prefixes=("$1"/wine{,_gpu,_dxvk,_scenarios,_companion})
+}
 
 # One X server for the whole run of a script; Wine's Direct3D draws through its OpenGL.
 start_display() {
@@ -89,8 +95,7 @@ start_display() {
 
 stop_what_was_started() {
   local prefix
-  for prefix in "$wine_prefix" "${wine_prefix}_gpu" "${wine_prefix}_dxvk" "${wine_prefix}_scenarios" \
-    "${wine_prefix}_companion"; do
+  for prefix in "${wine_prefixes[@]}"; do
     if [ -d "$prefix" ]; then
       WINEPREFIX=$prefix /usr/lib/wine/wineserver -k 2>/dev/null || true
     fi

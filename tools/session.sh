@@ -4,6 +4,8 @@
 # No thread per Direct3D device that spins while it waits: three of them starve a machine of two cores.
 export WINE_D3D_CONFIG=csmt=0x0
 
+wine_prefixes+=("$wine_prefix")
+
 windows() {
   WINEPREFIX=$wine_prefix tools/wine.sh "$@"
 }

@@ -42,6 +42,7 @@ print_calls() {
 prepare "${build_packages[@]}" "${display_packages[@]}"
 build mingw-release scenarios dist
 start_display
+will_test "$PWD/build/mingw-release"
 rm -rf "$out"
 mkdir -p "$out"
 : >"$out/calls.csv"

@@ -8,7 +8,6 @@ set -euo pipefail
 started_in=$PWD
 # shellcheck source=tools/lib.sh
 . "$(dirname "$0")/lib.sh"
-trap - EXIT  # nothing is started here, and the tests' Wine is not to be stopped
 
 binutils=x86_64-w64-mingw32
 symbols=dist/symbols

@@ -28,6 +28,7 @@ if ! tools/fetch_dxvk.sh; then
   skipped=1
 fi
 start_display
+will_test "$PWD/build/mingw-release"
 
 build host-asan
 run_tests host-asan -j "$(nproc)"

@@ -14,7 +14,7 @@ set -euo pipefail
 started_in=$PWD
 # shellcheck source=tools/lib.sh
 . "$(dirname "$0")/lib.sh"
-wine_prefix=$PWD/build/mingw-release/wine_companion # from the beginning: at its end Wine is stopped there, and only there
+wine_prefix=$PWD/build/mingw-release/wine_companion
 
 companion='' mode=direct seconds=10 fps=0 report=$PWD/out/companion built=''
 arguments=()
