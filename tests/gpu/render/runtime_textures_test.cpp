@@ -163,6 +163,25 @@ TEST_F(RuntimeTexturesTest, ComeAndGoWhileAFrameIsBeingDrawn) {
   EXPECT_EQ(LiveViews(), live) << "the view outlives its last frame";
 }
 
+TEST_F(RuntimeTexturesTest, ComeAndGoOnThreadsOfTheRuntime) {
+  constexpr int kThreads = 4, kTimes = 1500;
+  const auto live = LiveViews();
+  for (int i = 0; i < kThreads; ++i) eyeTextures.push_back(renderer->CreateSwapTexture({64, 48, kRgba, 1}));
+  std::vector<std::future<void>> threads;
+  for (const SwapTexture& texture : eyeTextures) {
+    threads.push_back(std::async(std::launch::async, [this, handle = texture.handle] {
+      for (int i = 0; i < kTimes; ++i) {
+        renderer->RegisterTexture(handle);
+        renderer->UnregisterTexture(handle);
+      }
+      renderer->RegisterTexture(handle);
+    }));
+  }
+  for (std::future<void>& thread : threads) thread.get();
+  EXPECT_EQ(LiveViews(), live + kThreads);
+  for (const SwapTexture& texture : eyeTextures) EXPECT_NE(ViewsDrawn(texture.handle, texture.handle)[0], nullptr);
+}
+
 TEST_F(RuntimeTexturesTest, OutliveTheOutputBeingMadeAnew) {
   const auto handle = MakeEyeTexture();
   const auto before = ViewsDrawn(handle, handle);
