@@ -84,6 +84,19 @@ TEST_F(LostDeviceTest, LeavesNothingBehindButTheRuntimesTextures) {
   EXPECT_EQ(Live().liveDevices, 1);
 }
 
+TEST_F(LostDeviceTest, LeavesNothingBehindWhileThereIsNoOther) {
+  ViewsDrawn(MakeEyeTexture());
+  eyeTextures.clear();
+  Lose();
+  calls.Fail(DeviceCall::kCreateDevice, E_FAIL);
+  EXPECT_FALSE(renderer->RemakeDevice());
+  EXPECT_EQ(Live().liveShaders, 0);
+  EXPECT_EQ(Live().liveStates, 0);
+  EXPECT_EQ(Live().liveBuffers, 0);
+  EXPECT_EQ(Live().liveViews, 0);
+  EXPECT_EQ(Live().liveDevices, 0);
+}
+
 TEST_F(LostDeviceTest, TexturesOfTheNewDeviceAreDrawnAndThoseOfTheOldOneAreUnknown) {
   const auto before = MakeEyeTexture();
   Lose();
