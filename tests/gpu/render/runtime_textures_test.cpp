@@ -123,6 +123,14 @@ TEST_F(RuntimeTexturesTest, ThatCannotBeOpenedGetNoView) {
   EXPECT_EQ(ViewsDrawn(0x7777, 0x7777)[0], nullptr);
 }
 
+// A success that gives nothing.
+TEST_F(RuntimeTexturesTest, ThatOpenAsNothingGetNoView) {
+  const SwapTexture swap = renderer->CreateSwapTexture({64, 48, kRgba, 1});
+  calls.Fail(bench::DeviceCall::kOpenSharedResource, S_FALSE);
+  renderer->RegisterTexture(swap.handle);
+  EXPECT_THAT(calls.Of<SourceViewMade>(), SizeIs(0));
+}
+
 TEST_F(RuntimeTexturesTest, AreDrawnAndPassedOnWithoutMakingAnyObject) {
   const auto handle = MakeEyeTexture();
   calls.Clear();
