@@ -1,6 +1,7 @@
 """What tests of the preview's pages do in a browser: look at the picture, drag it, turn a made-up phone."""
 import math
 
+from selenium.common.exceptions import TimeoutException
 from selenium.webdriver.common.action_chains import ActionChains
 from selenium.webdriver.support.ui import WebDriverWait
 
@@ -25,7 +26,10 @@ return near / (data.length / 4);
 
 
 def wait_until(browser, condition, message="", seconds=WAIT_S):
-    return WebDriverWait(browser, seconds, poll_frequency=0.05).until(lambda _: condition(), message)
+    try:
+        return WebDriverWait(browser, seconds, poll_frequency=0.05).until(lambda _: condition())
+    except TimeoutException:
+        raise AssertionError(f"{message or 'not so'} within {seconds} s; the page says {words(browser)!r}") from None
 
 
 def share(browser, colour):
