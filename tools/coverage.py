@@ -114,7 +114,7 @@ def page(files, reasons):
     yield ''
     yield '## What is not covered'
     yield ''
-    yield '| file | lines that never ran | lines of which a branch was never taken | why |'
+    yield '| file | lines that never ran | lines of which a branch was never taken | probable reason |'
     yield '| --- | --- | --- | --- |'
     for name in sorted(files):
         not_run, half_run = files[name].lines_not_run(), files[name].lines_half_run()
